@@ -1,0 +1,161 @@
+#include "app/Arguments.h"
+#include "app/Picture.h"
+#include "base/PathInput.h"
+#include "base/Worker.h"
+#include "listing/DirectoryProvider.h"
+#include "listing/SystemCall.h"
+#include "services/InterfaceLanguage.h"
+#include "services/QtConnections.h"
+#include "ui/BrowserWindow.h"
+#include "ui/DesktopAppearance.h"
+#include "ui/OmbrelStyle.h"
+#include "ui/Theme.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QIcon>
+#include <QScreen>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+namespace ombrel {
+namespace {
+
+constexpr int wrongUsage = 2;
+/// How long an ending program waits for threads that may hang in a dead mount.
+constexpr std::chrono::seconds patience(2);
+
+/// For what needs no window: prints, and answers with the status to end with.
+int answer(const std::expected<Arguments, Text>& arguments) {
+    if (!arguments) {
+        std::fprintf(stderr, "%s\n%s\n", arguments.error().localized().c_str(),
+                     Texts::localized("app.error.seeHelp").c_str());
+        return wrongUsage;
+    }
+    if (arguments->request == Arguments::Request::version)
+        std::printf("ombrel %s\n", OMBREL_VERSION);
+    else
+        std::printf("%s", Arguments::help().c_str());
+    return 0;
+}
+
+bool hasDisplay() {
+    return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+}
+
+/// Without a desktop nothing says how things should look: what follows is the same on every machine.
+void prepareOffscreen() {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    // Qt makes it when it is missing, and complains when nobody has named one.
+    if (qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR"))
+        qputenv("XDG_RUNTIME_DIR", "/tmp/runtime-" + QByteArray::number(::getuid()));
+}
+
+void chooseOffscreenLook(QApplication& application) {
+    constexpr int fontPixels = 13;
+    QFont font(QStringLiteral("Noto Sans"));
+    font.setPixelSize(fontPixels);
+    application.setFont(font);
+    QIcon::setThemeSearchPaths({QStringLiteral("/usr/share/icons"), QStringLiteral(":/icons")});
+    QIcon::setThemeName(QStringLiteral("hicolor"));
+}
+
+BrowserWindow* makeWindow(const Theme& theme, const FileURL& folder) {
+    auto* const window = new BrowserWindow(
+        {.theme = theme,
+         .listings = [](const DirectoryRequest& request) { return DirectoryProvider().snapshots(request); },
+         .home = PathInput::userHomeDirectory()});
+    window->model().navigate(folder);
+    return window;
+}
+
+void showWindows(const Theme& theme, std::vector<FileURL> folders) {
+    if (folders.empty()) folders.push_back(PathInput::userHomeDirectory());
+    constexpr int cascade = 28;
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    QRect place(QPoint(), BrowserWindow::firstSize(theme, screen.size()));
+    place.moveCenter(screen.center());
+    for (const FileURL& folder : folders) {
+        auto* const window = makeWindow(theme, folder);
+        window->setGeometry(place);
+        window->show();
+        place.translate(cascade, cascade);
+    }
+}
+
+int runApplication(QApplication& application, const Arguments& arguments) {
+    const auto language = InterfaceLanguage::choose();
+    QLocale::setDefault(language.locale);
+    const QtConnections connections(language);
+#ifndef NDEBUG
+    SystemCall::forbidOnMainThread(true);
+#endif
+    const bool isPicture = arguments.request == Arguments::Request::picture;
+    auto appearance = DesktopAppearance::fromPalette(QGuiApplication::palette());
+    if (isPicture) {
+        chooseOffscreenLook(application);
+        appearance = {.isDark = arguments.isDark, .isHighContrast = false, .isMotionReduced = true};
+    }
+    Theme theme(appearance);
+    QApplication::setStyle(new OmbrelStyle(theme));
+    QApplication::setPalette(theme.palette());
+    QObject::connect(&theme, &Theme::changed, &application,
+                     [&theme] { QApplication::setPalette(theme.palette()); });
+    DesktopAppearance desktop(theme);
+    std::unique_ptr<BrowserWindow> pictured;
+    if (isPicture) {
+        pictured.reset(makeWindow(theme, arguments.folders.empty() ? PathInput::userHomeDirectory()
+                                                                   : arguments.folders.front()));
+        pictured->resize(theme.size(ThemeSize::windowWidth), theme.size(ThemeSize::windowHeight));
+        pictured->show();
+        new Picture(*pictured, QFile::decodeName(arguments.pictureFile.c_str()));
+    } else {
+        desktop.follow();
+        showWindows(theme, arguments.folders);
+    }
+    const int status = QApplication::exec();
+    pictured.reset();
+    const auto windows = QApplication::topLevelWidgets();
+    for (QWidget* window : windows)
+        if (qobject_cast<BrowserWindow*>(window)) delete window;
+    // A worker that still hangs, in a dead mount say, would meet globals that are gone.
+    if (!Worker::waitUntilNoneRuns(patience)) ::_exit(status);
+    return status;
+}
+
+} // namespace
+} // namespace ombrel
+
+int main(int argumentCount, char** argumentValues) {
+    using namespace ombrel;
+    // Words are bytes; the application object would make text of them.
+    const std::vector<std::string_view> words(argumentValues + std::min(argumentCount, 1),
+                                              argumentValues + argumentCount);
+    const auto arguments = Arguments::parse(words);
+    int applicationArguments = std::min(argumentCount, 1);
+    const bool opensWindow = arguments && (arguments->request == Arguments::Request::windows ||
+                                           arguments->request == Arguments::Request::picture);
+    const bool canOpen = opensWindow && (arguments->request == Arguments::Request::picture || hasDisplay());
+    if (!canOpen) {
+        const QCoreApplication application(applicationArguments, argumentValues);
+        const QtConnections connections(InterfaceLanguage::choose());
+        if (!opensWindow) return answer(arguments);
+        std::fprintf(stderr, "%s\n", Texts::localized("app.error.noDisplay").c_str());
+        return 1;
+    }
+    if (arguments->request == Arguments::Request::picture) prepareOffscreen();
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+    QGuiApplication::setDesktopFileName(QStringLiteral("com.halvane.Ombrel"));
+    QApplication application(applicationArguments, argumentValues);
+    QApplication::setApplicationName(QStringLiteral("ombrel"));
+    QApplication::setApplicationDisplayName(QString());
+    return runApplication(application, *arguments);
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "cli/Command.h"
+#include "operations/OperationHooks.h"
+#include "operations/OperationReport.h"
+
+#include <expected>
+#include <functional>
+#include <optional>
+#include <stop_token>
+
+namespace ombrel::cli {
+
+/// How questions are answered. Nothing stands for `ask`.
+struct AnswerPolicy {
+    std::optional<ConflictChoice> conflict;
+    std::optional<ErrorChoice> error;
+
+    /// The options "conflict" and "on-error" for a command's table.
+    static constexpr Option conflictOption = {"conflict", "CHOICE", "cli.option.conflict"};
+    static constexpr Option errorOption = {"on-error", "CHOICE", "cli.option.onError"};
+
+    /// From those options. Without one, questions are asked on a terminal and answered with `skip` elsewhere;
+    /// the error says what is wrong with a value, or that nobody can be asked.
+    [[nodiscard]] static std::expected<AnswerPolicy, Text> from(const Arguments& arguments);
+};
+
+using Job = std::function<OperationReport(const OperationHooks& hooks, std::stop_token stop)>;
+
+/// Runs a job on a thread of its own until it ends, with its progress shown where somebody watches and its
+/// questions answered by the policy.
+[[nodiscard]] OperationReport run(const Job& job, const AnswerPolicy& policy, const Session& session);
+
+/// Prints a report, as JSON or as one sentence for each item that failed, and answers how the command ends.
+[[nodiscard]] ExitStatus print(const OperationReport& report, const Arguments& arguments,
+                               const Session& session);
+
+/// A number of bytes in words.
+[[nodiscard]] std::string sizeWords(std::int64_t bytes, const Session& session);
+
+} // namespace ombrel::cli

@@ -1,0 +1,47 @@
+#include "cli/Commands.h"
+#include "cli/Location.h"
+#include "cli/OperationJob.h"
+#include "cli/Output.h"
+#include "operations/FileOperationService.h"
+
+#include <array>
+#include <limits>
+#include <vector>
+
+namespace ombrel::cli {
+namespace {
+
+constexpr auto options = std::to_array<Option>({
+    AnswerPolicy::conflictOption,
+    AnswerPolicy::errorOption,
+    {"parents", "", "cli.restore.parents"},
+});
+
+ExitStatus restore(const Arguments& arguments, const Session& session) {
+    const auto policy = AnswerPolicy::from(arguments);
+    if (!policy) return session.output.wrongUsage(policy.error(), &restoreCommand);
+    const auto urls = locationsOf(arguments.operands());
+    if (!urls) return session.output.wrongUsage(urls.error(), &restoreCommand);
+    const auto folders = arguments.has("parents") ? MissingFolders::make : MissingFolders::refuse;
+    const auto job = [&](const OperationHooks& hooks, const std::stop_token& stop) {
+        std::vector<PutBackItem> items;
+        for (const auto& url : *urls)
+            items.push_back({FileReference::sampling(url), std::nullopt});
+        return FileOperationService().putBack(items, folders, hooks, stop);
+    };
+    return print(run(job, *policy, session), arguments, session);
+}
+
+} // namespace
+
+const Command restoreCommand = {
+    .name = "restore",
+    .summaryKey = "cli.restore.summary",
+    .operands = "TRASHED-PATH…",
+    .fewestOperands = 1,
+    .mostOperands = std::numeric_limits<std::size_t>::max(),
+    .options = options,
+    .run = restore,
+};
+
+} // namespace ombrel::cli

@@ -1,0 +1,38 @@
+#include "browser/BrowserHistory.h"
+
+#include <string_view>
+#include <utility>
+
+namespace ombrel {
+
+void BrowserHistory::record(HistoryEntry left) {
+    back_.push_back(std::move(left));
+    forward_.clear();
+}
+
+std::optional<HistoryEntry> BrowserHistory::go(Direction to, HistoryEntry left) {
+    auto& source = to == Direction::back ? back_ : forward_;
+    auto& target = to == Direction::back ? forward_ : back_;
+    if (source.empty()) return std::nullopt;
+    HistoryEntry entry = std::move(source.back());
+    source.pop_back();
+    target.push_back(std::move(left));
+    return entry;
+}
+
+std::optional<FileURL> BrowserHistory::child(const FileURL& base, const FileURL& url) {
+    if (url == base || !url.isWithin(base)) return std::nullopt;
+    std::string_view below = std::string_view(url.path()).substr(base.isRoot() ? 1 : base.path().size() + 1);
+    return base.appending(below.substr(0, below.find('/')));
+}
+
+std::shared_ptr<const SelectionMemory> BrowserHistory::selectionOnReturn(const HistoryEntry& entry,
+                                                                         const std::optional<FileURL>& left) {
+    if (entry.selection && !entry.selection->empty()) return entry.selection;
+    const auto& folder = entry.location.folderURL();
+    if (!folder || !left) return nullptr;
+    const auto through = child(*folder, *left);
+    return through ? SelectionMemory::of({*through}, *folder) : nullptr;
+}
+
+} // namespace ombrel

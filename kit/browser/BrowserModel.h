@@ -1,0 +1,150 @@
+#pragma once
+
+#include "browser/BrowserHistory.h"
+#include "browser/FileSelection.h"
+#include "browser/ItemArrangement.h"
+#include "browser/ListingFeed.h"
+#include "browser/ListingState.h"
+#include "browser/Location.h"
+#include "listing/FileItemList.h"
+#include "listing/FileSort.h"
+
+#include <QObject>
+#include <QString>
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace ombrel {
+
+/// The model of one browser pane: where it is, its history, the listing it shows, what is selected and how it
+/// is sorted.
+///
+/// Main thread only, and it never blocks: listings are read, sorted and filtered on workers and arrive whole.
+/// Nothing here takes more than a few milliseconds with a million items. All state has changed before the
+/// first signal of a change is sent.
+///
+/// What is selected, the current row, the anchor row and the scroll row belong to items, not to row numbers:
+/// they stay with their items while the listing grows, is sorted, filtered or reloaded, and follow a rename.
+/// When an item goes, it leaves the selection, and a row that stood on it moves to the neighbour.
+class BrowserModel final : public QObject {
+    Q_OBJECT
+
+public:
+    /// Starts at `home`, loaded, sorted by name.
+    explicit BrowserModel(ListingFeed::Source source, QObject* parent = nullptr);
+    ~BrowserModel() override;
+
+    // ---- Where the pane is
+    [[nodiscard]] const Location& location() const noexcept { return location_; }
+    [[nodiscard]] const std::optional<FileURL>& currentURL() const noexcept { return location_.folderURL(); }
+    /// What a tab or window is called: the folder's name, the whole path of the root; empty at home.
+    [[nodiscard]] QString title() const;
+    [[nodiscard]] bool canGoBack() const noexcept { return history_.canGo(BrowserHistory::Direction::back); }
+    [[nodiscard]] bool canGoForward() const noexcept {
+        return history_.canGo(BrowserHistory::Direction::forward);
+    }
+    [[nodiscard]] bool canGoUp() const noexcept;
+
+    void navigate(const FileURL& to, bool recordHistory = true);
+    void navigateHome(bool recordHistory = true);
+    /// Those of `selecting` that turn up are selected and revealed, unless the user has selected something by
+    /// then. Going to where the pane is loads again and records nothing.
+    void go(const Location& to, bool recordHistory, const std::vector<FileURL>& selecting);
+    void goBack() { goAlong(BrowserHistory::Direction::back); }
+    void goForward() { goAlong(BrowserHistory::Direction::forward); }
+    /// To the parent folder, with the folder that was left selected in it. Nothing at the root and at home.
+    void goUp();
+    /// Reads the folder again; what is shown stays until the new listing is complete.
+    void refresh();
+
+    // ---- What it shows
+    [[nodiscard]] const ListingState& listingState() const noexcept { return state_; }
+    /// Every item of the listing so far, sorted.
+    [[nodiscard]] const FileItemList& allItems() const noexcept { return listed_.arrangement.all; }
+    /// What the views show: the items that the filter accepts. Rows are counted in this list.
+    [[nodiscard]] const FileItemList& items() const noexcept { return listed_.arrangement.items; }
+    [[nodiscard]] std::int64_t unreadableCount() const noexcept { return listed_.unreadableCount; }
+    /// The number of the current listing request; raised by each load and reload.
+    [[nodiscard]] std::uint64_t generation() const noexcept { return generation_; }
+
+    /// The order that is wished for. The items follow when a worker has sorted them.
+    [[nodiscard]] const FileSort& sort() const noexcept { return wish_.sort; }
+    void setSort(const FileSort& sort);
+    /// The order that the items are in.
+    [[nodiscard]] const FileSort& itemsSort() const noexcept { return listed_.arrangement.wish.sort; }
+    [[nodiscard]] const ItemFilter& filter() const noexcept { return wish_.filter; }
+    void setFilter(const ItemFilter& filter);
+
+    /// While it is held nothing of a listing that arrives is shown; for gestures that rows must not slip away
+    /// under.
+    void setHeld(bool held);
+
+    // ---- What is selected
+    [[nodiscard]] const FileSelection& selection() const noexcept { return selection_; }
+    /// `selection` is of the present `items`.
+    void setSelection(FileSelection selection);
+
+    /// A row that stays with its item.
+    enum class Place : std::uint8_t {
+        current, ///< where the keyboard is
+        anchor,  ///< where a range of selected rows begins
+        scroll,  ///< what the view keeps in its place on the screen
+    };
+    [[nodiscard]] std::optional<std::size_t> row(Place place) const noexcept;
+    void setRow(Place place, std::optional<std::size_t> row);
+    /// The row of an item of the present listing; nothing when it is filtered out.
+    [[nodiscard]] std::optional<std::size_t> rowOf(ItemRef item) const noexcept;
+
+Q_SIGNALS:
+    /// The pane has begun to show another place, or the same one anew; its items are gone.
+    void locationChanged();
+    /// Sent with every load.
+    void historyChanged();
+    void listingStateChanged();
+    /// The last moment to say by `Place::scroll` which row is to stay in its place.
+    void itemsAboutToChange();
+    /// The items, their number or their order, and with them the rows of everything that stays with its item.
+    void itemsChanged();
+    void sortChanged();
+    void filterChanged();
+    void selectionChanged();
+    void currentRowChanged();
+    /// A selection was restored and wants to be seen.
+    void revealRequested(std::size_t row);
+
+private:
+    struct Mark {
+        ItemRef item;
+        std::size_t row;
+    };
+
+    std::optional<Mark>& mark(Place place) noexcept { return marks_[static_cast<std::size_t>(place)]; }
+    void goAlong(BrowserHistory::Direction direction);
+    [[nodiscard]] HistoryEntry currentEntry() const;
+    void load(const Location& to, std::shared_ptr<const SelectionMemory> selecting);
+    void reload(const FileURL& url);
+    void apply(ListedItems listed);
+    void follow(const FileItemList& before, const ItemSuccession* succession);
+    [[nodiscard]] bool applyPendingSelection(const ItemSet* remembered);
+    void fail(DirectoryError error);
+    void changeWish(const ItemWish& wish);
+
+    Location location_;
+    ListingState state_ = ListingState::Case::loaded;
+    BrowserHistory history_;
+    ItemWish wish_;
+    std::uint64_t generation_ = 0;
+    bool hasPendingSelection_ = false;
+    bool isHeld_ = false;
+    std::optional<ListedItems> held_; ///< the newest that arrived meanwhile
+    ListedItems listed_;
+    FileSelection selection_;
+    std::array<std::optional<Mark>, 3> marks_;
+    ListingFeed feed_;
+};
+
+} // namespace ombrel

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "browser/ItemArrangement.h"
+#include "browser/ItemSuccession.h"
+#include "browser/SelectionMemory.h"
+#include "listing/DirectoryProvider.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace ombrel {
+
+/// One state of a listing, ready to be shown. Copies share everything.
+struct ListedItems {
+    std::uint64_t generation = 0;
+    std::uint64_t step = 0; ///< later states of one listing have higher ones
+    ItemArrangement arrangement;
+    bool isComplete = false;
+    std::int64_t unreadableCount = 0;
+    std::shared_ptr<const ItemSuccession>
+        succession;                            ///< after a reload: from the items shown before to these
+    std::shared_ptr<const ItemSet> remembered; ///< when complete: those of the items that were asked for
+};
+
+/// Brings one pane's listings to the main thread, always as the pane wants them sorted and filtered.
+///
+/// A listing is read, put in order and filtered on workers. What is handed over is the newest state, one at a
+/// time: a slow main thread skips states and is never flooded, and putting a growing listing in order for the
+/// screen takes at most a fifth of a thread. Main thread only.
+class ListingFeed {
+public:
+    /// Starts a listing; called on a worker.
+    using Source = std::function<DirectoryProvider::Stream(DirectoryRequest)>;
+
+    /// Called on the main thread, never from within a call of the feed.
+    struct Consumer {
+        std::function<void(ListedItems)> show;
+        std::function<void(DirectoryError)> fail;
+    };
+
+    struct Order {
+        DirectoryRequest request;
+        std::shared_ptr<const SelectionMemory> remembered; ///< to be found again; may be nothing
+        /// What is shown until the new listing is complete, when it replaces it in one step; nothing for a
+        /// listing that is shown while it grows.
+        std::optional<FileItemList> replaced;
+    };
+
+    ListingFeed(Source source, Consumer consumer);
+    ListingFeed(const ListingFeed&) = delete;
+    ListingFeed& operator=(const ListingFeed&) = delete;
+    ~ListingFeed();
+
+    /// Abandons the listing under way and starts another.
+    void start(Order order, const ItemWish& wish);
+    /// Abandons the listing under way; nothing of it, nor of what was shown, arrives any more.
+    void stop();
+    /// What is shown now, and all that comes from now on, is wanted so; `shown` arrives again when it has
+    /// been rearranged.
+    void rearrange(ListedItems shown, const ItemWish& wish);
+
+private:
+    class Outbox;
+    class Desk;
+    std::shared_ptr<Desk> desk_;
+};
+
+} // namespace ombrel

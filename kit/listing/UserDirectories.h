@@ -1,0 +1,19 @@
+#pragma once
+
+#include "base/FileURL.h"
+#include "listing/KnownFolder.h"
+
+#include <string_view>
+
+/// The folders that the desktop has set up for a user (the file "user-dirs.dirs" of xdg-user-dirs).
+namespace ombrel::UserDirectories {
+
+/// Puts into `folders` what the text of such a file names: lines XDG_NAME_DIR="$HOME/..." or with an absolute
+/// path, backslashes before what they quote. A folder that is the home itself counts as switched off.
+void configure(std::string_view text, KnownFolders& folders);
+
+/// Where the known folders of a user stand: as the file in `config` names them as far as such folders exist,
+/// otherwise by the table of names. Blocking.
+[[nodiscard]] KnownFolders read(const FileURL& home, const FileURL& config);
+
+} // namespace ombrel::UserDirectories

@@ -1,0 +1,117 @@
+#include "operations/PairChecker.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace ombrel {
+
+PairChecker::PairChecker(FilePairComparison::Settings settings, const MetadataSupport& support,
+                         std::function<bool()> goesOn)
+    : settings_(settings), support_(support), goesOn_(std::move(goesOn)), own_(settings, goesOn_) {}
+
+PairChecker::~PairChecker() {
+    abandon();
+}
+
+void PairChecker::add(const std::shared_ptr<const FolderPair>& folders, const char* source, const char* copy,
+                      std::int64_t size) {
+    if (open_.folders != folders) handOver();
+    open_.folders = folders;
+    FilePairComparison::Range range;
+    // A large file goes in pieces, so that both threads have their share.
+    for (; size - range.start > bytesPerBatch; range.start += bytesPerBatch) {
+        range.end = range.start + bytesPerBatch;
+        open_.pairs.push_back({source, copy, range});
+        handOver();
+        open_.folders = folders;
+    }
+    range.end = FilePairComparison::Range{}.end;
+    open_.pairs.push_back({source, copy, range});
+    open_.bytes += size - range.start;
+    if (open_.pairs.size() >= pairsPerBatch || open_.bytes >= bytesPerBatch) handOver();
+}
+
+void PairChecker::handOver() {
+    if (open_.pairs.empty()) return;
+    if (!worker_.joinable()) worker_ = std::jthread([this](const std::stop_token& stop) { work(stop); });
+    Batch batch = std::exchange(open_, {});
+    bool isFull = false;
+    {
+        const std::scoped_lock lock(lock_);
+        isFull = waiting_.size() >= longestQueue;
+        waiting_.push_back(std::move(batch));
+    }
+    changed_.notify_all();
+    // The queue bounds the descriptors that wait in it.
+    if (isFull) (void)takeOne(own_);
+}
+
+void PairChecker::work(const std::stop_token& stop) {
+    FilePairComparison comparison(settings_, goesOn_);
+    while (!stop.stop_requested()) {
+        {
+            std::unique_lock lock(lock_);
+            if (!changed_.wait(lock, stop, [&] { return !waiting_.empty(); })) return;
+            isBusy_ = true;
+        }
+        (void)takeOne(comparison);
+        {
+            const std::scoped_lock lock(lock_);
+            isBusy_ = false;
+        }
+        changed_.notify_all();
+    }
+}
+
+bool PairChecker::takeOne(FilePairComparison& comparison) {
+    Batch batch;
+    bool isNeeded = false;
+    {
+        const std::scoped_lock lock(lock_);
+        if (waiting_.empty()) return false;
+        batch = std::move(waiting_.front());
+        waiting_.pop_front();
+        isNeeded = worst_ != Verification::different;
+    }
+    if (!isNeeded) return true;
+    const Verification result = compare(batch, comparison);
+    const std::scoped_lock lock(lock_);
+    worst_ = worse(worst_, result);
+    return true;
+}
+
+Verification PairChecker::compare(const Batch& batch, FilePairComparison& comparison) {
+    Verification worst = Verification::identical;
+    const int source = batch.folders->source.get(), copy = batch.folders->copy.get();
+    for (const auto& pair : batch.pairs) {
+        worst =
+            worse(worst, comparison.compare({source, pair.source}, {copy, pair.copy}, pair.range, support_));
+        if (worst == Verification::different) break;
+    }
+    return worst;
+}
+
+Verification PairChecker::finish() {
+    // What is left may be little: then the other thread need not be woken.
+    if (!worker_.joinable() && !open_.pairs.empty()) {
+        const std::scoped_lock lock(lock_);
+        waiting_.push_back(std::exchange(open_, {}));
+    } else {
+        handOver();
+    }
+    while (takeOne(own_)) {
+    }
+    std::unique_lock lock(lock_);
+    changed_.wait(lock, [&] { return !isBusy_ && waiting_.empty(); });
+    return std::exchange(worst_, Verification::identical);
+}
+
+void PairChecker::abandon() {
+    open_ = {};
+    std::unique_lock lock(lock_);
+    waiting_.clear();
+    changed_.wait(lock, [&] { return !isBusy_; });
+    worst_ = Verification::identical;
+}
+
+} // namespace ombrel

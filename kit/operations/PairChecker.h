@@ -1,0 +1,80 @@
+#pragma once
+
+#include "base/OwnedFd.h"
+#include "operations/FilePair.h"
+
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <stop_token>
+#include <thread>
+#include <vector>
+
+namespace ombrel {
+
+/// A folder and its copy, held open for as long as pairs of files in them are to be compared.
+struct FolderPair {
+    OwnedFd source;
+    OwnedFd copy;
+};
+
+/// Compares files with their copies on a second thread, while the first goes on copying; at the end both
+/// compare. Fed and finished on one thread.
+class PairChecker {
+public:
+    /// `goesOn` is called on both threads: it waits while the job is paused and says whether it goes on.
+    PairChecker(FilePairComparison::Settings settings, const MetadataSupport& support,
+                std::function<bool()> goesOn);
+    /// Abandons what is not compared yet.
+    ~PairChecker();
+
+    /// One more pair of regular files, about `size` bytes each. The names must stay until it is compared.
+    void add(const std::shared_ptr<const FolderPair>& folders, const char* source, const char* copy,
+             std::int64_t size);
+
+    /// Compares what is left and answers the worst of all pairs since the last call.
+    [[nodiscard]] Verification finish();
+    /// Drops what is left; the answers so far are forgotten.
+    void abandon();
+
+private:
+    struct Pair {
+        const char* source;
+        const char* copy;
+        FilePairComparison::Range range;
+    };
+    /// Files of one folder, as much as is worth the handing over.
+    struct Batch {
+        std::shared_ptr<const FolderPair> folders;
+        std::vector<Pair> pairs;
+        std::int64_t bytes = 0;
+    };
+
+    void handOver();
+    void work(const std::stop_token& stop);
+    [[nodiscard]] bool takeOne(FilePairComparison& comparison);
+    [[nodiscard]] Verification compare(const Batch& batch, FilePairComparison& comparison);
+
+    static constexpr std::size_t pairsPerBatch = 64;
+    static constexpr std::int64_t bytesPerBatch = std::int64_t{32} << 20;
+    static constexpr std::size_t longestQueue = 16;
+
+    const FilePairComparison::Settings settings_;
+    const MetadataSupport& support_;
+    const std::function<bool()> goesOn_;
+    Batch open_;
+    FilePairComparison own_; // of the thread that feeds
+
+    std::mutex lock_; // guards what follows
+    std::condition_variable_any changed_;
+    std::deque<Batch> waiting_;
+    bool isBusy_ = false;
+    Verification worst_ = Verification::identical;
+
+    std::jthread worker_; // last, so that it ends before what it uses
+};
+
+} // namespace ombrel

@@ -1,0 +1,119 @@
+#include "operations/TransferSettlement.h"
+
+#include "listing/POSIXEntries.h"
+#include "listing/POSIXRename.h"
+
+#include <fcntl.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+namespace ombrel {
+namespace {
+
+using Error = FileOperationError;
+using Phase = OperationProgress::Phase;
+
+constexpr std::size_t manyItems = 32;
+constexpr std::size_t manyEntries = 100'000;
+constexpr std::size_t fewFiles = 4; // that are flushed one by one rather than with the whole file system
+
+} // namespace
+
+void TransferSettlement::add(Placed placed) {
+    const auto now = std::chrono::steady_clock::now();
+    if (placed_.empty()) since_ = now;
+    if (placed.moved) entries_ += placed.moved->manifest.size();
+    placed_.push_back(std::move(placed));
+    const bool isDue = now - since_ > std::chrono::seconds(1);
+    if (isDue || placed_.size() >= manyItems || entries_ >= manyEntries) settle();
+}
+
+void TransferSettlement::addMerged(FileURL source, FileURL destination) {
+    merged_.emplace_back(std::move(source), std::move(destination));
+}
+
+void TransferSettlement::settle() {
+    if (!placed_.empty()) {
+        const auto flushed = flush();
+        const auto before = run_.progress().phase;
+        for (auto& placed : placed_)
+            flushed ? complete(placed) : takeBack(placed, flushed.error());
+        run_.progress().phase = before;
+        placed_.clear();
+        entries_ = 0;
+    }
+    removeMerged();
+}
+
+POSIX::Result<void> TransferSettlement::flush() {
+    // All lie in one volume, so one of the folders stands for it; the others' names go with it.
+    const bool areFewFiles =
+        placed_.size() <= fewFiles &&
+        std::ranges::all_of(placed_, [](const Placed& one) { return !one.isFolder && one.top; });
+    std::vector<int> files;
+    const TransferDestination* last = nullptr;
+    for (const auto& placed : placed_) {
+        if (last && placed.destination.get() != last) {
+            if (auto flushed = last->flush(files); !flushed) return flushed;
+            files.clear();
+        }
+        last = placed.destination.get();
+        if (areFewFiles || last->volume().flushesFiles)
+            if (placed.top) files.push_back(placed.top.get());
+    }
+    return last->flush(files);
+}
+
+/// It is safe now: what it replaced may go, and the source it came from.
+void TransferSettlement::complete(Placed& placed) {
+    const auto url = placed.destination->url().appending(
+        placed.name, placed.isFolder ? FileURL::Mark::directory : FileURL::Mark::none);
+    auto outcome = ItemOutcome::completed(url);
+    if (placed.moved) {
+        auto& moved = *placed.moved;
+        run_.enter(Phase::removingSource);
+        SourceRemoval removal(moved.manifest, moved.settings, [this] { return run_.goesOn(); });
+        const POSIX::Place copy{placed.destination->fd(), placed.name.c_str()};
+        auto failure = removal.remove(moved.source.place(), copy);
+        if (!failure) failure = moved.keptFor;
+        if (failure) outcome = ItemOutcome::copiedSourceKept(url, *failure);
+    }
+    run_.results[placed.result].outcome = outcome;
+    removeReplaced(placed);
+}
+
+void TransferSettlement::removeReplaced(Placed& placed) {
+    if (!placed.replaced || !placed.replaced->remove()) return;
+    const auto left = placed.destination->url().appending(placed.name);
+    run_.results.push_back(
+        {left, ItemOutcome::failed(Error::partialCopyLeftBehind(placed.replaced->stagingName()))});
+}
+
+/// It could not be made safe: the name goes back to what had it, and the source stays.
+void TransferSettlement::takeBack(Placed& placed, POSIXFailure failure) {
+    auto error = Error::from(failure);
+    StagedItem staged(placed.destination->fd());
+    const POSIX::Place target{placed.destination->fd(), placed.name.c_str()};
+    if (!POSIX::renameExclusive(target, staged.place()))
+        error = Error::partialCopyLeftBehind(placed.name);
+    else if (placed.replaced && !placed.replaced->putBack())
+        error = Error::partialCopyLeftBehind(placed.replaced->stagingName());
+    if (staged.remove()) error = Error::partialCopyLeftBehind(staged.name());
+    run_.results[placed.result].outcome = ItemOutcome::failed(error);
+}
+
+void TransferSettlement::removeMerged() {
+    for (const auto& [source, destination] : std::exchange(merged_, {})) {
+        const auto item = ConfirmedSource::of({source, std::nullopt});
+        if (!item || !item->status().isDirectory()) continue;
+        const auto removed = POSIX::removeDirectory(item->place());
+        const int number = removed ? 0 : removed.error().number;
+        if (number == 0 || number == ENOTEMPTY || number == EEXIST || number == ENOENT) continue;
+        run_.results.push_back(
+            {source, ItemOutcome::copiedSourceKept(destination, Error::sourceRemovalFailed(number))});
+    }
+}
+
+} // namespace ombrel

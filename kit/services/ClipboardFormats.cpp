@@ -1,0 +1,98 @@
+#include "services/ClipboardFormats.h"
+
+#include "base/FileName.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace ombrel::ClipboardFormats {
+namespace {
+
+constexpr std::string_view uriList = "text/uri-list";
+constexpr std::string_view gnomeFiles = "x-special/gnome-copied-files";
+constexpr std::string_view mateFiles = "x-special/mate-copied-files";
+constexpr std::string_view kdeCutMark = "application/x-kde-cutselection";
+constexpr std::string_view plainText = "text/plain";
+constexpr std::string_view utf8Text = "text/plain;charset=utf-8";
+/// The first line of a text that stands for files: how Nautilus 3.30 to 40 wrote them.
+constexpr std::string_view nautilusMark = "x-special/nautilus-clipboard";
+
+/// Takes the next line off `text`, without its end.
+std::string_view takeLine(std::string_view& text) {
+    const auto end = std::min(text.find('\n'), text.size());
+    auto line = text.substr(0, end);
+    text.remove_prefix(std::min(end + 1, text.size()));
+    // Some programs end lines as the URI list does, or the whole as C does.
+    while (line.ends_with('\r') || line.ends_with('\0'))
+        line.remove_suffix(1);
+    return line;
+}
+
+std::vector<FileURL> filesIn(std::string_view lines) {
+    std::vector<FileURL> urls;
+    while (!lines.empty())
+        if (auto url = FileURL::fromURI(takeLine(lines))) urls.push_back(*std::move(url));
+    return urls;
+}
+
+/// Below a first line that says "copy" or "cut".
+std::vector<FileURL> markedFilesIn(std::string_view text) {
+    const auto mark = takeLine(text);
+    return mark == "copy" || mark == "cut" ? filesIn(text) : std::vector<FileURL>();
+}
+
+std::vector<FileURL> filesInText(std::string_view text) {
+    return takeLine(text) == nautilusMark ? markedFilesIn(text) : std::vector<FileURL>();
+}
+
+std::string joined(const std::vector<std::string>& lines, std::string_view separator) {
+    std::string text;
+    for (const auto& line : lines) {
+        if (&line != &lines.front()) text += separator;
+        text += line;
+    }
+    return text;
+}
+
+} // namespace
+
+std::vector<Pasteboard::Entry> filesOf(const std::vector<FileURL>& urls, Marking marking,
+                                       std::string tokenBytes) {
+    std::vector<std::string> uris, paths;
+    for (const auto& url : urls) {
+        // Programs that split a URI at its last "/" find no name in one that ends in it.
+        uris.push_back(url.marked(FileURL::Mark::none).uri());
+        paths.push_back(url.path());
+    }
+    const bool isCut = marking == Marking::cut;
+    std::vector<Pasteboard::Entry> entries = {
+        {std::string(uriList), joined(uris, "\r\n") + "\r\n"},
+        // Nautilus takes the empty line behind a final line feed for a broken list.
+        {std::string(gnomeFiles), (isCut ? "cut\n" : "copy\n") + joined(uris, "\n")},
+        {std::string(kdeCutMark), isCut ? "1" : "0"},
+        {std::string(token), std::move(tokenBytes)},
+    };
+    std::ranges::move(textOf(paths), std::back_inserter(entries));
+    return entries;
+}
+
+std::vector<Pasteboard::Entry> textOf(const std::vector<std::string>& lines) {
+    auto text = joined(lines, "\n");
+    return {{std::string(utf8Text), text}, {std::string(plainText), std::move(text)}};
+}
+
+std::vector<FileURL> filesOn(const Pasteboard& pasteboard) {
+    using Parser = std::vector<FileURL> (*)(std::string_view);
+    constexpr std::pair<std::string_view, Parser> formats[] = {
+        {gnomeFiles, markedFilesIn}, {mateFiles, markedFilesIn}, {uriList, filesIn},
+        {utf8Text, filesInText},     {plainText, filesInText},
+    };
+    for (const auto& [format, parse] : formats) {
+        const auto bytes = pasteboard.has(format) ? pasteboard.read(format) : std::nullopt;
+        if (!bytes) continue;
+        if (auto urls = parse(*bytes); !urls.empty()) return urls;
+    }
+    return {};
+}
+
+} // namespace ombrel::ClipboardFormats

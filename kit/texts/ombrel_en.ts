@@ -1,0 +1,283 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="en">
+<context>
+    <name></name>
+    <message id="access.bookmarkCreationFailed"><source></source><translation>The permission could not be made.</translation></message>
+    <message id="access.bookmarkInvalid"><source></source><translation>The permission has expired. Choose the folder again to renew it.</translation></message>
+    <message id="access.denied"><source></source><translation>The permission was refused. Choose the folder again.</translation></message>
+    <message id="access.panel.knownFolder"><source></source><translation>Allow Ombrel to open this folder.</translation></message>
+    <message id="access.panel.message"><source></source><translation>Choose a folder that Ombrel may open.</translation></message>
+    <message id="access.panel.prompt"><source></source><translation>Allow</translation></message>
+    <message id="access.panel.reauthorize"><source></source><translation>Choose this folder again to renew the permission.</translation></message>
+    <message id="access.staleNotRenewable"><source></source><translation>The permission could not be renewed. Choose the folder again.</translation></message>
+    <message id="access.storeFailed"><source></source><translation>The list of locations could not be saved.</translation></message>
+    <message id="access.storeUnreadable"><source></source><translation>The list of locations could not be read.</translation></message>
+    <message id="access.unavailable"><source></source><translation>The folder is not there now. It may be on a volume that is not connected.</translation></message>
+    <message id="app.error.darkIsForPictures"><source></source><translation>The option --dark goes with --screenshot only.</translation></message>
+    <message id="app.error.noDisplay"><source></source><translation>Ombrel needs a display: start it from a desktop, or under “xvfb-run” for one that nobody sees.</translation></message>
+    <message id="app.error.noSuchOption"><source></source><translation>There is no option {1}.</translation></message>
+    <message id="app.error.notALocation"><source></source><translation>“{1}” is not a location that can be opened.</translation></message>
+    <message id="app.error.optionNeedsFile"><source></source><translation>The option {1} needs the name of a file.</translation></message>
+    <message id="app.error.picture"><source></source><translation>The picture {1} could not be written.</translation></message>
+    <message id="app.error.seeHelp"><source></source><translation>“ombrel --help” shows what is possible.</translation></message>
+    <message id="app.error.tooManyFolders"><source></source><translation>A picture shows one folder.</translation></message>
+    <message id="app.help.dark"><source></source><translation>render it dark</translation></message>
+    <message id="app.help.help"><source></source><translation>show this text, and end</translation></message>
+    <message id="app.help.screenshot"><source></source><translation>render one window without a display into a PNG file, and end</translation></message>
+    <message id="app.help.summary"><source></source><translation>Opens a window for each folder, or for your home folder.</translation></message>
+    <message id="app.help.usage"><source></source><translation>Usage: ombrel [OPTIONS] [FOLDER…]</translation></message>
+    <message id="app.help.version"><source></source><translation>show the version, and end</translation></message>
+    <message id="cli.ask.cancel"><source></source><translation>Cancel</translation></message>
+    <message id="cli.ask.prompt"><source></source><translation>Type a number, with * behind it for all further ones too:</translation></message>
+    <message id="cli.copy.summary"><source></source><translation>Copies items into a folder and checks every copy.</translation></message>
+    <message id="cli.delete.summary"><source></source><translation>Removes items for good, with everything in them.</translation></message>
+    <message id="cli.emptyTrash.summary"><source></source><translation>Removes everything in the trash for good.</translation></message>
+    <message id="cli.error.emptyPath"><source></source><translation>An empty path names nothing.</translation></message>
+    <message id="cli.error.item"><source></source><translation>{1}: {2}</translation></message>
+    <message id="cli.error.missingOperand"><source></source><translation>Something is missing: {1}.</translation></message>
+    <message id="cli.error.missingValue"><source></source><translation>The option {1} needs a value.</translation></message>
+    <message id="cli.error.noCommand"><source></source><translation>No command is given.</translation></message>
+    <message id="cli.error.noTerminal"><source></source><translation>The option {1} can only ask on a terminal.</translation></message>
+    <message id="cli.error.noWorkingFolder"><source></source><translation>The working folder can’t be found: {1}.</translation></message>
+    <message id="cli.error.notANumber"><source></source><translation>The option {1} needs a whole number, not “{2}”.</translation></message>
+    <message id="cli.error.output"><source></source><translation>The output could not be written: {1}.</translation></message>
+    <message id="cli.error.seeHelp"><source></source><translation>“{1} --help” shows what is possible.</translation></message>
+    <message id="cli.error.tooManyOperands"><source></source><translation>“{1}” is one argument too many.</translation></message>
+    <message id="cli.error.unexpectedValue"><source></source><translation>The option {1} takes no value.</translation></message>
+    <message id="cli.error.unknownCommand"><source></source><translation>There is no command “{1}”.</translation></message>
+    <message id="cli.error.unknownOption"><source></source><translation>There is no option {1}.</translation></message>
+    <message id="cli.error.unknownValue"><source></source><translation>The option {1} does not know “{2}”. Possible are: {3}.</translation></message>
+    <message id="cli.error.unknownVerb"><source></source><translation>“{1}” is not possible here. Possible are: {2}.</translation></message>
+    <message id="cli.grants.summary"><source></source><translation>Lists the folders that Ombrel may open, adds or removes some, or finds them again.</translation></message>
+    <message id="cli.grants.unknown"><source></source><translation>This folder is not among the locations.</translation></message>
+    <message id="cli.help.commands"><source></source><translation>Commands:</translation></message>
+    <message id="cli.help.commonOptions"><source></source><translation>Options of every command:</translation></message>
+    <message id="cli.help.options"><source></source><translation>Options:</translation></message>
+    <message id="cli.help.usage"><source></source><translation>Usage: {1}</translation></message>
+    <message id="cli.list.all"><source></source><translation>Show hidden and protected items too.</translation></message>
+    <message id="cli.list.batches"><source></source><translation>Tell on standard error how the listing grows: items, partial or complete, unreadable items.</translation></message>
+    <message id="cli.list.descending"><source></source><translation>Reverse the order; folders stay first.</translation></message>
+    <message id="cli.list.firstBatch"><source></source><translation>Items before the first partial result (200).</translation></message>
+    <message id="cli.list.mixed"><source></source><translation>Sort folders among the files.</translation></message>
+    <message id="cli.list.sort"><source></source><translation>Sort by name, kind, size or modificationDate (name).</translation></message>
+    <message id="cli.list.summary"><source></source><translation>Lists a folder in the order in which the window shows it.</translation></message>
+    <message id="cli.list.unreadable"><source></source><translation>This item could not be examined: {1}.</translation></message>
+    <message id="cli.move.summary"><source></source><translation>Moves items into a folder; between volumes every copy is checked before its original goes.</translation></message>
+    <message id="cli.newFile.summary"><source></source><translation>Makes an empty file and prints its path; a name that is taken is numbered.</translation></message>
+    <message id="cli.newFolder.summary"><source></source><translation>Makes a folder and prints its path; a name that is taken is numbered.</translation></message>
+    <message id="cli.option.conflict"><source></source><translation>What to do about an item whose name is taken: skip, keepBoth, replace, cancel or ask (ask on a terminal, else skip).</translation></message>
+    <message id="cli.option.help"><source></source><translation>Show this help.</translation></message>
+    <message id="cli.option.json"><source></source><translation>Print one JSON object a line.</translation></message>
+    <message id="cli.option.lang"><source></source><translation>Speak this language, for example de or pt-BR.</translation></message>
+    <message id="cli.option.nul"><source></source><translation>End plain names with a NUL byte instead of a line end.</translation></message>
+    <message id="cli.option.onError"><source></source><translation>What to do about an item that fails: retry (three times, then skip), skip, cancel or ask (ask on a terminal, else skip).</translation></message>
+    <message id="cli.parsePath.empty"><source></source><translation>Nothing was typed.</translation></message>
+    <message id="cli.parsePath.home"><source></source><translation>The folder that ~ stands for (the user’s home folder).</translation></message>
+    <message id="cli.parsePath.relativeTo"><source></source><translation>The folder that a relative path starts from (none).</translation></message>
+    <message id="cli.parsePath.summary"><source></source><translation>Tells which folder an address stands for when it is typed into the address bar.</translation></message>
+    <message id="cli.progress.of"><source></source><translation>{1} of {2}</translation></message>
+    <message id="cli.rename.summary"><source></source><translation>Gives an item another name in its folder.</translation></message>
+    <message id="cli.restore.parents"><source></source><translation>Make the folders that an item was in where they are gone.</translation></message>
+    <message id="cli.restore.summary"><source></source><translation>Moves items out of the trash to where they were.</translation></message>
+    <message id="cli.settings.keptByItself"><source></source><translation>{1} is kept by Ombrel itself.</translation></message>
+    <message id="cli.settings.summary"><source></source><translation>Lists the settings, prints one or changes one.</translation></message>
+    <message id="cli.settings.unknownKey"><source></source><translation>There is no setting “{1}”.</translation></message>
+    <message id="cli.settings.unknownValue"><source></source><translation>The setting {1} does not know “{2}”. Possible are: {3}.</translation></message>
+    <message id="cli.trash.summary"><source></source><translation>Moves items to the trash.</translation></message>
+    <message id="cli.trashList.sizes"><source></source><translation>Count the sizes of folders where they are not known.</translation></message>
+    <message id="cli.trashList.summary"><source></source><translation>Lists what is in the trash of all volumes: where it is and where it was.</translation></message>
+    <message id="conflict.keepBoth"><source></source><translation>Keep both</translation></message>
+    <message id="conflict.replaceOne"><source></source><translation>Replace</translation></message>
+    <message id="conflict.single.existing"><source></source><translation>Existing item</translation></message>
+    <message id="conflict.single.new"><source></source><translation>New item</translation></message>
+    <message id="conflict.single.title"><source></source><translation>“{1}” is already there</translation></message>
+    <message id="conflict.skipOne"><source></source><translation>Skip</translation></message>
+    <message id="error.directory.io"><source></source><translation>The folder could not be read: {1}.</translation></message>
+    <message id="error.directory.notADirectory"><source></source><translation>This is not a folder.</translation></message>
+    <message id="error.directory.notFound"><source></source><translation>This folder does not exist.</translation></message>
+    <message id="error.directory.permissionDenied"><source></source><translation>You don’t have permission to open this folder.</translation></message>
+    <message id="error.directory.volumeUnavailable"><source></source><translation>The volume is not connected.</translation></message>
+    <message id="error.fact.missingBytes"><source></source><translation>There is not enough space: {1} more is needed.</translation></message>
+    <message id="error.fact.toolWords"><source></source><translation>{1} reported: {2}</translation></message>
+    <message id="error.op.cancelled"><source></source><translation>Cancelled.</translation></message>
+    <message id="error.op.destinationExists"><source></source><translation>An item with this name is already there.</translation></message>
+    <message id="error.op.destinationInsideSource"><source></source><translation>A folder can’t be placed inside itself.</translation></message>
+    <message id="error.op.destinationMissing"><source></source><translation>The destination folder no longer exists.</translation></message>
+    <message id="error.op.invalidName.containsNull"><source></source><translation>A name can’t contain this character.</translation></message>
+    <message id="error.op.invalidName.containsSlash"><source></source><translation>A name can’t contain “/”.</translation></message>
+    <message id="error.op.invalidName.empty"><source></source><translation>Type a name.</translation></message>
+    <message id="error.op.invalidName.reserved"><source></source><translation>This name is reserved.</translation></message>
+    <message id="error.op.invalidName.tooLong"><source></source><translation>This name is too long.</translation></message>
+    <message id="error.op.invalidName.windowsCharacters"><source></source><translation>Windows can’t use a name with \ / : * ? " &lt; &gt; or | in it.</translation></message>
+    <message id="error.op.metadataNotPreserved"><source></source><translation>Not all attributes could be carried over, so the copy was not kept.</translation></message>
+    <message id="error.op.noSpace"><source></source><translation>There is not enough space.</translation></message>
+    <message id="error.op.partialCopyLeftBehind"><source></source><translation>An unfinished copy named “{1}” could not be removed.</translation></message>
+    <message id="error.op.permissionDenied"><source></source><translation>You don’t have permission to do this.</translation></message>
+    <message id="error.op.posix"><source></source><translation>The system reported: {1} ({2}).</translation></message>
+    <message id="error.op.readOnlyVolume"><source></source><translation>The volume is read-only.</translation></message>
+    <message id="error.op.sameLocation"><source></source><translation>The item is already there.</translation></message>
+    <message id="error.op.sourceChanged"><source></source><translation>The item changed while it was being copied.</translation></message>
+    <message id="error.op.sourceMissing"><source></source><translation>The item no longer exists.</translation></message>
+    <message id="error.op.sourceRemovalFailed"><source></source><translation>The item was copied, but the original could not be removed.</translation></message>
+    <message id="error.op.system"><source></source><translation>The system reported an error ({1}, {2}).</translation></message>
+    <message id="error.op.trashUnavailable"><source></source><translation>There is no trash on this volume.</translation></message>
+    <message id="error.op.verificationFailed"><source></source><translation>The copy differs from the original, so it was not kept.</translation></message>
+    <message id="format.dateAndTime"><source></source><translation>{1}, {2}</translation></message>
+    <message id="kind.other"><source></source><translation>Special file</translation></message>
+    <message id="kind.symlink"><source></source><translation>Link</translation></message>
+    <message id="kind.symlinkBroken"><source></source><translation>Broken link</translation></message>
+    <message id="kind.symlinkInaccessible"><source></source><translation>Link that can’t be followed</translation></message>
+    <message id="kind.symlinkLoop"><source></source><translation>Link that leads to itself</translation></message>
+    <message id="knownFolder.desktop"><source></source><translation>Desktop</translation></message>
+    <message id="knownFolder.documents"><source></source><translation>Documents</translation></message>
+    <message id="knownFolder.downloads"><source></source><translation>Downloads</translation></message>
+    <message id="knownFolder.music"><source></source><translation>Music</translation></message>
+    <message id="knownFolder.pictures"><source></source><translation>Pictures</translation></message>
+    <message id="knownFolder.videos"><source></source><translation>Videos</translation></message>
+    <message id="menu.checkForUpdates"><source></source><translation>Check for updates…</translation></message>
+    <message id="name.copySuffix"><source></source><translation> - Copy</translation></message>
+    <message id="overlay.empty.title"><source></source><translation>This folder is empty</translation></message>
+    <message id="overlay.failed.message"><source></source><translation>{1}</translation></message>
+    <message id="overlay.failed.title"><source></source><translation>This folder can’t be shown</translation></message>
+    <message id="overlay.goUp"><source></source><translation>Go to the folder above</translation></message>
+    <message id="overlay.invalidated.message"><source></source><translation>It was moved, renamed or deleted.</translation></message>
+    <message id="overlay.invalidated.title"><source></source><translation>This folder is gone</translation></message>
+    <message id="overlay.noLocation.message"><source></source><translation>Choose a folder on the left or type an address above.</translation></message>
+    <message id="overlay.noLocation.title"><source></source><translation>Nothing to show</translation></message>
+    <message id="overlay.permissionDenied.message"><source></source><translation>You don’t have permission to see what is in “{1}”. Allow access to this folder, or ask its owner to share it with you.</translation></message>
+    <message id="overlay.permissionDenied.title"><source></source><translation>Ombrel can’t open this folder yet</translation></message>
+    <message id="overlay.tryAgain"><source></source><translation>Try again</translation></message>
+    <message id="overlay.volumeUnavailable.message"><source></source><translation>Connect it again and the folder will come back.</translation></message>
+    <message id="overlay.volumeUnavailable.title"><source></source><translation>This volume is not connected</translation></message>
+    <message id="path.invalid"><source></source><translation>This is not a valid address.</translation></message>
+    <message id="path.relativeWithoutBase"><source></source><translation>Type a full path. On Home there is no folder to start from.</translation></message>
+    <message id="path.windowsPath"><source></source><translation>Windows drive and network addresses can’t be opened here.</translation></message>
+    <message id="preset.mac"><source></source><translation>Mac style</translation></message>
+    <message id="preset.windows"><source></source><translation>Windows style</translation></message>
+    <message id="progress.aboutHours" numerus="yes"><source></source><translation><numerusform>About {n} hour {1} min</numerusform><numerusform>About {n} hours {1} min</numerusform></translation></message>
+    <message id="progress.aboutMinutes" numerus="yes"><source></source><translation><numerusform>About {n} minute</numerusform><numerusform>About {n} minutes</numerusform></translation></message>
+    <message id="progress.aboutSeconds" numerus="yes"><source></source><translation><numerusform>About {n} second</numerusform><numerusform>About {n} seconds</numerusform></translation></message>
+    <message id="progress.calculating"><source></source><translation>Calculating…</translation></message>
+    <message id="progress.error.retry"><source></source><translation>Try again</translation></message>
+    <message id="progress.error.skip"><source></source><translation>Skip</translation></message>
+    <message id="progress.perSecond"><source></source><translation>/s</translation></message>
+    <message id="progress.phase.copy"><source></source><translation>Copying</translation></message>
+    <message id="progress.phase.delete"><source></source><translation>Deleting</translation></message>
+    <message id="progress.phase.prepare"><source></source><translation>Preparing</translation></message>
+    <message id="progress.phase.removeSource"><source></source><translation>Removing the originals</translation></message>
+    <message id="progress.phase.trash"><source></source><translation>Moving to trash</translation></message>
+    <message id="progress.phase.verify"><source></source><translation>Checking the copy</translation></message>
+    <message id="report.done.compress" numerus="yes"><source></source><translation><numerusform>{n} item was compressed.</numerusform><numerusform>{n} items were compressed.</numerusform></translation></message>
+    <message id="report.done.copy" numerus="yes"><source></source><translation><numerusform>{n} item was copied.</numerusform><numerusform>{n} items were copied.</numerusform></translation></message>
+    <message id="report.done.delete" numerus="yes"><source></source><translation><numerusform>{n} item was deleted.</numerusform><numerusform>{n} items were deleted.</numerusform></translation></message>
+    <message id="report.done.extract" numerus="yes"><source></source><translation><numerusform>{n} archive was extracted.</numerusform><numerusform>{n} archives were extracted.</numerusform></translation></message>
+    <message id="report.done.move" numerus="yes"><source></source><translation><numerusform>{n} item was moved.</numerusform><numerusform>{n} items were moved.</numerusform></translation></message>
+    <message id="report.done.newFile" numerus="yes"><source></source><translation><numerusform>{n} file was made.</numerusform><numerusform>{n} files were made.</numerusform></translation></message>
+    <message id="report.done.newFolder" numerus="yes"><source></source><translation><numerusform>{n} folder was made.</numerusform><numerusform>{n} folders were made.</numerusform></translation></message>
+    <message id="report.done.rename" numerus="yes"><source></source><translation><numerusform>{n} item was renamed.</numerusform><numerusform>{n} items were renamed.</numerusform></translation></message>
+    <message id="report.done.trash" numerus="yes"><source></source><translation><numerusform>{n} item was moved to the trash.</numerusform><numerusform>{n} items were moved to the trash.</numerusform></translation></message>
+    <message id="report.item.done"><source></source><translation>Done.</translation></message>
+    <message id="report.item.doneAs"><source></source><translation>Done, as “{1}”.</translation></message>
+    <message id="report.item.skipped"><source></source><translation>Skipped.</translation></message>
+    <message id="report.item.sourceKept"><source></source><translation>The item was copied, but the original was kept: {1}</translation></message>
+    <message id="report.nothingToDo"><source></source><translation>There was nothing to do.</translation></message>
+    <message id="report.part.compress" numerus="yes"><source></source><translation><numerusform>{1} of {n} item was compressed.</numerusform><numerusform>{1} of {n} items were compressed.</numerusform></translation></message>
+    <message id="report.part.copy" numerus="yes"><source></source><translation><numerusform>{1} of {n} item was copied.</numerusform><numerusform>{1} of {n} items were copied.</numerusform></translation></message>
+    <message id="report.part.delete" numerus="yes"><source></source><translation><numerusform>{1} of {n} item was deleted.</numerusform><numerusform>{1} of {n} items were deleted.</numerusform></translation></message>
+    <message id="report.part.extract" numerus="yes"><source></source><translation><numerusform>{1} of {n} archive was extracted.</numerusform><numerusform>{1} of {n} archives were extracted.</numerusform></translation></message>
+    <message id="report.part.move" numerus="yes"><source></source><translation><numerusform>{1} of {n} item was moved.</numerusform><numerusform>{1} of {n} items were moved.</numerusform></translation></message>
+    <message id="report.part.newFile" numerus="yes"><source></source><translation><numerusform>{1} of {n} file was made.</numerusform><numerusform>{1} of {n} files were made.</numerusform></translation></message>
+    <message id="report.part.newFolder" numerus="yes"><source></source><translation><numerusform>{1} of {n} folder was made.</numerusform><numerusform>{1} of {n} folders were made.</numerusform></translation></message>
+    <message id="report.part.rename" numerus="yes"><source></source><translation><numerusform>{1} of {n} item was renamed.</numerusform><numerusform>{1} of {n} items were renamed.</numerusform></translation></message>
+    <message id="report.part.trash" numerus="yes"><source></source><translation><numerusform>{1} of {n} item was moved to the trash.</numerusform><numerusform>{1} of {n} items were moved to the trash.</numerusform></translation></message>
+    <message id="settings.locations.reauthorize"><source></source><translation>Allow again…</translation></message>
+    <message id="settings.locations.remove"><source></source><translation>Remove</translation></message>
+    <message id="settings.storeDamaged"><source></source><translation>The settings could not be understood. The defaults are used, and the old file is kept.</translation></message>
+    <message id="settings.storeFailed"><source></source><translation>The settings could not be saved.</translation></message>
+    <message id="settings.storeUnreadable"><source></source><translation>The settings could not be read. The defaults are used.</translation></message>
+    <message id="settings.updates.automaticChecks"><source></source><translation>Check for updates automatically</translation></message>
+    <message id="settings.updates.automaticDownloads"><source></source><translation>Download updates automatically</translation></message>
+    <message id="settings.updates.beta"><source></source><translation>Include beta versions</translation></message>
+    <message id="settings.updates.lastCheck"><source></source><translation>Last check: {1}</translation></message>
+    <message id="settings.updates.neverChecked"><source></source><translation>Never checked</translation></message>
+    <message id="settings.updates.privacy"><source></source><translation>Checking sends the version and the language, nothing else.</translation></message>
+    <message id="size.bytes" numerus="yes"><source></source><translation><numerusform>{n} byte</numerusform><numerusform>{n} bytes</numerusform></translation></message>
+    <message id="size.exabytes"><source></source><translation>{1} EB</translation></message>
+    <message id="size.gigabytes"><source></source><translation>{1} GB</translation></message>
+    <message id="size.kilobytes"><source></source><translation>{1} KB</translation></message>
+    <message id="size.megabytes"><source></source><translation>{1} MB</translation></message>
+    <message id="size.petabytes"><source></source><translation>{1} PB</translation></message>
+    <message id="size.terabytes"><source></source><translation>{1} TB</translation></message>
+    <message id="trash.unavailable.holdsTrash"><source></source><translation>The trash or the home folder lies inside this folder.</translation></message>
+    <message id="trash.unavailable.inTrash"><source></source><translation>The item is in the trash already.</translation></message>
+    <message id="trash.unavailable.isHome"><source></source><translation>This is the home folder.</translation></message>
+    <message id="trash.unavailable.isMountPoint"><source></source><translation>A volume is connected at this folder.</translation></message>
+    <message id="trash.unavailable.isTrash"><source></source><translation>This folder is the trash itself.</translation></message>
+    <message id="trash.unavailable.noPermission"><source></source><translation>You don’t have permission to make a trash on this volume.</translation></message>
+    <message id="trash.unavailable.notSupported"><source></source><translation>This volume can’t hold a trash.</translation></message>
+    <message id="trash.unavailable.readOnly"><source></source><translation>The volume is read-only.</translation></message>
+    <message id="trash.unavailable.unsafe"><source></source><translation>The trash on this volume is not safe to use.</translation></message>
+    <message id="trash.unreadable"><source></source><translation>The trash here could not be read.</translation></message>
+    <message id="trash.unrecorded"><source></source><translation>There is no record of where this item was.</translation></message>
+    <message id="trash.unrecordedKept"><source></source><translation>This item was left in the trash, because there is no record of where it was.</translation></message>
+    <message id="type.archive"><source></source><translation>Archive</translation></message>
+    <message id="type.csv"><source></source><translation>CSV table</translation></message>
+    <message id="type.dll"><source></source><translation>Windows library</translation></message>
+    <message id="type.dmg"><source></source><translation>Disk image</translation></message>
+    <message id="type.excel"><source></source><translation>Excel workbook</translation></message>
+    <message id="type.exe"><source></source><translation>Windows program</translation></message>
+    <message id="type.extFile"><source></source><translation>{1} file</translation></message>
+    <message id="type.file"><source></source><translation>File</translation></message>
+    <message id="type.folder"><source></source><translation>Folder</translation></message>
+    <message id="type.html"><source></source><translation>HTML document</translation></message>
+    <message id="type.macApp"><source></source><translation>Mac application</translation></message>
+    <message id="type.msi"><source></source><translation>Windows installer</translation></message>
+    <message id="type.package.application"><source></source><translation>Application</translation></message>
+    <message id="type.package.diskImage"><source></source><translation>Disk image</translation></message>
+    <message id="type.package.document"><source></source><translation>Document package</translation></message>
+    <message id="type.package.framework"><source></source><translation>Framework</translation></message>
+    <message id="type.package.installer"><source></source><translation>Installer package</translation></message>
+    <message id="type.package.library"><source></source><translation>Media library</translation></message>
+    <message id="type.package.plugin"><source></source><translation>Plug-in</translation></message>
+    <message id="type.package.project"><source></source><translation>Project package</translation></message>
+    <message id="type.package.systemExtension"><source></source><translation>System extension</translation></message>
+    <message id="type.package.workflow"><source></source><translation>Workflow</translation></message>
+    <message id="type.pdf"><source></source><translation>PDF document</translation></message>
+    <message id="type.powerpoint"><source></source><translation>PowerPoint presentation</translation></message>
+    <message id="type.rtf"><source></source><translation>Rich text document</translation></message>
+    <message id="type.text"><source></source><translation>Text document</translation></message>
+    <message id="type.word"><source></source><translation>Word document</translation></message>
+    <message id="type.zip"><source></source><translation>ZIP archive</translation></message>
+    <message id="ui.accessible.address"><source></source><translation>Address</translation></message>
+    <message id="ui.accessible.columns"><source></source><translation>Columns</translation></message>
+    <message id="ui.accessible.files"><source></source><translation>Files</translation></message>
+    <message id="ui.address.collapsed"><source></source><translation>Folders further up</translation></message>
+    <message id="ui.column.dateModified"><source></source><translation>Date modified</translation></message>
+    <message id="ui.column.name"><source></source><translation>Name</translation></message>
+    <message id="ui.column.size"><source></source><translation>Size</translation></message>
+    <message id="ui.column.type"><source></source><translation>Type</translation></message>
+    <message id="ui.columns.fitAll"><source></source><translation>Fit all columns</translation></message>
+    <message id="ui.columns.fitThis"><source></source><translation>Fit this column</translation></message>
+    <message id="ui.columns.reset"><source></source><translation>Reset columns</translation></message>
+    <message id="ui.command.back"><source></source><translation>Back</translation></message>
+    <message id="ui.command.forward"><source></source><translation>Forward</translation></message>
+    <message id="ui.command.refresh"><source></source><translation>Refresh</translation></message>
+    <message id="ui.command.up"><source></source><translation>Up</translation></message>
+    <message id="ui.status.failed"><source></source><translation>Can’t show this folder</translation></message>
+    <message id="ui.status.items" numerus="yes"><source></source><translation><numerusform>{n} item</numerusform><numerusform>{n} items</numerusform></translation></message>
+    <message id="ui.status.jumpTo"><source></source><translation>Jump to: {1}</translation></message>
+    <message id="ui.status.loading" numerus="yes"><source></source><translation><numerusform>Loading, {n} item so far</numerusform><numerusform>Loading, {n} items so far</numerusform></translation></message>
+    <message id="ui.status.selected" numerus="yes"><source></source><translation><numerusform>{n} item selected</numerusform><numerusform>{n} items selected</numerusform></translation></message>
+    <message id="ui.status.selectedWithSize" numerus="yes"><source></source><translation><numerusform>{n} item selected, {1}</numerusform><numerusform>{n} items selected, {1}</numerusform></translation></message>
+    <message id="ui.status.unreadable" numerus="yes"><source></source><translation><numerusform>{n} item could not be read</numerusform><numerusform>{n} items could not be read</numerusform></translation></message>
+    <message id="ui.tooltip.upTo"><source></source><translation>Up to “{1}”</translation></message>
+    <message id="ui.tooltip.withShortcut"><source></source><translation>{1} ({2})</translation></message>
+    <message id="volume.eject.busy"><source></source><translation>“{1}” is still in use. Close the files and programs that use it and try again.</translation></message>
+    <message id="volume.eject.failed"><source></source><translation>“{1}” could not be ejected: {2}</translation></message>
+    <message id="volume.eject.noAnswer"><source></source><translation>“{1}” could not be ejected because it does not answer.</translation></message>
+    <message id="volume.eject.noService"><source></source><translation>The service that ejects volumes is not running.</translation></message>
+    <message id="volume.eject.notAuthorized"><source></source><translation>You don’t have permission to eject “{1}”.</translation></message>
+    <message id="volume.eject.unknown"><source></source><translation>“{1}” can’t be ejected.</translation></message>
+</context>
+</TS>

@@ -1,0 +1,247 @@
+#include "ui/DetailsView.h"
+
+#include "ui/OmbrelStyle.h"
+#include "ui/Theme.h"
+
+#include <QPainter>
+#include <QScrollBar>
+#include <QStyleOptionButton>
+
+#include <algorithm>
+
+namespace ombrel {
+
+DetailsView::DetailsView(BrowserModel& model, const Theme& theme, QWidget* parent)
+    : FileView(model, theme, parent), header_(new DetailsHeader(model, theme, this)),
+      besideHeader_(new QWidget) {
+    addScrollBarWidget(besideHeader_, Qt::AlignTop);
+    connect(header_, &DetailsHeader::columnsChanged, this, &DetailsView::relayout);
+    connect(header_, &DetailsHeader::toggleAllRequested, this, [this] { toggleAll(); });
+    connect(header_, &DetailsHeader::fitRequested, this, &DetailsView::fitColumn);
+    connect(&theme, &Theme::changed, this, &DetailsView::placeHeader);
+    placeHeader();
+}
+
+// ---- Layout
+
+int DetailsView::rowHeight() const {
+    return theme().size(ThemeSize::row);
+}
+
+int DetailsView::inset() const {
+    return theme().size(ThemeSize::listInset);
+}
+
+qint64 DetailsView::contentHeight() const {
+    return static_cast<qint64>(model().items().size()) * rowHeight() + 2 * inset();
+}
+
+int DetailsView::contentWidth() const {
+    return header_->totalWidth() + theme().size(ThemeSize::space8);
+}
+
+FileView::ContentRect DetailsView::contentRect(std::size_t row) const {
+    return {.x = inset(),
+            .y = inset() + static_cast<qint64>(row) * rowHeight(),
+            .width = std::max(contentWidth(), viewport()->width()) - 2 * inset(),
+            .height = rowHeight()};
+}
+
+std::vector<RowRange> DetailsView::rowsTouching(const ContentRect& area) const {
+    const auto count = static_cast<qint64>(model().items().size());
+    const ContentRect first = contentRect(std::size_t{0});
+    if (area.x >= first.x + first.width || area.x + area.width <= first.x) return {};
+    const qint64 top = area.y - inset(), bottom = area.bottom() - inset();
+    const qint64 begin = std::clamp<qint64>(top / rowHeight(), 0, count);
+    const qint64 end = std::clamp<qint64>((bottom + rowHeight() - 1) / rowHeight(), 0, count);
+    if (begin >= end) return {};
+    return {{static_cast<std::size_t>(begin), static_cast<std::size_t>(end)}};
+}
+
+std::size_t DetailsView::stepped(std::size_t row, Step step) const {
+    const std::size_t last = model().items().size() - 1;
+    const auto page = static_cast<std::size_t>(std::max(1, viewport()->height() / rowHeight() - 1));
+    switch (step) {
+    case Step::up: return row == 0 ? 0 : row - 1;
+    case Step::down: return std::min(row + 1, last);
+    case Step::left:
+    case Step::right: return row;
+    case Step::pageUp: return row - std::min(row, page);
+    case Step::pageDown: return std::min(row + page, last);
+    case Step::home: return 0;
+    case Step::end: return last;
+    }
+    std::unreachable();
+}
+
+QRect DetailsView::cell(const QRect& row, DetailsColumn column) const {
+    const QRect canvas(-horizontalScrollBar()->value(), row.top(),
+                       std::max(contentWidth(), viewport()->width()), row.height());
+    const QRect rect(canvas.left() + header_->left(column), row.top(), header_->width(column), row.height());
+    return mirrored(canvas, rect);
+}
+
+QRect DetailsView::mirrored(const QRect& in, const QRect& rect) const {
+    return QStyle::visualRect(layoutDirection(), in, rect);
+}
+
+QRect DetailsView::nameTextRect(const QRect& row) const {
+    const QRect name = cell(row, DetailsColumn::name);
+    const int margin = theme().size(ThemeSize::space8), icon = theme().size(ThemeSize::listIcon);
+    return mirrored(name, name.adjusted(margin + icon + margin, 0, -margin, 0));
+}
+
+FileView::Part DetailsView::partAt(std::size_t row, QPoint viewportPoint) {
+    const QRect rect = rowRect(row);
+    if (cell(rect, DetailsColumn::checkBox).contains(viewportPoint)) return Part::checkBox;
+    const QRect name = cell(rect, DetailsColumn::name), text = nameTextRect(rect);
+    const int width = std::min(text.width(), fontMetrics().horizontalAdvance(facts(row).name));
+    const QRect written = mirrored(text, QRect(text.left(), text.top(), width, text.height()));
+    const bool isBesideName = layoutDirection() == Qt::RightToLeft ? viewportPoint.x() < written.left()
+                                                                   : viewportPoint.x() > written.right();
+    return name.contains(viewportPoint) && isBesideName ? Part::emptiness : Part::content;
+}
+
+void DetailsView::placeHeader() {
+    const int height = theme().size(ThemeSize::header);
+    setViewportMargins(0, height, 0, 0);
+    besideHeader_->setFixedHeight(height);
+    header_->setGeometry(0, 0, width(), height);
+    header_->fitInto(viewport()->width() - theme().size(ThemeSize::space8));
+    header_->setOffset(horizontalScrollBar()->value());
+    header_->raise();
+}
+
+void DetailsView::resizeEvent(QResizeEvent* event) {
+    placeHeader();
+    FileView::resizeEvent(event);
+}
+
+void DetailsView::scrollContentsBy(int dx, int dy) {
+    header_->setOffset(horizontalScrollBar()->value());
+    FileView::scrollContentsBy(dx, dy);
+}
+
+void DetailsView::fitColumn(DetailsColumn column) {
+    const RowRange rows = visibleRows();
+    int widest = 0;
+    for (std::size_t row = rows.begin; row < rows.end; ++row) {
+        const auto& shown = facts(row);
+        const int aside = theme().size(ThemeSize::listIcon) + theme().size(ThemeSize::space8);
+        switch (column) {
+        case DetailsColumn::checkBox: return;
+        case DetailsColumn::name:
+            widest = std::max(widest, fontMetrics().horizontalAdvance(shown.name) + aside);
+            break;
+        case DetailsColumn::dateModified:
+            widest = std::max(widest, fontMetrics().horizontalAdvance(shown.date));
+            break;
+        case DetailsColumn::type:
+            widest = std::max(widest, fontMetrics().horizontalAdvance(shown.type));
+            break;
+        case DetailsColumn::size:
+            widest = std::max(widest, fontMetrics().horizontalAdvance(shown.size));
+            break;
+        }
+    }
+    header_->fit(column, widest + 1);
+}
+
+// ---- Painting
+
+void DetailsView::paintBackground(QPainter& painter, const QRect& rect, const RowState& state) const {
+    const int radius = theme().size(ThemeSize::radiusRow);
+    if (state.isSelected || state.isHovered) {
+        const auto color = !state.isSelected ? ThemeColor::hover
+                           : !state.isActive ? ThemeColor::selectionInactive
+                           : state.isHovered ? ThemeColor::selectionHover
+                                             : ThemeColor::selection;
+        const bool isOutlined = state.isHovered && theme().appearance().isHighContrast;
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(isOutlined
+                           ? QPen(theme().color(ThemeColor::borderStrong), theme().size(ThemeSize::hairline))
+                           : QPen(Qt::NoPen));
+        painter.setBrush(theme().color(color));
+        painter.drawRoundedRect(isOutlined ? QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5) : QRectF(rect),
+                                radius, radius);
+        painter.setRenderHint(QPainter::Antialiasing, false);
+    }
+    if (state.isCurrent) OmbrelStyle::drawInnerRing(painter, theme(), rect, radius);
+}
+
+void DetailsView::paintRow(QPainter& painter, std::size_t row, const QRect& rect, const RowState& state) {
+    paintBackground(painter, rect, state);
+    if (state.showsCheckBox) {
+        const QRect column = cell(rect, DetailsColumn::checkBox);
+        const int side = theme().size(ThemeSize::checkBox);
+        QStyleOptionButton box;
+        box.initFrom(this);
+        box.state.setFlag(QStyle::State_On, state.isSelected);
+        box.rect = mirrored(column, QRect(column.left() + theme().size(ThemeSize::checkBoxLeft),
+                                          rect.top() + (rect.height() - side) / 2, side, side));
+        style()->drawPrimitive(QStyle::PE_IndicatorCheckBox, &box, &painter, this);
+    }
+    const auto& shown = facts(row);
+    const QRect name = cell(rect, DetailsColumn::name);
+    const int icon = theme().size(ThemeSize::listIcon);
+    const QRect iconRect(name.left() + theme().size(ThemeSize::space8),
+                         rect.top() + (rect.height() - icon) / 2, icon, icon);
+    constexpr double hiddenOpacity = 0.6;
+    if (shown.isHidden) painter.setOpacity(hiddenOpacity);
+    icons().draw(painter, shown.fileClass, shown.badge, mirrored(name, iconRect));
+    painter.setOpacity(1);
+
+    const bool isOnSelection = state.isSelected && state.isActive;
+    const QRect text = nameTextRect(rect);
+    painter.setFont(font());
+    painter.setPen(theme().color(isOnSelection ? ThemeColor::onSelection : ThemeColor::text));
+    painter.drawText(text,
+                     QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft) | Qt::AlignVCenter |
+                         Qt::TextSingleLine,
+                     fontMetrics().elidedText(shown.name, Qt::ElideMiddle, text.width()));
+    const bool isLoud = isOnSelection && theme().appearance().isHighContrast;
+    painter.setPen(theme().color(isLoud ? ThemeColor::onSelection : ThemeColor::textSecondary));
+    paintText(painter, rect, DetailsColumn::dateModified, shown.date);
+    paintText(painter, rect, DetailsColumn::type, shown.type);
+    paintText(painter, rect, DetailsColumn::size, shown.size);
+}
+
+void DetailsView::paintText(QPainter& painter, const QRect& row, DetailsColumn column,
+                            const QString& text) const {
+    if (text.isEmpty() || header_->width(column) == 0) return;
+    const int margin = theme().size(ThemeSize::space8);
+    const QRect rect = cell(row, column).adjusted(margin, 0, -margin, 0);
+    const auto side = column == DetailsColumn::size ? Qt::AlignRight : Qt::AlignLeft;
+    painter.drawText(rect,
+                     QStyle::visualAlignment(layoutDirection(), side) | Qt::AlignVCenter | Qt::TextSingleLine,
+                     fontMetrics().elidedText(text, Qt::ElideRight, rect.width()));
+}
+
+void DetailsView::paintPlaceholder(QPainter& painter, int index) {
+    const QRect rect(inset(), inset() + index * rowHeight(), viewport()->width() - 2 * inset(), rowHeight());
+    const int icon = theme().size(ThemeSize::listIcon), bar = theme().size(ThemeSize::space12);
+    const QRect name = cell(rect, DetailsColumn::name), text = nameTextRect(rect);
+    // Widths that look like names of different length.
+    constexpr int widths[] = {62, 48, 70, 40, 55, 66, 44, 58};
+    const int width = text.width() * widths[static_cast<std::size_t>(index) % std::size(widths)] / 100;
+    const int top = rect.center().y() - bar / 2;
+    const QRect iconRect(name.left() + theme().size(ThemeSize::space8),
+                         rect.top() + (rect.height() - icon) / 2, icon, icon);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(theme().color(ThemeColor::hover));
+    const int radius = theme().size(ThemeSize::radiusCheckBox);
+    painter.drawRoundedRect(mirrored(name, iconRect), radius, radius);
+    painter.drawRoundedRect(mirrored(text, QRect(text.left(), top, width, bar)), radius, radius);
+}
+
+QString DetailsView::toolTipAt(std::size_t row, QPoint viewportPoint) {
+    const QString reason = FileView::toolTipAt(row, viewportPoint);
+    if (!reason.isEmpty()) return reason;
+    const QRect text = nameTextRect(rowRect(row));
+    const QString name = facts(row).name;
+    const bool isElided = fontMetrics().horizontalAdvance(name) > text.width();
+    return isElided && text.contains(viewportPoint) ? name : QString();
+}
+
+} // namespace ombrel

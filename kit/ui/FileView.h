@@ -1,0 +1,167 @@
+#pragma once
+
+#include "browser/BrowserModel.h"
+#include "browser/RowRange.h"
+#include "browser/SelectionGestures.h"
+#include "browser/TypeAhead.h"
+#include "ui/FileIcons.h"
+#include "ui/FileViewPointer.h"
+#include "ui/RowFacts.h"
+#include "ui/ScrollExtent.h"
+
+#include <QAbstractScrollArea>
+#include <QPoint>
+#include <QRect>
+#include <QTimer>
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace ombrel {
+
+class LoadingLine;
+class Theme;
+
+/// A view of a pane's items that draws and lays out only what is on the screen, so that a million items cost
+/// what a hundred do. What all such views share: scrolling by the pixel, selecting with mouse, keys and
+/// rubber band, jumping to typed names, and holding still while items come and go. A view lays its items out
+/// and paints one.
+///
+/// Coordinates of contents are pixels from the top left of all rows, downwards in 64 bits.
+class FileView : public QAbstractScrollArea {
+    Q_OBJECT
+
+public:
+    /// A rectangle of the contents.
+    struct ContentRect {
+        int x = 0;
+        qint64 y = 0;
+        int width = 0;
+        qint64 height = 0;
+        [[nodiscard]] qint64 bottom() const noexcept { return y + height; }
+    };
+    struct RowState {
+        bool isSelected = false;
+        bool isCurrent = false; ///< and the view has the focus
+        bool isHovered = false;
+        bool isActive = false; ///< the view has the focus
+        bool showsCheckBox = false;
+    };
+    /// What of a row lies under the pointer.
+    enum class Part : std::uint8_t { content, emptiness, checkBox };
+    enum class Step : std::uint8_t { up, down, left, right, pageUp, pageDown, home, end };
+
+    /// `model` and `theme` must outlive it.
+    FileView(BrowserModel& model, const Theme& theme, QWidget* parent = nullptr);
+    ~FileView() override;
+
+    [[nodiscard]] BrowserModel& model() const noexcept { return *model_; }
+    [[nodiscard]] const Theme& theme() const noexcept { return *theme_; }
+    [[nodiscard]] const TypeAhead& typeAhead() const noexcept { return typeAhead_; }
+
+    // ---- Where things are
+    [[nodiscard]] qint64 offset() const noexcept { return extent_.offset(); }
+    /// Moves the contents so that `offset` is at the top of the screen.
+    void scrollTo(qint64 offset);
+    /// Scrolls no more than is needed to show the row.
+    void reveal(std::size_t row);
+    /// The rows that are on the screen, whole or in part.
+    [[nodiscard]] RowRange visibleRows() const;
+    /// A row's place in the viewport.
+    [[nodiscard]] QRect rowRect(std::size_t row) const;
+    [[nodiscard]] std::optional<std::size_t> rowAt(QPoint viewportPoint) const;
+    [[nodiscard]] ContentRect contentRect(QRect viewportRect) const;
+
+    /// What a row shows.
+    [[nodiscard]] const RowFacts::Facts& facts(std::size_t row) { return facts_.of(model_->items(), row); }
+    /// How a row is read out.
+    [[nodiscard]] QString spokenText(std::size_t row);
+    /// Whether everything that is on the screen is known.
+    [[nodiscard]] bool isSettled() const noexcept { return !facts_.isWaiting(); }
+
+    // ---- The layout, which a view gives
+    [[nodiscard]] virtual qint64 contentHeight() const = 0;
+    [[nodiscard]] virtual int contentWidth() const { return 0; }
+    [[nodiscard]] virtual ContentRect contentRect(std::size_t row) const = 0;
+    /// The rows that touch a rectangle of the contents, in ascending order.
+    [[nodiscard]] virtual std::vector<RowRange> rowsTouching(const ContentRect& area) const = 0;
+    [[nodiscard]] virtual Part partAt(std::size_t row, QPoint viewportPoint) = 0;
+    /// Where a step leads from `row`; `row` itself where it leads nowhere. The list is not empty.
+    [[nodiscard]] virtual std::size_t stepped(std::size_t row, Step step) const = 0;
+    /// How far one arrow key or a third of a wheel's notch goes.
+    [[nodiscard]] virtual int scrollStep() const = 0;
+
+Q_SIGNALS:
+    /// A double click or Enter on a row.
+    void openRequested(std::size_t row);
+    void scrolled();
+
+protected:
+    virtual void paintRow(QPainter& painter, std::size_t row, const QRect& rect, const RowState& state) = 0;
+    /// A row's stand-in while nothing of a slow folder is there yet.
+    virtual void paintPlaceholder(QPainter& painter, int index) = 0;
+    /// What a row says under a resting pointer; nothing for most.
+    [[nodiscard]] virtual QString toolTipAt(std::size_t row, QPoint viewportPoint);
+
+    /// To be called when heights or widths have changed.
+    void relayout();
+    /// Selects or clears all, as the header's box does.
+    void toggleAll() { gestures_.toggleAll(); }
+    FileIcons& icons() noexcept { return icons_; }
+
+    bool event(QEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override { pointer_.press(*event); }
+    void mouseMoveEvent(QMouseEvent* event) override { pointer_.move(*event); }
+    void mouseReleaseEvent(QMouseEvent* event) override { pointer_.release(*event); }
+    void mouseDoubleClickEvent(QMouseEvent* event) override { pointer_.doubleClick(*event); }
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
+private:
+    friend class FileViewPointer;
+
+    void connectModel();
+    void beginLocation();
+    void keepPlace();
+    void takeItems();
+    void showState();
+    /// Tells assistive programs, where there are any.
+    void announceRows();
+    void announceCurrent();
+    void announceSelection();
+    void placeBars();
+    [[nodiscard]] QRect onScreen(const ContentRect& rect) const;
+    [[nodiscard]] RowState stateOf(std::size_t row) const;
+    bool moveByKey(const QKeyEvent& event);
+    bool actByKey(const QKeyEvent& event);
+    /// From now on what is on the screen keeps its place.
+    void touch() noexcept { isTouched_ = true; }
+
+    BrowserModel* model_;
+    const Theme* theme_;
+    SelectionGestures gestures_;
+    TypeAhead typeAhead_;
+    RowFacts facts_;
+    FileIcons icons_;
+    FileViewPointer pointer_;
+    LoadingLine* loadingLine_;
+    ScrollExtent extent_;
+    bool isPlacingBars_ = false;
+
+    /// Until the user has done something the view stays at its top, whatever comes in above.
+    bool isTouched_ = false;
+    qint64 distanceKept_ = 0; ///< from the top of the screen, of the row that is kept in its place
+    FileSort sortShown_;
+    QTimer placeholderDelay_;
+    bool showsPlaceholders_ = false;
+    int wheelRest_ = 0; ///< of a wheel's turning, too little for a pixel
+};
+
+} // namespace ombrel

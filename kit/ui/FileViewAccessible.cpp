@@ -1,0 +1,139 @@
+#include "ui/FileViewAccessible.h"
+
+#include "browser/SelectionGestures.h"
+#include "ui/FileView.h"
+#include "ui/LocalizedText.h"
+
+#include <QPointer>
+
+#include <algorithm>
+#include <climits>
+
+namespace ombrel {
+namespace {
+
+using Place = BrowserModel::Place;
+
+/// More rows than an assistive program has on its mind at a time.
+constexpr std::size_t keptRows = 4096;
+
+class Row final : public QAccessibleInterface, public QAccessibleActionInterface {
+public:
+    Row(FileView& view, int row) : view_(&view), row_(row) {}
+
+    [[nodiscard]] int index() const noexcept { return row_; }
+
+    bool isValid() const override { return view_ && row() < view_->model().items().size(); }
+    QObject* object() const override { return nullptr; }
+    QWindow* window() const override { return isValid() ? view_->window()->windowHandle() : nullptr; }
+    QAccessibleInterface* parent() const override { return QAccessible::queryAccessibleInterface(view_); }
+    QAccessibleInterface* child(int) const override { return nullptr; }
+    QAccessibleInterface* childAt(int, int) const override { return nullptr; }
+    int childCount() const override { return 0; }
+    int indexOfChild(const QAccessibleInterface*) const override { return -1; }
+    QAccessible::Role role() const override { return QAccessible::ListItem; }
+
+    QString text(QAccessible::Text what) const override {
+        return isValid() && what == QAccessible::Name ? view_->spokenText(row()) : QString();
+    }
+    void setText(QAccessible::Text, const QString&) override {}
+
+    QRect rect() const override {
+        if (!isValid()) return {};
+        const QRect inViewport = view_->rowRect(row());
+        return {view_->viewport()->mapToGlobal(inViewport.topLeft()), inViewport.size()};
+    }
+
+    QAccessible::State state() const override {
+        QAccessible::State state;
+        state.invalid = !isValid();
+        if (state.invalid) return state;
+        const bool isSelected = view_->model().selection().contains(row());
+        state.selectable = state.multiSelectable = state.focusable = state.checkable = true;
+        state.selected = state.checked = isSelected;
+        state.focused = view_->hasFocus() && view_->model().row(Place::current) == row();
+        state.offscreen = !view_->visibleRows().contains(row());
+        return state;
+    }
+
+    void* interface_cast(QAccessible::InterfaceType type) override {
+        return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this)
+                                                    : nullptr;
+    }
+    QStringList actionNames() const override { return {pressAction(), toggleAction()}; }
+    QStringList keyBindingsForAction(const QString&) const override { return {}; }
+    void doAction(const QString& action) override {
+        if (!isValid()) return;
+        if (action == pressAction())
+            Q_EMIT view_->openRequested(row());
+        else if (action == toggleAction())
+            SelectionGestures(view_->model()).select(row(), SelectionGestures::How::toggle);
+    }
+
+private:
+    [[nodiscard]] std::size_t row() const noexcept { return static_cast<std::size_t>(row_); }
+    QPointer<FileView> view_;
+    int row_;
+};
+
+QAccessibleInterface* make(const QString&, QObject* object) {
+    auto* const view = qobject_cast<FileView*>(object);
+    return view ? new FileViewAccessible(*view) : nullptr;
+}
+
+} // namespace
+
+void FileViewAccessible::install() {
+    QAccessible::installFactory(make);
+}
+
+FileViewAccessible::FileViewAccessible(FileView& view) : QAccessibleWidget(&view, QAccessible::List) {}
+
+FileViewAccessible::~FileViewAccessible() {
+    forgetRows();
+}
+
+FileView& FileViewAccessible::view() const {
+    return *static_cast<FileView*>(widget());
+}
+
+void FileViewAccessible::forgetRows() {
+    for (const auto& [row, id] : rows_)
+        QAccessible::deleteAccessibleInterface(id);
+    rows_.clear();
+}
+
+QString FileViewAccessible::text(QAccessible::Text what) const {
+    return what == QAccessible::Name ? localized("ui.accessible.files") : QAccessibleWidget::text(what);
+}
+
+int FileViewAccessible::childCount() const {
+    return static_cast<int>(std::min<std::size_t>(view().model().items().size(), INT_MAX));
+}
+
+QAccessibleInterface* FileViewAccessible::child(int index) const {
+    if (index < 0 || index >= childCount()) return nullptr;
+    if (const auto known = rows_.find(index); known != rows_.end())
+        return QAccessible::accessibleInterface(known->second);
+    if (rows_.size() >= keptRows) const_cast<FileViewAccessible*>(this)->forgetRows();
+    auto* const row = new Row(view(), index);
+    rows_.emplace(index, QAccessible::registerAccessibleInterface(row));
+    return row;
+}
+
+int FileViewAccessible::indexOfChild(const QAccessibleInterface* child) const {
+    const auto* const row = dynamic_cast<const Row*>(child);
+    return row ? row->index() : -1;
+}
+
+QAccessibleInterface* FileViewAccessible::childAt(int x, int y) const {
+    const auto row = view().rowAt(view().viewport()->mapFromGlobal(QPoint(x, y)));
+    return row ? child(static_cast<int>(*row)) : nullptr;
+}
+
+QAccessibleInterface* FileViewAccessible::focusChild() const {
+    const auto current = view().model().row(Place::current);
+    return view().hasFocus() && current ? child(static_cast<int>(*current)) : nullptr;
+}
+
+} // namespace ombrel

@@ -1,0 +1,58 @@
+#include "ui/Formats.h"
+
+#include "ui/LocalizedText.h"
+
+#include <QDateTime>
+#include <QLocale>
+
+#include <array>
+#include <string_view>
+
+namespace ombrel::Formats {
+namespace {
+
+constexpr std::array<std::string_view, 6> unitKeys = {"size.kilobytes", "size.megabytes", "size.gigabytes",
+                                                      "size.terabytes", "size.petabytes", "size.exabytes"};
+
+struct DateFormats {
+    QString date;
+    QString time;
+};
+
+DateFormats formatsOf(const QLocale& locale) {
+    // The plain C locale says nothing about dates that a person would want to read.
+    if (locale.language() == QLocale::C) return {QStringLiteral("d MMM yyyy"), QStringLiteral("HH:mm")};
+    QString date = locale.dateFormat(QLocale::ShortFormat);
+    if (!date.contains(QLatin1String("yyyy"))) date.replace(QLatin1String("yy"), QLatin1String("yyyy"));
+    return {date, locale.timeFormat(QLocale::ShortFormat)};
+}
+
+} // namespace
+
+QString size(std::int64_t bytes) {
+    constexpr double step = 1024;
+    if (bytes < 1024) return localized("size.bytes", bytes);
+    double value = static_cast<double>(bytes) / step;
+    std::size_t unit = 0;
+    // What would round up to 1,024 is one of the next unit.
+    for (; value >= step - 0.5 && unit + 1 < unitKeys.size(); ++unit)
+        value /= step;
+    constexpr double leastWithoutDecimals = 9.95;
+    const int decimals = value < leastWithoutDecimals ? 1 : 0;
+    return localized(unitKeys[unit], {QLocale().toString(value, 'f', decimals).toStdString()});
+}
+
+QString dateAndTime(const FileTime& time) {
+    const QLocale locale;
+    const auto formats = formatsOf(locale);
+    const auto moment = QDateTime::fromSecsSinceEpoch(time.seconds);
+    if (!moment.isValid()) return {};
+    return localized("format.dateAndTime", {locale.toString(moment.date(), formats.date).toStdString(),
+                                            locale.toString(moment.time(), formats.time).toStdString()});
+}
+
+QString number(std::int64_t count) {
+    return QLocale().toString(static_cast<qlonglong>(count));
+}
+
+} // namespace ombrel::Formats

@@ -1,0 +1,45 @@
+#include "ui/GlyphButton.h"
+
+#include <QAction>
+#include <QPainter>
+
+namespace ombrel {
+
+GlyphButton::GlyphButton(const Theme& theme, Glyph glyph, ThemeSize side, QWidget* parent)
+    : QAbstractButton(parent), theme_(&theme), glyph_(glyph), side_(side) {
+    setFocusPolicy(Qt::TabFocus);
+    setAttribute(Qt::WA_Hover);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+void GlyphButton::follow(QAction* action) {
+    const auto update = [this, action] {
+        setEnabled(action->isEnabled());
+        setToolTip(action->toolTip());
+        setAccessibleName(action->text());
+    };
+    connect(action, &QAction::changed, this, update);
+    connect(this, &QAbstractButton::clicked, action, &QAction::trigger);
+    update();
+}
+
+QSize GlyphButton::sizeHint() const {
+    return {theme_->size(side_), theme_->size(side_)};
+}
+
+void GlyphButton::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (isEnabled() && (isDown() || underMouse())) {
+        const int radius = theme_->size(ThemeSize::radiusButton);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(theme_->color(isDown() ? ThemeColor::pressed : ThemeColor::hover));
+        painter.drawRoundedRect(rect(), radius, radius);
+    }
+    const int side = theme_->size(ThemeSize::glyph);
+    const QRect box((width() - side) / 2, (height() - side) / 2, side, side);
+    Glyphs::draw(painter, glyph_, box,
+                 theme_->color(isEnabled() ? ThemeColor::text : ThemeColor::textDisabled));
+}
+
+} // namespace ombrel

@@ -1,0 +1,118 @@
+#include "ui/Glyphs.h"
+
+#include <QPainter>
+#include <QPainterPath>
+#include <QPen>
+
+#include <array>
+#include <span>
+#include <utility>
+
+// A glyph is a few steps on a grid of 16 by 16.
+
+namespace ombrel {
+namespace {
+
+enum class Step : std::uint8_t { move, line, arc, circle };
+
+struct PathStep {
+    Step step;
+    /// move, line: x, y. arc: the square's x, y and side, then start and sweep in degrees. circle: centre and
+    /// radius.
+    std::array<double, 5> at;
+};
+
+constexpr PathStep to(double x, double y) {
+    return {Step::move, {x, y}};
+}
+constexpr PathStep line(double x, double y) {
+    return {Step::line, {x, y}};
+}
+constexpr PathStep arc(double x, double y, double side, double start, double sweep) {
+    return {Step::arc, {x, y, side, start, sweep}};
+}
+constexpr PathStep circle(double x, double y, double radius) {
+    return {Step::circle, {x, y, radius}};
+}
+
+constexpr PathStep backSteps[] = {to(13.5, 8), line(2.75, 8), to(7.25, 3.25), line(2.5, 8),
+                                  line(7.25, 12.75)};
+constexpr PathStep forwardSteps[] = {to(2.5, 8), line(13.25, 8), to(8.75, 3.25), line(13.5, 8),
+                                     line(8.75, 12.75)};
+constexpr PathStep upSteps[] = {to(8, 13.5), line(8, 2.75), to(3.25, 7.25), line(8, 2.5), line(12.75, 7.25)};
+constexpr PathStep refreshSteps[] = {to(13.4, 8.9), arc(2.5, 2.75, 11, -10, -305), to(13.5, 2.2),
+                                     line(13.5, 5.6), line(10.1, 5.6)};
+constexpr PathStep chevronLeftSteps[] = {to(9.75, 4.25), line(6.25, 8), line(9.75, 11.75)};
+constexpr PathStep chevronRightSteps[] = {to(6.25, 4.25), line(9.75, 8), line(6.25, 11.75)};
+constexpr PathStep chevronUpSteps[] = {to(4.25, 9.75), line(8, 6.25), line(11.75, 9.75)};
+constexpr PathStep chevronDownSteps[] = {to(4.25, 6.25), line(8, 9.75), line(11.75, 6.25)};
+constexpr PathStep collapsedSteps[] = {to(7.5, 4.5), line(4, 8),   line(7.5, 11.5),
+                                       to(12, 4.5),  line(8.5, 8), line(12, 11.5)};
+constexpr PathStep checkSteps[] = {to(3.5, 8.25), line(6.75, 11.5), line(12.5, 5)};
+constexpr PathStep dashSteps[] = {to(4, 8), line(12, 8)};
+constexpr PathStep linkSteps[] = {to(4, 12), line(11.5, 4.5), to(5.5, 4.5), line(11.5, 4.5),
+                                  line(11.5, 10.5)};
+constexpr PathStep lockSteps[] = {
+    to(3.5, 7.25),   line(12.5, 7.25), line(12.5, 14),   line(3.5, 14),
+    line(3.5, 7.25), to(5.25, 7),      line(5.25, 4.75), arc(5.25, 2, 5.5, 180, -180),
+    line(10.75, 7),  to(8, 10),        line(8, 11.25)};
+constexpr PathStep warningSteps[] = {to(8, 2.25), line(14.5, 13.5), line(1.5, 13.5), line(8, 2.25),
+                                     to(8, 6.5),  line(8, 9.5),     to(8, 11.5),     line(8, 11.55)};
+constexpr PathStep unpluggedSteps[] = {
+    to(5.5, 1.75),   line(5.5, 4.5),   to(10.5, 1.75), line(10.5, 4.5),
+    to(3.5, 4.75),   line(12.5, 4.75), line(12.5, 7),  arc(3.5, 2.5, 9, 0, -180),
+    line(3.5, 4.75), to(8, 11.5),      line(8, 14.5)};
+constexpr PathStep goneSteps[] = {circle(8, 8, 6.25), to(5.75, 5.75), line(10.25, 10.25), to(10.25, 5.75),
+                                  line(5.75, 10.25)};
+
+std::span<const PathStep> stepsOf(Glyph glyph) {
+    switch (glyph) {
+    case Glyph::back: return backSteps;
+    case Glyph::forward: return forwardSteps;
+    case Glyph::up: return upSteps;
+    case Glyph::refresh: return refreshSteps;
+    case Glyph::chevronLeft: return chevronLeftSteps;
+    case Glyph::chevronRight: return chevronRightSteps;
+    case Glyph::chevronUp: return chevronUpSteps;
+    case Glyph::chevronDown: return chevronDownSteps;
+    case Glyph::collapsed: return collapsedSteps;
+    case Glyph::check: return checkSteps;
+    case Glyph::dash: return dashSteps;
+    case Glyph::link: return linkSteps;
+    case Glyph::lock: return lockSteps;
+    case Glyph::warning: return warningSteps;
+    case Glyph::unplugged: return unpluggedSteps;
+    case Glyph::gone: return goneSteps;
+    }
+    std::unreachable();
+}
+
+QPainterPath pathOf(Glyph glyph) {
+    QPainterPath path;
+    for (const PathStep& step : stepsOf(glyph)) {
+        const auto& at = step.at;
+        switch (step.step) {
+        case Step::move: path.moveTo(at[0], at[1]); break;
+        case Step::line: path.lineTo(at[0], at[1]); break;
+        case Step::arc: path.arcTo(at[0], at[1], at[2], at[2], at[3], at[4]); break;
+        case Step::circle: path.addEllipse(QPointF(at[0], at[1]), at[2], at[2]); break;
+        }
+    }
+    return path;
+}
+
+} // namespace
+
+void Glyphs::draw(QPainter& painter, Glyph glyph, const QRectF& box, const QColor& color) {
+    constexpr double grid = 16, stroke = 1.5;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(box.topLeft());
+    painter.scale(box.width() / grid, box.height() / grid);
+    painter.setPen(QPen(color, stroke, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawPath(pathOf(glyph));
+    painter.restore();
+}
+
+} // namespace ombrel

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QColor>
+#include <QRectF>
+
+#include <cstdint>
+
+class QPainter;
+
+namespace ombrel {
+
+/// The small line drawings of buttons, menus and badges.
+enum class Glyph : std::uint8_t {
+    back,
+    forward,
+    up,
+    refresh,
+    chevronLeft,
+    chevronRight,
+    chevronUp,
+    chevronDown,
+    collapsed, ///< crumbs that do not fit
+    check,
+    dash, ///< some, but not all
+    link,
+    lock,
+    warning,
+    unplugged,
+    gone,
+};
+
+namespace Glyphs {
+
+/// Draws a glyph as large as `box` (meant for 16 or 20 pixels), with round strokes of 1.5 pixels at that
+/// size.
+void draw(QPainter& painter, Glyph glyph, const QRectF& box, const QColor& color);
+
+} // namespace Glyphs
+} // namespace ombrel

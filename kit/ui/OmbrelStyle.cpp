@@ -1,0 +1,306 @@
+#include "ui/OmbrelStyle.h"
+
+#include "ui/Glyphs.h"
+#include "ui/Theme.h"
+
+#include <QPainter>
+#include <QPen>
+#include <QPushButton>
+#include <QStyleFactory>
+#include <QStyleOption>
+
+#include <algorithm>
+
+namespace ombrel {
+namespace {
+
+/// A rectangle whose outline of one pixel lies wholly inside `rect`.
+QRectF hairlineInside(const QRectF& rect) {
+    return rect.adjusted(0.5, 0.5, -0.5, -0.5);
+}
+
+} // namespace
+
+OmbrelStyle::OmbrelStyle(const Theme& theme)
+    : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))), theme_(&theme) {}
+
+void OmbrelStyle::drawInnerRing(QPainter& painter, const Theme& theme, const QRectF& rect, int radius) {
+    const double width = theme.size(ThemeSize::focusRing);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(theme.color(ThemeColor::accent), width));
+    painter.setBrush(Qt::NoBrush);
+    const double half = width / 2;
+    painter.drawRoundedRect(rect.adjusted(half, half, -half, -half), radius - half, radius - half);
+    painter.restore();
+}
+
+void OmbrelStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                                const QWidget* widget) const {
+    const auto fill = [&](ThemeColor token) { painter->fillRect(option->rect, theme_->color(token)); };
+    const auto outlined = [&](ThemeColor token, ThemeSize radius) {
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setPen(QPen(theme_->color(ThemeColor::border), theme_->size(ThemeSize::hairline)));
+        painter->setBrush(theme_->color(token));
+        const int corner = theme_->size(radius);
+        painter->drawRoundedRect(hairlineInside(option->rect), corner, corner);
+        painter->restore();
+    };
+    switch (element) {
+    case PE_FrameFocusRect: return; // rings are drawn by the FocusRing and by the views themselves
+    case PE_IndicatorCheckBox: return drawCheckBox(*option, *painter);
+    case PE_PanelScrollAreaCorner: return fill(ThemeColor::surface);
+    case PE_PanelTipLabel:
+    case PE_PanelMenu: return fill(ThemeColor::menu);
+    case PE_FrameMenu: return outlined(ThemeColor::menu, ThemeSize::hairline);
+    default: return QProxyStyle::drawPrimitive(element, option, painter, widget);
+    }
+}
+
+void OmbrelStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                              const QWidget* widget) const {
+    switch (element) {
+    case CE_PushButton:
+        if (const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option))
+            return drawButton(*button, *painter, widget);
+        break;
+    case CE_MenuItem:
+        if (const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option))
+            return drawMenuItem(*item, *painter);
+        break;
+    case CE_HeaderEmptyArea: {
+        const int hairline = theme_->size(ThemeSize::hairline);
+        painter->fillRect(option->rect, theme_->color(ThemeColor::surface));
+        painter->fillRect(
+            QRect(option->rect.left(), option->rect.bottom() - hairline + 1, option->rect.width(), hairline),
+            theme_->color(ThemeColor::border));
+        return;
+    }
+    case CE_FocusFrame: {
+        const int radius = theme_->size(ThemeSize::radiusButton) + theme_->size(ThemeSize::focusGap) +
+                           theme_->size(ThemeSize::focusRing);
+        return drawInnerRing(*painter, *theme_, option->rect, radius);
+    }
+    default: break;
+    }
+    QProxyStyle::drawControl(element, option, painter, widget);
+}
+
+void OmbrelStyle::drawButton(const QStyleOptionButton& option, QPainter& painter,
+                             const QWidget* widget) const {
+    const bool isEnabled = option.state & State_Enabled;
+    const bool isPressed = option.state & (State_Sunken | State_On);
+    const bool isHovered = isEnabled && option.state & State_MouseOver;
+    const bool isPrimary = isEnabled && option.features & QStyleOptionButton::DefaultButton;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    const auto face = isPressed ? ThemeColor::pressed : isHovered ? ThemeColor::hover : ThemeColor::surface;
+    QColor color = theme_->color(isPrimary ? ThemeColor::accent : face);
+    constexpr int slightly = 108;
+    if (isPrimary && (isHovered || isPressed))
+        color = theme_->appearance().isDark ? color.lighter(slightly) : color.darker(slightly);
+    painter.setPen(isPrimary ? QPen(Qt::NoPen)
+                             : QPen(theme_->color(ThemeColor::border), theme_->size(ThemeSize::hairline)));
+    painter.setBrush(color);
+    const int radius = theme_->size(ThemeSize::radiusButton);
+    painter.drawRoundedRect(isPrimary ? QRectF(option.rect) : hairlineInside(option.rect), radius, radius);
+    const auto ink = !isEnabled  ? ThemeColor::textDisabled
+                     : isPrimary ? ThemeColor::onAccent
+                                 : ThemeColor::text;
+    painter.setPen(theme_->color(ink));
+    painter.setFont(widget ? widget->font() : theme_->font(ThemeFont::body));
+    painter.drawText(option.rect, Qt::AlignCenter | Qt::TextShowMnemonic, option.text);
+    painter.restore();
+}
+
+void OmbrelStyle::drawCheckBox(const QStyleOption& option, QPainter& painter) const {
+    const bool isEnabled = option.state & State_Enabled;
+    const bool isMarked = option.state & (State_On | State_NoChange);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    const int radius = theme_->size(ThemeSize::radiusCheckBox);
+    const QRectF box(option.rect);
+    if (isMarked) {
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(theme_->color(isEnabled ? ThemeColor::accent : ThemeColor::textDisabled));
+        painter.drawRoundedRect(box, radius, radius);
+        const auto glyph = option.state & State_NoChange ? Glyph::dash : Glyph::check;
+        const double inset = box.width() / 8;
+        Glyphs::draw(painter, glyph, box.adjusted(inset, inset, -inset, -inset),
+                     theme_->color(ThemeColor::onAccent));
+    } else {
+        constexpr double outline = 1.3;
+        painter.setPen(
+            QPen(theme_->color(isEnabled ? ThemeColor::borderStrong : ThemeColor::textDisabled), outline));
+        painter.setBrush(theme_->color(ThemeColor::surface));
+        painter.drawRoundedRect(box.adjusted(outline / 2, outline / 2, -outline / 2, -outline / 2), radius,
+                                radius);
+    }
+    painter.restore();
+}
+
+void OmbrelStyle::drawMenuItem(const QStyleOptionMenuItem& option, QPainter& painter) const {
+    const QRect row = option.rect;
+    if (option.menuItemType == QStyleOptionMenuItem::Separator) {
+        painter.fillRect(QRect(row.left(), row.center().y(), row.width(), theme_->size(ThemeSize::hairline)),
+                         theme_->color(ThemeColor::border));
+        return;
+    }
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    const bool isEnabled = option.state & State_Enabled;
+    const int inset = theme_->size(ThemeSize::space4), glyph = theme_->size(ThemeSize::glyph);
+    if (option.state & State_Selected && isEnabled) {
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(theme_->color(ThemeColor::hover));
+        const int radius = theme_->size(ThemeSize::radiusRow);
+        painter.drawRoundedRect(row.adjusted(inset, 0, -inset, 0), radius, radius);
+    }
+    const QColor ink = theme_->color(isEnabled ? ThemeColor::text : ThemeColor::textDisabled);
+    const int left = row.left() + theme_->size(ThemeSize::space12);
+    const QRect glyphBox(left, row.center().y() - glyph / 2, glyph, glyph);
+    if (option.checkType != QStyleOptionMenuItem::NotCheckable && option.checked)
+        Glyphs::draw(painter, Glyph::check, glyphBox, ink);
+    else if (!option.icon.isNull())
+        option.icon.paint(&painter, glyphBox, Qt::AlignCenter, isEnabled ? QIcon::Normal : QIcon::Disabled);
+    const QRect textBox = row.adjusted(left - row.left() + glyph + theme_->size(ThemeSize::space8), 0,
+                                       -theme_->size(ThemeSize::space16), 0);
+    painter.setFont(option.font);
+    painter.setPen(ink);
+    const auto parts = option.text.split(QLatin1Char('\t'));
+    painter.drawText(textBox, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextShowMnemonic | Qt::TextSingleLine,
+                     parts.constFirst());
+    if (option.menuItemType == QStyleOptionMenuItem::SubMenu) {
+        const QRect arrow(textBox.right() - glyph / 2, glyphBox.top(), glyph, glyph);
+        Glyphs::draw(painter, option.direction == Qt::RightToLeft ? Glyph::chevronLeft : Glyph::chevronRight,
+                     arrow, ink);
+    } else if (parts.size() > 1) {
+        painter.setPen(theme_->color(ThemeColor::textSecondary));
+        painter.drawText(textBox, Qt::AlignRight | Qt::AlignVCenter | Qt::TextSingleLine, parts.constLast());
+    }
+    painter.restore();
+}
+
+void OmbrelStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                                     QPainter* painter, const QWidget* widget) const {
+    if (control == CC_ScrollBar)
+        if (const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option))
+            return drawScrollBar(*bar, *painter, widget);
+    QProxyStyle::drawComplexControl(control, option, painter, widget);
+}
+
+void OmbrelStyle::drawScrollBar(const QStyleOptionSlider& option, QPainter& painter,
+                                const QWidget* widget) const {
+    painter.fillRect(option.rect, theme_->color(ThemeColor::surface));
+    if (option.maximum <= option.minimum) return;
+    const QRect slider = subControlRect(CC_ScrollBar, &option, SC_ScrollBarSlider, widget);
+    const bool isUpright = option.orientation == Qt::Vertical;
+    const int thickness = theme_->size(ThemeSize::scrollThumb);
+    const int margin = ((isUpright ? slider.width() : slider.height()) - thickness) / 2;
+    const QRectF thumb =
+        isUpright ? slider.adjusted(margin, 2, -margin, -2) : slider.adjusted(2, margin, -2, -margin);
+    const bool isGrabbed =
+        option.activeSubControls & SC_ScrollBarSlider && option.state & (State_Sunken | State_MouseOver);
+    const QColor color = theme_->color(isGrabbed ? ThemeColor::textSecondary : ThemeColor::borderStrong);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color);
+    painter.drawRoundedRect(thumb, thickness / 2.0, thickness / 2.0);
+    painter.restore();
+}
+
+QRect OmbrelStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
+                                  const QWidget* widget) const {
+    const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
+    if (control != CC_ScrollBar || !bar) return QProxyStyle::subControlRect(control, option, part, widget);
+    // No buttons: the groove is the whole bar.
+    const QRect groove = bar->rect;
+    const bool isUpright = bar->orientation == Qt::Vertical;
+    const int length = isUpright ? groove.height() : groove.width();
+    const qint64 range = static_cast<qint64>(bar->maximum) - bar->minimum;
+    int thumb = length;
+    if (range > 0) {
+        const auto share =
+            static_cast<qint64>(length) * bar->pageStep / std::max<qint64>(1, range + bar->pageStep);
+        thumb = std::clamp(static_cast<int>(share),
+                           std::min(theme_->size(ThemeSize::scrollThumbMinimum), length), length);
+    }
+    const int start = sliderPositionFromValue(bar->minimum, bar->maximum, bar->sliderPosition, length - thumb,
+                                              bar->upsideDown);
+    const auto along = [&](int from, int extent) {
+        return isUpright ? QRect(groove.left(), groove.top() + from, groove.width(), extent)
+                         : QRect(groove.left() + from, groove.top(), extent, groove.height());
+    };
+    switch (part) {
+    case SC_ScrollBarGroove: return groove;
+    case SC_ScrollBarSlider: return along(start, thumb);
+    case SC_ScrollBarSubPage: return along(0, start);
+    case SC_ScrollBarAddPage: return along(start + thumb, length - start - thumb);
+    default: return {};
+    }
+}
+
+QSize OmbrelStyle::sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
+                                    const QWidget* widget) const {
+    if (type == CT_PushButton) {
+        const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
+        if (!button) return QProxyStyle::sizeFromContents(type, option, size, widget);
+        const int text = button->fontMetrics.size(Qt::TextShowMnemonic, button->text).width();
+        return {
+            std::max(text + theme_->size(ThemeSize::space28), theme_->size(ThemeSize::buttonMinimumWidth)),
+            std::max(theme_->size(ThemeSize::button), size.height())};
+    }
+    if (type == CT_MenuItem) {
+        const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+        if (!item) return QProxyStyle::sizeFromContents(type, option, size, widget);
+        if (item->menuItemType == QStyleOptionMenuItem::Separator)
+            return {size.width(), theme_->size(ThemeSize::space8)};
+        const int beside = theme_->size(ThemeSize::space12) + theme_->size(ThemeSize::glyph) +
+                           theme_->size(ThemeSize::space8) + theme_->size(ThemeSize::space28);
+        return {std::clamp(size.width() + beside, theme_->size(ThemeSize::menuMinimumWidth),
+                           theme_->size(ThemeSize::menuMaximumWidth)),
+                theme_->size(ThemeSize::menuRow)};
+    }
+    return QProxyStyle::sizeFromContents(type, option, size, widget);
+}
+
+int OmbrelStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {
+    switch (metric) {
+    case PM_ScrollBarExtent: return theme_->size(ThemeSize::scrollBar);
+    case PM_ScrollBarSliderMin: return theme_->size(ThemeSize::scrollThumbMinimum);
+    case PM_ScrollView_ScrollBarSpacing: return 0;
+    case PM_IndicatorWidth:
+    case PM_IndicatorHeight: return theme_->size(ThemeSize::checkBox);
+    case PM_FocusFrameHMargin:
+    case PM_FocusFrameVMargin: return theme_->size(ThemeSize::focusRing) + theme_->size(ThemeSize::focusGap);
+    case PM_MenuVMargin: return theme_->size(ThemeSize::space4);
+    case PM_ButtonShiftHorizontal:
+    case PM_ButtonShiftVertical: return 0;
+    default: return QProxyStyle::pixelMetric(metric, option, widget);
+    }
+}
+
+int OmbrelStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                           QStyleHintReturn* answer) const {
+    constexpr int subMenuDelay = 200; // milliseconds
+    switch (hint) {
+    case SH_ScrollBar_LeftClickAbsolutePosition:
+    case SH_UnderlineShortcut: return 0;
+    case SH_ScrollView_FrameOnlyAroundContents: return 1;
+    case SH_Menu_SubMenuPopupDelay: return subMenuDelay;
+    case SH_FocusFrame_AboveWidget: return 1;
+    case SH_Widget_Animation_Duration:
+        if (theme_->appearance().isMotionReduced) return 0;
+        break;
+    default: break;
+    }
+    return QProxyStyle::styleHint(hint, option, widget, answer);
+}
+
+void OmbrelStyle::polish(QPalette& palette) {
+    palette = theme_->palette();
+}
+
+} // namespace ombrel

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QProxyStyle>
+
+class QStyleOptionButton;
+class QStyleOptionMenuItem;
+class QStyleOptionSlider;
+
+namespace ombrel {
+
+class Theme;
+
+/// Fusion with the theme's shapes: buttons, scroll bars, check boxes, menus, tooltips and focus rings.
+class OmbrelStyle final : public QProxyStyle {
+    Q_OBJECT
+
+public:
+    /// `theme` must outlive it.
+    explicit OmbrelStyle(const Theme& theme);
+
+    /// A 2 px ring of the accent along the inside of `rect`.
+    static void drawInnerRing(QPainter& painter, const Theme& theme, const QRectF& rect, int radius);
+
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override;
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override;
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
+                            const QWidget* widget) const override;
+    QRect subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
+                         const QWidget* widget) const override;
+    QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
+                           const QWidget* widget) const override;
+    int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override;
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* answer) const override;
+    void polish(QPalette& palette) override;
+    using QProxyStyle::polish;
+
+private:
+    void drawButton(const QStyleOptionButton& option, QPainter& painter, const QWidget* widget) const;
+    void drawCheckBox(const QStyleOption& option, QPainter& painter) const;
+    void drawMenuItem(const QStyleOptionMenuItem& option, QPainter& painter) const;
+    void drawScrollBar(const QStyleOptionSlider& option, QPainter& painter, const QWidget* widget) const;
+
+    const Theme* theme_;
+};
+
+} // namespace ombrel

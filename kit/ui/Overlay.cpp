@@ -1,0 +1,231 @@
+#include "ui/Overlay.h"
+
+#include "browser/BrowserModel.h"
+#include "ui/FileIconDrawing.h"
+#include "ui/LocalizedText.h"
+
+#include <QAccessible>
+#include <QEvent>
+#include <QGraphicsOpacityEffect>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+#include <QPropertyAnimation>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include <utility>
+
+namespace ombrel {
+namespace {
+
+using Action = OverlayContent::Action;
+using Badge = OverlayContent::Badge;
+
+/// The folder, and in its lower right corner what is wrong with it.
+class Picture final : public QWidget {
+public:
+    Picture(const Theme& theme, const std::optional<Badge>& badge, QWidget* parent)
+        : QWidget(parent), theme_(&theme), badge_(&badge) {}
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        FileIconDrawing::draw(painter, *theme_, FileClass::folder, rect());
+        if (!*badge_) return;
+        const int side = theme_->size(ThemeSize::overlayBadge);
+        const QRectF ground(width() - side, height() - side, side, side);
+        const double rim = theme_->size(ThemeSize::space4);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(theme_->color(ThemeColor::surface));
+        painter.drawEllipse(ground);
+        painter.setBrush(theme_->color((*badge_)->ground));
+        painter.drawEllipse(ground.adjusted(rim, rim, -rim, -rim));
+        const double glyph = theme_->size(ThemeSize::glyph);
+        const QRectF box(ground.center() - QPointF(glyph / 2, glyph / 2), QSizeF(glyph, glyph));
+        Glyphs::draw(painter, (*badge_)->glyph, box, theme_->color((*badge_)->color));
+    }
+
+private:
+    const Theme* theme_;
+    const std::optional<Badge>* badge_;
+};
+
+OverlayContent failure(DirectoryError error, const BrowserModel& model) {
+    const auto& folder = model.currentURL();
+    const std::string name =
+        folder ? isolated(folder->isRoot() ? folder->path() : folder->name()) : std::string();
+    const Badge warning{Glyph::warning, ThemeColor::warning, ThemeColor::warningSoft};
+    switch (error.which()) {
+    case DirectoryError::Case::permissionDenied:
+        return {localized("overlay.permissionDenied.title"),
+                localized("overlay.permissionDenied.message", {name}),
+                Badge{Glyph::lock, ThemeColor::warning, ThemeColor::warningSoft},
+                {Action::tryAgain}};
+    case DirectoryError::Case::volumeUnavailable:
+        return {localized("overlay.volumeUnavailable.title"),
+                localized("overlay.volumeUnavailable.message"),
+                Badge{Glyph::unplugged, ThemeColor::warning, ThemeColor::warningSoft},
+                {Action::tryAgain}};
+    case DirectoryError::Case::notFound:
+    case DirectoryError::Case::notADirectory:
+    case DirectoryError::Case::io: break;
+    }
+    return {localized("overlay.failed.title"),
+            localized("overlay.failed.message", {error.localizedDescription()}),
+            warning,
+            {Action::tryAgain, Action::goUp}};
+}
+
+QString labelOf(Action action) {
+    switch (action) {
+    case Action::tryAgain: return localized("overlay.tryAgain");
+    case Action::goUp: return localized("overlay.goUp");
+    }
+    std::unreachable();
+}
+
+} // namespace
+
+std::optional<OverlayContent> OverlayContent::of(const BrowserModel& model) {
+    switch (model.listingState().which()) {
+    case ListingState::Case::failed: return failure(model.listingState().error(), model);
+    case ListingState::Case::invalidated:
+        return OverlayContent{localized("overlay.invalidated.title"),
+                              localized("overlay.invalidated.message"),
+                              Badge{Glyph::gone, ThemeColor::warning, ThemeColor::warningSoft},
+                              {Action::goUp, Action::tryAgain}};
+    case ListingState::Case::noLocation:
+        return OverlayContent{
+            localized("overlay.noLocation.title"), localized("overlay.noLocation.message"), {}, {}};
+    case ListingState::Case::loaded:
+        if (!model.currentURL() || !model.items().empty()) return std::nullopt;
+        return OverlayContent{localized("overlay.empty.title"), {}, {}, {}};
+    case ListingState::Case::loading: return std::nullopt;
+    }
+    std::unreachable();
+}
+
+Overlay::Overlay(BrowserModel& model, const Theme& theme, QWidget* view)
+    : QWidget(view), model_(&model), theme_(&theme), picture_(new Picture(theme, badge_, this)),
+      title_(new QLabel(this)), message_(new QLabel(this)), buttonRow_(new QWidget(this)) {
+    auto* const column = new QVBoxLayout(this);
+    column->addStretch(1);
+    column->addWidget(picture_, 0, Qt::AlignHCenter);
+    for (QLabel* label : {title_, message_}) {
+        label->setTextFormat(Qt::PlainText);
+        label->setWordWrap(true);
+        label->setAlignment(Qt::AlignHCenter);
+        label->setForegroundRole(QPalette::WindowText);
+        column->addWidget(label, 0, Qt::AlignHCenter);
+    }
+    column->addWidget(buttonRow_, 0, Qt::AlignHCenter);
+    column->addStretch(1);
+    new QHBoxLayout(buttonRow_);
+    view->installEventFilter(this);
+    hide();
+    connect(&model, &BrowserModel::listingStateChanged, this, &Overlay::refresh);
+    connect(&model, &BrowserModel::itemsChanged, this, &Overlay::refresh);
+    connect(&theme, &Theme::changed, this, &Overlay::takeSizes);
+    takeSizes();
+    refresh();
+}
+
+QString Overlay::title() const {
+    return title_->text();
+}
+
+QString Overlay::message() const {
+    return message_->text();
+}
+
+void Overlay::takeSizes() {
+    const int icon = theme_->size(ThemeSize::overlayIcon), width = theme_->size(ThemeSize::overlayWidth);
+    picture_->setFixedSize(icon, icon);
+    title_->setFont(theme_->font(ThemeFont::title));
+    for (QLabel* label : {title_, message_})
+        label->setFixedWidth(width);
+    QPalette colors = palette();
+    colors.setColor(QPalette::WindowText, theme_->color(ThemeColor::textSecondary));
+    message_->setPalette(colors);
+    const int gap = theme_->size(ThemeSize::space8);
+    layout()->setSpacing(gap);
+    title_->setContentsMargins(0, gap, 0, 0);
+    buttonRow_->layout()->setContentsMargins(0, theme_->size(ThemeSize::space12), 0, 0);
+    buttonRow_->layout()->setSpacing(theme_->size(ThemeSize::space8) + theme_->size(ThemeSize::space2));
+}
+
+void Overlay::refresh() {
+    const auto content = OverlayContent::of(*model_);
+    if (content) return show(*content);
+    const bool hadFocus = isAncestorOf(focusWidget());
+    hide();
+    if (hadFocus && parentWidget()->parentWidget())
+        parentWidget()->parentWidget()->setFocus(Qt::OtherFocusReason);
+}
+
+void Overlay::show(const OverlayContent& content) {
+    const bool isSame = isVisible() && content.title == title() && content.message == message();
+    if (isSame) return;
+    title_->setText(content.title);
+    message_->setText(content.message);
+    message_->setVisible(!content.message.isEmpty());
+    // A centred label takes the height of a single line by itself.
+    for (QLabel* label : {title_, message_})
+        label->setFixedHeight(label->heightForWidth(label->width()));
+    badge_ = content.badge;
+    picture_->update();
+    for (QPushButton* button : buttons_)
+        button->deleteLater();
+    buttons_.clear();
+    for (const Action action : content.actions) {
+        auto* const button = new QPushButton(labelOf(action), buttonRow_);
+        button->setDefault(buttons_.empty());
+        connect(button, &QPushButton::clicked, this, [this, action] { perform(action); });
+        buttonRow_->layout()->addWidget(button);
+        buttons_.push_back(button);
+    }
+    setGeometry(parentWidget()->rect());
+    fadeIn();
+    QWidget::show();
+    raise();
+    const QWidget* const view = parentWidget()->parentWidget();
+    if (!buttons_.empty() && (!view || view->hasFocus())) buttons_.front()->setFocus(Qt::OtherFocusReason);
+    setAccessibleName(content.title);
+    setAccessibleDescription(content.message);
+    QAccessibleEvent announcement(this, QAccessible::Alert);
+    QAccessible::updateAccessibility(&announcement);
+}
+
+void Overlay::fadeIn() {
+    const int duration = theme_->duration(ThemeDuration::fade);
+    if (duration == 0) return;
+    auto* const effect = new QGraphicsOpacityEffect(this);
+    setGraphicsEffect(effect);
+    auto* const motion = new QPropertyAnimation(effect, "opacity", effect);
+    motion->setDuration(duration);
+    motion->setStartValue(0.0);
+    motion->setEndValue(1.0);
+    // Without the effect the widget is drawn directly again.
+    connect(motion, &QPropertyAnimation::finished, this, [this] { setGraphicsEffect(nullptr); });
+    motion->start();
+}
+
+void Overlay::perform(Action action) {
+    switch (action) {
+    case Action::tryAgain: model_->refresh(); break;
+    case Action::goUp: model_->goUp(); break;
+    }
+}
+
+void Overlay::paintEvent(QPaintEvent*) {
+    QPainter(this).fillRect(rect(), theme_->color(ThemeColor::surface));
+}
+
+bool Overlay::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == parentWidget() && event->type() == QEvent::Resize) setGeometry(parentWidget()->rect());
+    return QWidget::eventFilter(watched, event);
+}
+
+} // namespace ombrel

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "browser/ListingState.h"
+#include "ui/Glyphs.h"
+#include "ui/Theme.h"
+
+#include <QString>
+#include <QWidget>
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+class QLabel;
+class QPushButton;
+class QVBoxLayout;
+
+namespace ombrel {
+
+class BrowserModel;
+
+/// What an overlay says and offers.
+struct OverlayContent {
+    enum class Action : std::uint8_t { tryAgain, goUp };
+    struct Badge {
+        Glyph glyph;
+        ThemeColor color;
+        ThemeColor ground;
+    };
+
+    QString title;
+    QString message;
+    std::optional<Badge> badge;
+    std::vector<Action> actions; ///< as buttons, the first one primary
+
+    /// For the state of a pane; nothing when its items are to be seen.
+    [[nodiscard]] static std::optional<OverlayContent> of(const BrowserModel& model);
+};
+
+/// Covers an empty file view with the reason why it is empty and what can be done about it.
+class Overlay final : public QWidget {
+    Q_OBJECT
+
+public:
+    /// Lies over `view`. `model` and `theme` must outlive it.
+    Overlay(BrowserModel& model, const Theme& theme, QWidget* view);
+
+    [[nodiscard]] QString title() const;
+    [[nodiscard]] QString message() const;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void refresh();
+    void show(const OverlayContent& content);
+    void perform(OverlayContent::Action action);
+    void takeSizes();
+    void fadeIn();
+
+    BrowserModel* model_;
+    const Theme* theme_;
+    std::optional<OverlayContent::Badge> badge_;
+    QWidget* picture_;
+    QLabel* title_;
+    QLabel* message_;
+    std::vector<QPushButton*> buttons_;
+    QWidget* buttonRow_;
+};
+
+} // namespace ombrel

@@ -1,0 +1,107 @@
+#include "ui/StatusBar.h"
+
+#include "browser/BrowserModel.h"
+#include "ui/FileView.h"
+#include "ui/Formats.h"
+#include "ui/LocalizedText.h"
+#include "ui/Theme.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+
+namespace ombrel {
+namespace {
+
+constexpr std::size_t mostParts = 4;
+
+std::int64_t count(std::size_t items) {
+    return static_cast<std::int64_t>(items);
+}
+
+} // namespace
+
+StatusBar::StatusBar(BrowserModel& model, const FileView& view, const Theme& theme, QWidget* parent)
+    : QWidget(parent), model_(&model), view_(&view), theme_(&theme), selectionSize_(model) {
+    auto* const row = new QHBoxLayout(this);
+    for (std::size_t i = 0; i < mostParts; ++i) {
+        auto* const label = new QLabel(this);
+        label->setTextFormat(Qt::PlainText);
+        row->addWidget(label);
+        labels_.push_back(label);
+    }
+    row->addStretch();
+    connect(&model, &BrowserModel::itemsChanged, this, &StatusBar::refresh);
+    connect(&model, &BrowserModel::listingStateChanged, this, &StatusBar::refresh);
+    connect(&selectionSize_, &SelectionSize::changed, this, &StatusBar::refresh);
+    connect(&view.typeAhead(), &TypeAhead::textChanged, this, &StatusBar::refresh);
+    connect(&theme, &Theme::changed, this, &StatusBar::takeSizes);
+    takeSizes();
+}
+
+QStringList StatusBar::parts() const {
+    QStringList parts;
+    switch (model_->listingState().which()) {
+    case ListingState::Case::loading:
+        parts << localized("ui.status.loading", count(model_->items().size()));
+        break;
+    case ListingState::Case::loaded:
+        if (model_->currentURL()) parts << localized("ui.status.items", count(model_->items().size()));
+        break;
+    case ListingState::Case::failed:
+    case ListingState::Case::invalidated: return {localized("ui.status.failed")};
+    case ListingState::Case::noLocation: return {};
+    }
+    if (const std::size_t selected = model_->selection().count(); selected > 0) {
+        const auto bytes = selectionSize_.bytes();
+        parts << (bytes ? localized("ui.status.selectedWithSize", count(selected),
+                                    {Formats::size(*bytes).toStdString()})
+                        : localized("ui.status.selected", count(selected)));
+    }
+    if (model_->unreadableCount() > 0) parts << localized("ui.status.unreadable", model_->unreadableCount());
+    const QString& typed = view_->typeAhead().text();
+    if (!typed.isEmpty()) parts << localized("ui.status.jumpTo", {typed.toStdString()});
+    return parts;
+}
+
+void StatusBar::refresh() {
+    const QStringList shown = parts();
+    for (std::size_t i = 0; i < labels_.size(); ++i) {
+        const auto index = static_cast<qsizetype>(i);
+        labels_[i]->setText(index < shown.size() ? shown[index] : QString());
+        labels_[i]->setVisible(index < shown.size());
+    }
+    update();
+}
+
+void StatusBar::takeSizes() {
+    const int side = theme_->size(ThemeSize::space12) + theme_->size(ThemeSize::space2);
+    layout()->setContentsMargins(side, theme_->size(ThemeSize::hairline), side, 0);
+    // A separator stands in the middle of the space between two parts.
+    layout()->setSpacing(theme_->size(ThemeSize::space28));
+    setFixedHeight(theme_->size(ThemeSize::statusBar));
+    QPalette colors = palette();
+    colors.setColor(QPalette::WindowText, theme_->color(ThemeColor::textSecondary));
+    for (QLabel* label : labels_) {
+        label->setFont(theme_->font(ThemeFont::caption));
+        label->setPalette(colors);
+    }
+    refresh();
+}
+
+void StatusBar::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const int hairline = theme_->size(ThemeSize::hairline);
+    const QColor line = theme_->color(ThemeColor::border);
+    painter.fillRect(rect(), theme_->color(ThemeColor::chromeRaised));
+    painter.fillRect(QRect(0, 0, width(), hairline), line);
+    const int half = layout()->spacing() / 2, tall = theme_->size(ThemeSize::space12);
+    for (std::size_t i = 1; i < labels_.size(); ++i) {
+        if (labels_[i]->isHidden()) continue;
+        const QRect label = labels_[i]->geometry();
+        const int x = layoutDirection() == Qt::RightToLeft ? label.right() + half : label.left() - half;
+        painter.fillRect(QRect(x, (height() - tall) / 2, hairline, tall), line);
+    }
+}
+
+} // namespace ombrel

@@ -1,0 +1,161 @@
+#pragma once
+
+#include <QColor>
+#include <QFont>
+#include <QObject>
+#include <QPalette>
+
+#include <cstdint>
+
+namespace ombrel {
+
+/// Every colour of the interface by what it is for.
+enum class ThemeColor : std::uint8_t {
+    chrome,            ///< the tab strip's row
+    chromeRaised,      ///< active tab, navigation row, command bar, status bar, dialogs
+    surface,           ///< file list, fields, cards, buttons
+    surfaceAlt,        ///< navigation tree, details pane, background of the graph
+    menu,              ///< menus, tooltips, completion list
+    border,            ///< separators, outlines of fields and cards: decoration
+    borderStrong,      ///< check boxes, radio buttons, scroll thumbs
+    text,              ///< primary text, glyphs
+    textSecondary,     ///< columns other than the name, captions, section heads
+    textDisabled,      ///< disabled controls only
+    accent,            ///< focus ring, primary button, progress, links, line of the active tab
+    onAccent,          ///< text on `accent`
+    selection,         ///< selected rows of the active view
+    onSelection,       ///< text on the three selection colours
+    selectionHover,    ///< selected and hovered
+    selectionInactive, ///< selected while another view has the focus
+    hover,             ///< hovered rows, buttons, menu items
+    pressed,           ///< pressed or switched-on buttons
+    danger,
+    dangerSoft,
+    warning,
+    warningSoft,
+    success,
+    successSoft,
+    track, ///< the empty part of bars
+    folderFrontTop,
+    folderFrontBottom,
+    folderBack,
+    folderPaper,
+    pageFill, ///< file icons: the sheet, its outline, its folded corner, and the emblems
+    pageEdge,
+    pageFold,
+    emblemGrey,
+    emblemBlue,
+    emblemGreen,
+    emblemRed,
+    emblemPurple,
+    emblemOrange,
+    emblemOlive,
+    emblemTeal,
+};
+inline constexpr std::size_t themeColorCount = static_cast<std::size_t>(ThemeColor::emblemTeal) + 1;
+
+/// Every size of the interface, in device-independent pixels at an interface font of 13 px.
+enum class ThemeSize : std::uint8_t {
+    space2,
+    space4,
+    space6,
+    space8,
+    space12,
+    space16,
+    space20,
+    space28,
+    radiusCheckBox,
+    radiusRow,
+    radiusButton,
+    radiusField,
+    hairline,
+    focusRing,
+    focusGap,
+    row,
+    compactRow,
+    menuRow,
+    header,
+    navigationRow,
+    statusBar,
+    button,
+    buttonMinimumWidth,
+    navigationButton,
+    field,
+    checkBox,
+    glyph,
+    listIcon,
+    smallIcon,
+    scrollBar,
+    scrollThumb,
+    scrollThumbMinimum,
+    loadingLine,
+    listInset, ///< between the edge of a list and its rows
+    checkBoxColumn,
+    checkBoxLeft, ///< of the box in its column
+    nameColumnMinimum,
+    dateColumn,
+    dateColumnMinimum,
+    typeColumn,
+    typeColumnMinimum,
+    sizeColumn,
+    sizeColumnMinimum,
+    overlayWidth,
+    overlayIcon,
+    overlayBadge,
+    menuMinimumWidth,
+    menuMaximumWidth,
+    addressMinimumWidth,
+    windowWidth,
+    windowHeight,
+    windowMinimumWidth,
+    windowMinimumHeight,
+};
+
+/// How a text is set, relative to the interface font.
+enum class ThemeFont : std::uint8_t { caption, body, bodyStrong, subtitle, title, display };
+
+/// How long something moves.
+enum class ThemeDuration : std::uint8_t { progress, fade };
+
+/// What the desktop says about how things should look.
+struct Appearance {
+    bool isDark = false;
+    bool isHighContrast = false;
+    bool isMotionReduced = false;
+
+    friend bool operator==(const Appearance&, const Appearance&) = default;
+};
+
+/// The tokens that the interface is drawn with: colours, sizes, fonts and durations. Nothing else in the
+/// interface holds a number or a colour of its own. Main thread only.
+class Theme final : public QObject {
+    Q_OBJECT
+
+public:
+    explicit Theme(const Appearance& appearance = {}, QObject* parent = nullptr);
+
+    [[nodiscard]] const Appearance& appearance() const noexcept { return appearance_; }
+    void setAppearance(const Appearance& appearance);
+    /// The desktop's interface font, from which sizes follow.
+    void setInterfaceFont(const QFont& font);
+
+    [[nodiscard]] QColor color(ThemeColor token) const;
+    /// The colours in the places where Qt's own widgets look for them.
+    [[nodiscard]] QPalette palette() const;
+
+    /// In device-independent pixels, scaled with the interface font and rounded.
+    [[nodiscard]] int size(ThemeSize token) const;
+    [[nodiscard]] QFont font(ThemeFont token) const;
+    /// Milliseconds; 0 where motion is reduced.
+    [[nodiscard]] int duration(ThemeDuration token) const;
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    Appearance appearance_;
+    QFont font_;
+    double scale_ = 1;
+};
+
+} // namespace ombrel

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "support/ChildProcess.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace ombrel::testing {
+
+/// A display that nobody sees with a window manager on it, and the hand that moves its mouse and presses its
+/// keys.
+class Desktop {
+public:
+    /// Nothing when the machine lacks the programs for it.
+    [[nodiscard]] static std::unique_ptr<Desktop> open();
+    ~Desktop();
+    Desktop(const Desktop&) = delete;
+    Desktop& operator=(const Desktop&) = delete;
+
+    /// Starts `words` on the display. Fonts are as large as the sizes in the theme's tables are given for,
+    /// where the machine's default font has usual proportions.
+    [[nodiscard]] std::unique_ptr<ChildProcess> start(const std::vector<std::string>& words) const;
+
+    /// Runs xdotool with `words`; answers with what it prints, its last line end left out.
+    std::string hand(const std::vector<std::string>& words) const;
+    /// The title of the window with the focus; empty when there is none.
+    [[nodiscard]] std::string title() const;
+    /// Waits until the window with the focus is called `title`.
+    [[nodiscard]] bool hasTitle(const std::string& title) const;
+    /// A point inside the window with the focus.
+    void click(int x, int y, int times = 1) const;
+    void key(const std::string& name) const { hand({"key", "--clearmodifiers", name}); }
+
+private:
+    explicit Desktop(std::unique_ptr<ChildProcess> server, std::string display);
+    [[nodiscard]] std::vector<std::string> variables() const;
+
+    std::unique_ptr<ChildProcess> server_;
+    std::unique_ptr<ChildProcess> manager_;
+    const std::string display_;
+};
+
+} // namespace ombrel::testing

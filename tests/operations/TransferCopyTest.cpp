@@ -1,0 +1,64 @@
+#include "operations/FileOperationService.h"
+#include "support/TempTree.h"
+#include "support/TestMount.h"
+#include "support/TransferWorld.h"
+#include "support/TreeSnapshot.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+namespace ombrel {
+namespace {
+
+using namespace testing;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+/// One of everything that a copy must carry.
+void fill(const TempTree& tree, const std::string& top) {
+    tree.folder(top);
+    tree.folder(top + "/sub");
+    tree.folder(top + "/sub/empty");
+    tree.file(top + "/empty");
+    tree.file(top + "/note.txt", "note");
+    tree.fileOfSize(top + "/sub/big", 3'000'001);
+    tree.file(top + "/sub/\xFF\n\x01 " + std::string(200, 'n'), "odd");
+    tree.symlink(top + "/link", "sub/big");
+    tree.symlink(top + "/broken", std::string(3000, 'x'));
+    tree.fifo(top + "/fifo");
+    tree.file(top + "/run.sh", "#!/bin/sh\n");
+    ::chmod(tree.path(top + "/run.sh").c_str(), 0751);
+    ::chown(tree.path(top + "/run.sh").c_str(), 1234, 4321);
+    ::chmod(tree.path(top + "/note.txt").c_str(), 04755);
+    ::setxattr(tree.path(top + "/note.txt").c_str(), "user.origin", "here", 4, 0);
+    const int sparse = ::open(tree.path(top + "/sparse").c_str(), O_CREAT | O_WRONLY, 0640);
+    (void)!::pwrite(sparse, "begin", 5, 0);
+    (void)!::pwrite(sparse, "middle", 6, 1 << 20);
+    ::ftruncate(sparse, 3 << 20);
+    ::close(sparse);
+    ::setxattr(tree.path(top + "/sub").c_str(), "user.color", "red", 3, 0);
+    const struct timespec old[2] = {{1000, 1}, {1'234'567'890, 123'456'789}};
+    for (const char* name : {"/link", "/note.txt", "/sub/empty", "/sub", ""})
+        ::utimensat(AT_FDCWD, tree.path(top + name).c_str(), old, AT_SYMLINK_NOFOLLOW);
+    ::chmod(tree.path(top + "/sub").c_str(), 0555);
+}
+
+TEST(TransferCopy, CarriesEverything) {
+    const TempTree tree;
+    fill(tree, "source");
+    const auto target = tree.folder("target");
+    TransferWorld world;
+    const auto report = world.copy({tree.url("source")}, target);
+    EXPECT_THAT(report.items, ElementsAre(ItemResult{tree.url("source"),
+                                                     ItemOutcome::completed(tree.url("target/source"))}));
+    EXPECT_THAT(differences(snapshotOf(tree.url("source")), snapshotOf(tree.url("target/source"))),
+                IsEmpty());
+    EXPECT_THAT(tree.names("target"), ElementsAre("source"));
+    EXPECT_THAT(world.answers.errors, IsEmpty());
+}
+
+} // namespace
+} // namespace ombrel

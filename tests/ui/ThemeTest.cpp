@@ -1,0 +1,113 @@
+#include "ui/Theme.h"
+
+#include "ui/DesktopAppearance.h"
+
+#include <QGuiApplication>
+#include <QPalette>
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+namespace ombrel {
+namespace {
+
+/// Relative luminance and contrast of the Web Content Accessibility Guidelines 2.1.
+double luminance(const QColor& color) {
+    const auto linear = [](double part) {
+        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+
+double contrast(const QColor& a, const QColor& b) {
+    const auto [dark, light] = std::minmax({luminance(a), luminance(b)});
+    return (light + 0.05) / (dark + 0.05);
+}
+
+struct Pair {
+    ThemeColor ink;
+    ThemeColor ground;
+};
+
+using enum ThemeColor;
+constexpr double forText = 4.5, forOutlines = 3.0;
+constexpr ThemeColor grounds[] = {chrome, chromeRaised, surface, surfaceAlt, menu, hover, pressed};
+constexpr ThemeColor selections[] = {selection, selectionHover, selectionInactive};
+
+class ThemeContrast : public ::testing::TestWithParam<Appearance> {
+protected:
+    void expectAtLeast(double least, Pair pair) const {
+        EXPECT_GE(contrast(theme.color(pair.ink), theme.color(pair.ground)), least)
+            << "tokens " << static_cast<int>(pair.ink) << " on " << static_cast<int>(pair.ground);
+    }
+    const Theme theme{GetParam()};
+};
+
+TEST_P(ThemeContrast, OfTextIsFourAndAHalfToOne) {
+    for (const auto ground : grounds)
+        for (const auto ink : {text, textSecondary})
+            expectAtLeast(forText, {ink, ground});
+    for (const auto ground : {selection, selectionHover})
+        expectAtLeast(forText, {onSelection, ground});
+    expectAtLeast(forText, {text, selectionInactive});
+    if (!GetParam().isHighContrast)
+        for (const auto ground : selections)
+            expectAtLeast(forText, {textSecondary, ground});
+    for (const auto pair : {Pair{onAccent, accent}, Pair{accent, surface}, Pair{danger, surface},
+                            Pair{danger, dangerSoft}, Pair{warning, surface}, Pair{warning, warningSoft},
+                            Pair{success, surface}, Pair{success, successSoft}})
+        expectAtLeast(forText, pair);
+}
+
+TEST_P(ThemeContrast, OfOutlinesIsThreeToOne) {
+    for (const auto ground : {chrome, chromeRaised, surface, surfaceAlt, menu, hover}) {
+        expectAtLeast(forOutlines, {borderStrong, ground});
+        expectAtLeast(forOutlines, {accent, ground});
+    }
+    if (!GetParam().isHighContrast) expectAtLeast(forOutlines, {accent, selection});
+}
+
+INSTANTIATE_TEST_SUITE_P(Appearances, ThemeContrast,
+                         ::testing::Values(Appearance{}, Appearance{.isDark = true},
+                                           Appearance{.isHighContrast = true},
+                                           Appearance{.isDark = true, .isHighContrast = true}),
+                         [](const auto& tested) {
+                             return std::string(tested.param.isDark ? "Dark" : "Light") +
+                                    (tested.param.isHighContrast ? "HighContrast" : "");
+                         });
+
+TEST(ThemeSizes, GrowWithTheInterfaceFontAndRowsHoldTheirText) {
+    QFont font(QStringLiteral("Noto Sans"));
+    font.setPixelSize(13);
+    Theme theme;
+    theme.setInterfaceFont(font);
+    EXPECT_EQ(theme.size(ThemeSize::row), 32);
+    EXPECT_EQ(theme.size(ThemeSize::hairline), 1);
+    font.setPixelSize(26);
+    theme.setInterfaceFont(font);
+    EXPECT_NEAR(theme.size(ThemeSize::row), 64, 2);
+    EXPECT_EQ(theme.size(ThemeSize::hairline), 1);
+    EXPECT_EQ(theme.font(ThemeFont::title).pixelSize(), 36);
+}
+
+TEST(ThemeMotion, IsNoneWhereItIsReduced) {
+    Theme theme;
+    EXPECT_GT(theme.duration(ThemeDuration::fade), 0);
+    theme.setAppearance({.isMotionReduced = true});
+    EXPECT_EQ(theme.duration(ThemeDuration::fade), 0);
+}
+
+TEST(AppearanceOfAPalette, IsDarkWhenItsWindowsAre) {
+    QPalette palette;
+    palette.setColor(QPalette::Window, QColor::fromHsl(0, 0, 127));
+    EXPECT_TRUE(DesktopAppearance::fromPalette(palette).isDark);
+    palette.setColor(QPalette::Window, QColor::fromHsl(0, 0, 128));
+    EXPECT_FALSE(DesktopAppearance::fromPalette(palette).isDark);
+    EXPECT_TRUE(DesktopAppearance::fromPalette(Theme({.isDark = true}).palette()).isDark);
+}
+
+} // namespace
+} // namespace ombrel
