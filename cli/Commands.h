@@ -16,6 +16,8 @@ extern const Command trashListCommand;
 extern const Command restoreCommand;
 extern const Command emptyTrashCommand;
 extern const Command deleteCommand;
+extern const Command findCommand;
+extern const Command volumesCommand;
 extern const Command grantsCommand;
 extern const Command parsePathCommand;
 extern const Command settingsCommand;

@@ -5,6 +5,8 @@
 #include <QByteArray>
 #include <QString>
 
+#include <cstring>
+
 namespace ombrel::cli {
 namespace {
 
@@ -44,6 +46,12 @@ void JSONObject::addBytes(std::string_view key, std::string_view bytes) {
     if (FileName::isValidUTF8(bytes)) return;
     const auto base64 = QByteArray(bytes.data(), static_cast<qsizetype>(bytes.size())).toBase64();
     add(std::string(key) + "Bytes", std::string_view(base64.data(), static_cast<std::size_t>(base64.size())));
+}
+
+void JSONObject::addErrorName(std::string_view key, std::optional<int> number) {
+    if (!number) return add(key, std::nullopt);
+    const char* const name = ::strerrorname_np(*number);
+    add(key, name ? std::string(name) : std::to_string(*number));
 }
 
 void JSONObject::addLiteral(std::string_view key, std::string_view literal) {

@@ -29,6 +29,9 @@ public:
     /// A name or path. One that is not UTF-8 gets a second member, `key` with "Bytes" behind it: its bytes in
     /// base64.
     void addBytes(std::string_view key, std::string_view bytes);
+    /// The name in <errno.h>, which scripts may rely on; the number in text where it has none; null without a
+    /// number.
+    void addErrorName(std::string_view key, std::optional<int> number);
     /// `literal` is JSON already.
     void addLiteral(std::string_view key, std::string_view literal);
 

@@ -49,10 +49,11 @@ void Output::write(std::string_view bytes) {
     if (buffer_.size() >= bufferBytes) flush();
 }
 
-void Output::flush() {
+bool Output::flush() {
     clearStatus();
     if (writeError_ == 0) writeError_ = writeAll(STDOUT_FILENO, buffer_);
     buffer_.clear();
+    return writeError_ == 0;
 }
 
 void Output::failed(std::string_view path, const Text& reason) {

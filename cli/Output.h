@@ -21,6 +21,9 @@ public:
 
     /// Appends to standard output, which is buffered until `flush`.
     void write(std::string_view bytes);
+    /// Writes out what is buffered, for results that come bit by bit. False when standard output takes
+    /// nothing any more, so that making more of it is of no use.
+    bool flush();
 
     /// A failure about the item at `path` (bytes as the kernel has them). The program will exit with a
     /// failure.
@@ -43,7 +46,6 @@ public:
     [[nodiscard]] ExitStatus finish(ExitStatus status);
 
 private:
-    void flush();
     void clearStatus();
 
     int writeAll(int fd, std::string_view bytes) const;

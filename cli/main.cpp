@@ -66,7 +66,9 @@ int main(int argumentCount, char** argumentValues) {
 
     auto status = cli::ExitStatus::success;
     {
-        const QtConnections connections(InterfaceLanguage::choose(cli::askedLanguage(words)));
+        // Each failure is one sentence of ours on standard error; the log is there for who asks for it.
+        const QtConnections connections(InterfaceLanguage::choose(cli::askedLanguage(words)),
+                                        QtConnections::Logging::silent);
         const cli::Interrupt interrupt;
         cli::Output output(interrupt.token());
         status = output.finish(cli::run(words, {output, interrupt.token(), connections.language().locale}));

@@ -49,6 +49,10 @@ public:
     /// In the order of mounting, as far as `includesVolume` lets them.
     [[nodiscard]] const std::vector<VolumeInfo>& volumes() const noexcept { return volumes_; }
 
+    /// Whether nothing is waited for: each volume of the list has answered or been given up. False until the
+    /// first list.
+    [[nodiscard]] bool isSettled() const noexcept { return table_ && !isRefreshing_; }
+
     /// Reads the capacities again, and publishes those that differ. Without effect before the first list.
     void refreshCapacities();
 

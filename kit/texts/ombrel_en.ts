@@ -49,6 +49,9 @@
     <message id="cli.error.unknownOption"><source></source><translation>There is no option {1}.</translation></message>
     <message id="cli.error.unknownValue"><source></source><translation>The option {1} does not know “{2}”. Possible are: {3}.</translation></message>
     <message id="cli.error.unknownVerb"><source></source><translation>“{1}” is not possible here. Possible are: {2}.</translation></message>
+    <message id="cli.find.all"><source></source><translation>Find hidden and protected items too, and look into such folders.</translation></message>
+    <message id="cli.find.limit"><source></source><translation>The search ended at {1} matches. There may be more.</translation></message>
+    <message id="cli.find.summary"><source></source><translation>Finds the items below a folder whose names contain a text, and prints them as they are found.</translation></message>
     <message id="cli.grants.summary"><source></source><translation>Lists the folders that Ombrel may open, adds or removes some, or finds them again.</translation></message>
     <message id="cli.grants.unknown"><source></source><translation>This folder is not among the locations.</translation></message>
     <message id="cli.help.commands"><source></source><translation>Commands:</translation></message>
@@ -87,6 +90,12 @@
     <message id="cli.trash.summary"><source></source><translation>Moves items to the trash.</translation></message>
     <message id="cli.trashList.sizes"><source></source><translation>Count the sizes of folders where they are not known.</translation></message>
     <message id="cli.trashList.summary"><source></source><translation>Lists what is in the trash of all volumes: where it is and where it was.</translation></message>
+    <message id="cli.volumes.noAnswer"><source></source><translation>The volume does not answer.</translation></message>
+    <message id="cli.volumes.noTable"><source></source><translation>The mounted volumes could not be read.</translation></message>
+    <message id="cli.volumes.room"><source></source><translation>The capacity could not be read: {1}.</translation></message>
+    <message id="cli.volumes.summary"><source></source><translation>Lists the mounted volumes, or tells what is mounted, unmounted and moved.</translation></message>
+    <message id="cli.volumes.watch"><source></source><translation>Tell what happens to volumes as it happens, until Ctrl+C.</translation></message>
+    <message id="cli.volumes.watching"><source></source><translation>Volumes are watched. Ctrl+C ends it.</translation></message>
     <message id="conflict.keepBoth"><source></source><translation>Keep both</translation></message>
     <message id="conflict.replaceOne"><source></source><translation>Replace</translation></message>
     <message id="conflict.single.existing"><source></source><translation>Existing item</translation></message>

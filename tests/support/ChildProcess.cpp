@@ -124,14 +124,14 @@ ChildProcess::~ChildProcess() {
     ::waitpid(process_, nullptr, 0);
 }
 
-std::string ChildProcess::readErrorLine() {
+std::string ChildProcess::readLine(const OwnedFd& from, std::string& unread) {
     const auto deadline = Clock::now() + patience;
-    auto end = unread_.find('\n');
-    while (end == std::string::npos && readSome(errors_.get(), unread_, deadline) > 0)
-        end = unread_.find('\n');
+    auto end = unread.find('\n');
+    while (end == std::string::npos && readSome(from.get(), unread, deadline) > 0)
+        end = unread.find('\n');
     if (end == std::string::npos) return {};
-    const auto line = unread_.substr(0, end);
-    unread_.erase(0, end + 1);
+    const auto line = unread.substr(0, end);
+    unread.erase(0, end + 1);
     return line;
 }
 
@@ -158,6 +158,7 @@ ChildResult ChildProcess::finish() {
     const auto deadline = Clock::now() + patience;
     ChildResult result;
     result.errors = std::move(unread_);
+    result.output = std::move(unreadOutput_);
     // On a thread of its own, so that neither stream fills up while the other is read.
     std::jthread errorsReader([&] {
         while (readSome(errors_.get(), result.errors, deadline) > 0) {

@@ -40,7 +40,9 @@ public:
     ChildProcess& operator=(const ChildProcess&) = delete;
 
     /// The next line of standard error, without its end; waits for it. Empty when there is none.
-    [[nodiscard]] std::string readErrorLine();
+    [[nodiscard]] std::string readErrorLine() { return readLine(errors_, unread_); }
+    /// The same of standard output.
+    [[nodiscard]] std::string readOutputLine() { return readLine(output_, unreadOutput_); }
     void signal(int number) const;
     /// Types on the terminal.
     void type(const std::string& text) const;
@@ -55,12 +57,14 @@ public:
     [[nodiscard]] int finishUnread();
 
 private:
+    static std::string readLine(const OwnedFd& from, std::string& unread);
     int reap();
 
     pid_t process_ = -1;
     OwnedFd output_;
     OwnedFd errors_;
-    std::string unread_; ///< of standard error, beyond the lines that were taken
+    std::string unread_;       ///< of standard error, beyond the lines that were taken
+    std::string unreadOutput_; ///< the same of standard output
 };
 
 } // namespace ombrel::testing
