@@ -182,9 +182,9 @@ POSIX::Result<void> SetAside::putBack() {
 }
 
 std::optional<POSIXFailure> SetAside::remove() {
-    const auto failure = removeStaging(aside());
-    if (!failure) forgetRecord();
-    return failure;
+    // First, lest a crash half-way leave a record of what is not whole any more.
+    forgetRecord();
+    return removeStaging(aside());
 }
 
 } // namespace ombrel

@@ -58,7 +58,7 @@ public:
 
     /// Gives it its name back, which must be free.
     [[nodiscard]] POSIX::Result<void> putBack();
-    /// Removes it for good. On failure the record stays, so that nothing is forgotten.
+    /// Removes it for good. What is left on failure is a staging item like any other.
     [[nodiscard]] std::optional<POSIXFailure> remove();
     /// Where it is.
     [[nodiscard]] const std::string& stagingName() const noexcept { return record_.stagingName; }

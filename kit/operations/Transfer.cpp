@@ -33,18 +33,17 @@ void takeSizeLimitsAsErrors() {
 class Transfer {
 public:
     Transfer(FileOperationKind kind, std::span<const TransferItem> items, const OperationHooks& hooks,
-             const FileOperationFaults& faults, std::stop_token stop)
-        : items_(items), run_(kind, hooks, faults, std::move(stop)), settlement_(run_) {
+             TrashBackend& trash, const FileOperationFaults& faults, std::stop_token stop)
+        : items_(items), trash_(trash), run_(kind, hooks, faults, std::move(stop)), settlement_(run_) {
         run_.beforeQuestion = [this] { settlement_.settle(); };
     }
 
-    OperationReport run(const FileURL& url, TrashBackend& trash) {
+    OperationReport run(const FileURL& url) {
         takeSizeLimitsAsErrors();
         auto destination = TransferDestination::open(url, nullptr, run_.goesOnAnywhere());
         if (!destination) return refuse(destination.error());
         top_ = std::move(*destination);
-        constexpr std::chrono::seconds minimumAge(120);
-        sweepStaleStaging(url, minimumAge, std::chrono::system_clock::now(), trash);
+        sweep(url);
         measure();
         run_.enter(Phase::copying);
         run_.tell();
@@ -70,6 +69,12 @@ private:
         for (const auto& item : items_)
             run_.results.push_back({item.reference.url, ItemOutcome::failed(error)});
         return {run_.kind, std::move(run_.results)};
+    }
+
+    /// Clears a folder that gets something of what earlier jobs left there.
+    void sweep(const FileURL& folder) {
+        constexpr std::chrono::seconds minimumAge(120);
+        sweepStaleStaging(folder, minimumAge, std::chrono::system_clock::now(), trash_);
     }
 
     void measure() {
@@ -170,6 +175,7 @@ private:
             return;
         }
         const std::string below = folder.folder.empty() ? name : folder.folder + "/" + name;
+        sweep(folderOf(below));
         // Without entries there would be no result at all. The folder at the destination was there before.
         if (names.empty()) run_.results.push_back({url, ItemOutcome::completed()});
         work.push_back({folder.item, below, true});
@@ -211,6 +217,7 @@ private:
     }
 
     std::span<const TransferItem> items_;
+    TrashBackend& trash_;
     TransferRun run_;
     TransferSettlement settlement_;
     std::shared_ptr<TransferDestination> top_;
@@ -226,7 +233,7 @@ private:
 OperationReport transfer(FileOperationKind kind, std::span<const TransferItem> items,
                          const FileURL& destination, const OperationHooks& hooks, TrashBackend& trash,
                          const FileOperationFaults& faults, std::stop_token stop) {
-    return Transfer(kind, items, hooks, faults, std::move(stop)).run(destination, trash);
+    return Transfer(kind, items, hooks, trash, faults, std::move(stop)).run(destination);
 }
 
 std::vector<FileURL> conflicts(std::span<const FileReference> items, const FileURL& destination) {
