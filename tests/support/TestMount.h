@@ -20,7 +20,7 @@ public:
     /// The folder `what` again, at another place.
     [[nodiscard]] static Made bind(const std::string& what, const std::string& at = {});
     /// The folder `backing` through a FUSE driver that refuses every flag of renameat2. `options` are those
-    /// of support/fuse/limited.c: "nolinks", "noattributes", "fail=write,number=5,after=3".
+    /// of support/fuse/limited.c: "nolinks", "noattributes", "older=600", "fail=write,number=5,after=3".
     [[nodiscard]] static Made limited(const std::string& backing, const std::string& options = {},
                                       const std::string& at = {});
     /// A fresh file system on a loop device: "ext4", "ext4-casefold", "ext2", "btrfs", "xfs", "vfat",

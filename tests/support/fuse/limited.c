@@ -2,11 +2,12 @@
  * dying media refuse.
  *
  *   ombrel_limited_fs MOUNTPOINT -o
- * backing=FOLDER[,nolinks][,noattributes][,fail=CALL,number=ERRNO[,after=N]]
+ * backing=FOLDER[,nolinks][,noattributes][,older=SECONDS][,fail=CALL,number=ERRNO[,after=N]]
  *
  * Renames with a flag (RENAME_NOREPLACE, RENAME_EXCHANGE) always answer EINVAL. `nolinks` refuses hard links
- * with EPERM, `noattributes` extended attributes with EOPNOTSUPP. `fail` names a call below that answers
- * ERRNO from the (N+1)-th time on. */
+ * with EPERM, `noattributes` extended attributes with EOPNOTSUPP. `older` tells of what was written or
+ * changed within so many seconds that it was so much earlier, as if that time had passed. `fail` names a call
+ * below that answers ERRNO from the (N+1)-th time on. */
 #define FUSE_USE_VERSION 31
 #define _GNU_SOURCE
 
@@ -21,12 +22,14 @@
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <sys/xattr.h>
+#include <time.h>
 #include <unistd.h>
 
 struct options {
     char* backing;
     int noLinks;
     int noAttributes;
+    int older;
     char* fail;
     int number;
     int after;
@@ -39,6 +42,7 @@ static const struct fuse_opt description[] = {
     {"backing=%s", offsetof(struct options, backing), 0},
     {"nolinks", offsetof(struct options, noLinks), 1},
     {"noattributes", offsetof(struct options, noAttributes), 1},
+    {"older=%d", offsetof(struct options, older), 0},
     {"fail=%s", offsetof(struct options, fail), 0},
     {"number=%d", offsetof(struct options, number), 0},
     {"after=%d", offsetof(struct options, after), 0},
@@ -69,11 +73,22 @@ static void* start(struct fuse_conn_info* connection, struct fuse_config* config
     return NULL;
 }
 
+static void age(struct stat* status) {
+    const time_t recent = time(NULL) - options.older;
+    if (status->st_mtim.tv_sec > recent) status->st_mtim.tv_sec -= options.older;
+    if (status->st_ctim.tv_sec > recent) status->st_ctim.tv_sec -= options.older;
+}
+
 static int readStatus(const char* path, struct stat* status, struct fuse_file_info* file) {
     TURN("status");
-    if (file) ANSWER(fstat((int)file->fh, status));
-    BACKED(path);
-    ANSWER(lstat(backed, status));
+    if (file) {
+        if (fstat((int)file->fh, status) != 0) return -errno;
+    } else {
+        BACKED(path);
+        if (lstat(backed, status) != 0) return -errno;
+    }
+    age(status);
+    return 0;
 }
 
 static int readTarget(const char* path, char* buffer, size_t size) {
