@@ -1,15 +1,12 @@
-#include "support/ChildProcess.h"
-#include "support/TempTree.h"
+#include "cli/SurroundingsWorld.h"
 #include "support/TestMount.h"
 
-#include <QByteArray>
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <functional>
 
 namespace ombrel {
 namespace {
@@ -19,32 +16,6 @@ using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-
-/// Runs commands for a user whose folders are in the tree.
-class Surroundings : public ::testing::Test {
-protected:
-    ChildResult run(std::vector<std::string> words) const {
-        words.insert(words.begin(), OMBRELCTL_PATH);
-        return ChildProcess(words,
-                            {.workingFolder = tree.path(),
-                             .variables = {"HOME=" + tree.path(), "XDG_CONFIG_HOME=" + tree.path("config"),
-                                           "XDG_DATA_HOME=" + tree.path("data")}})
-            .finish();
-    }
-    [[nodiscard]] std::vector<QJsonObject> objects(std::vector<std::string> words) const {
-        words.emplace_back("--json");
-        std::vector<QJsonObject> found;
-        for (const auto& line : QByteArray::fromStdString(run(std::move(words)).output).split('\n'))
-            if (!line.isEmpty()) found.push_back(QJsonDocument::fromJson(line).object());
-        return found;
-    }
-
-    TempTree tree;
-};
-
-std::string text(const QJsonObject& object, const char* key) {
-    return object.value(QString::fromUtf8(key)).toString().toStdString();
-}
 
 using ParsePath = Surroundings;
 
@@ -163,6 +134,27 @@ TEST_F(GrantsCommand, FindsFoldersAgainAfterRenames) {
     EXPECT_EQ(run({"grants", "remove", text(resolved[0], "id"), "nowhere"}).status, 1);
     EXPECT_EQ(run({"grants", "remove", "s"}).status, 0);
     EXPECT_EQ(run({"grants", "list"}).output, "");
+}
+
+TEST_F(GrantsCommand, TakesNothingElseThatStandsThere) {
+    tree.folder("p");
+    ASSERT_EQ(run({"grants", "add", "p"}).status, 0);
+    std::filesystem::remove(tree.path("p"));
+    EXPECT_THAT(run({"grants", "resolve"}).output, HasSubstr("unavailable\t"));
+    for (const auto& stand : {std::function([&] { tree.folder("p"); }), std::function([&] {
+                                  tree.folder("other");
+                                  tree.symlink("p", "other");
+                              })}) {
+        stand();
+        const auto resolved = run({"grants", "resolve"});
+        EXPECT_EQ(resolved.status, 1);
+        EXPECT_THAT(resolved.output, HasSubstr("needsReauthorization\t"));
+        EXPECT_THAT(resolved.errors, HasSubstr(tree.path("p") + ": The permission has expired."));
+        std::filesystem::remove(tree.path("p"));
+    }
+    tree.file("p");
+    EXPECT_THAT(run({"grants", "resolve"}).output, HasSubstr("unavailable\t"));
+    EXPECT_EQ(run({"grants", "list"}).status, 0) << "and it is not forgotten";
 }
 
 TEST_F(GrantsCommand, KnowsThatAVolumeIsAwayAndWhereItIsMountedNow) {
