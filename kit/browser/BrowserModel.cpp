@@ -2,6 +2,8 @@
 
 #include "base/FileName.h"
 #include "base/Log.h"
+#include "base/PathInput.h"
+#include "base/Text.h"
 #include "browser/Disposal.h"
 
 #include <algorithm>
@@ -56,6 +58,16 @@ void BrowserModel::navigate(const FileURL& to, bool recordHistory) {
 
 void BrowserModel::navigateHome(bool recordHistory) {
     go(Location::home(), recordHistory, {});
+}
+
+std::optional<std::string> BrowserModel::navigateToTypedPath(std::string_view text) {
+    const auto typed = PathInput::parse(text, currentURL(), PathInput::userHomeDirectory());
+    if (typed) {
+        navigate(*typed);
+        return std::nullopt;
+    }
+    const auto key = PathInput::messageKey(typed.error());
+    return key.empty() ? std::nullopt : std::optional(Texts::localized(key));
 }
 
 void BrowserModel::go(const Location& to, bool recordHistory, const std::vector<FileURL>& selecting) {

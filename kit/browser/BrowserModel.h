@@ -16,6 +16,8 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace ombrel {
@@ -51,6 +53,9 @@ public:
 
     void navigate(const FileURL& to, bool recordHistory = true);
     void navigateHome(bool recordHistory = true);
+    /// Goes where the text of the address bar (see PathInput) says, relative to the folder that is shown.
+    /// Answers why it cannot, for people; nothing when it went, or when nothing was typed.
+    [[nodiscard]] std::optional<std::string> navigateToTypedPath(std::string_view text);
     /// Those of `selecting` that turn up are selected and revealed, unless the user has selected something by
     /// then. Going to where the pane is loads again and records nothing.
     void go(const Location& to, bool recordHistory, const std::vector<FileURL>& selecting);

@@ -1,5 +1,7 @@
 #include "browser/BrowserModel.h"
 
+#include "base/PathInput.h"
+#include "base/Text.h"
 #include "base/Worker.h"
 #include "browser/ModelWorld.h"
 #include "browser/SteppedListings.h"
@@ -43,6 +45,24 @@ protected:
     TempTree tree;
     BrowserModel model;
 };
+
+TEST_F(Navigation, FollowsATypedAddressOrSaysWhyNot) {
+    EXPECT_EQ(model.navigateToTypedPath("docs"), Texts::localized("path.relativeWithoutBase"));
+    EXPECT_FALSE(model.navigateToTypedPath(" " + tree.path("a") + "\n"));
+    EXPECT_EQ(shown(), "/a");
+    ASSERT_TRUE(runUntilLoaded(model));
+    EXPECT_FALSE(model.navigateToTypedPath("b/../../other"));
+    EXPECT_EQ(shown(), "/other");
+    for (const auto& [text, key] :
+         {std::pair("C:\\Users", "path.windowsPath"), std::pair("file:///%zz", "path.invalid")})
+        EXPECT_EQ(model.navigateToTypedPath(text), Texts::localized(key));
+    EXPECT_FALSE(model.navigateToTypedPath("  ")) << "about which there is nothing to say";
+    EXPECT_EQ(shown(), "/other");
+    model.goBack();
+    EXPECT_EQ(shown(), "/a") << "what could not be followed left nothing in the history";
+    EXPECT_FALSE(model.navigateToTypedPath("~"));
+    EXPECT_EQ(model.currentURL(), PathInput::userHomeDirectory());
+}
 
 TEST_F(Navigation, GoesBackAndForwardAndForgetsWhatLayAheadOnANewWay) {
     EXPECT_FALSE(model.canGoBack() || model.canGoForward() || model.canGoUp());
