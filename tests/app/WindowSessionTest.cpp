@@ -34,7 +34,9 @@ protected:
         desktop = Desktop::open();
         if (!desktop) GTEST_SKIP() << "Xvfb, openbox and xdotool are not all there";
         program = desktop->start({OMBREL_PATH, tree.path("desk")});
-        ASSERT_TRUE(desktop->hasTitle("desk"));
+        if (desktop->hasTitle("desk")) return;
+        program->signal(SIGTERM);
+        FAIL() << "no window called desk; the program says: " << program->finish().errors;
     }
 
     /// The later in `seconds`, the newer.
