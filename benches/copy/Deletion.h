@@ -2,9 +2,11 @@
 
 #include "support/Report.h"
 
+#include "copy/Workshop.h"
+
 namespace ombrel::bench {
 
-/// Permanent deletion beside rm -rf, in memory and on the disk.
-void measureDeletion(Report& report);
+/// Permanent deletion beside rm -rf.
+void measureDeletion(Report& report, Workshop& workshop);
 
 } // namespace ombrel::bench
