@@ -3,7 +3,9 @@
 #include <pthread.h>
 
 #include <condition_variable>
+#include <memory>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <utility>
 
@@ -47,6 +49,24 @@ Worker::Worker(const char* name, Body body) : stop_(std::stop_source()) {
         work(token);
         work = nullptr;
     }).detach();
+}
+
+Worker Worker::sentry(const char* name, Body body) {
+    /// Counts the sentry from the request to stop on, even when its thread has not begun by then.
+    struct Relief {
+        std::optional<Presence> presence;
+        std::stop_callback<std::function<void()>> onStop;
+        explicit Relief(const std::stop_token& token) : onStop(token, [this] { presence.emplace(); }) {}
+    };
+    Worker worker;
+    worker.stop_ = std::stop_source();
+    std::thread([relief = std::make_unique<Relief>(worker.stop_.get_token()), name,
+                 token = worker.stop_.get_token(), work = std::move(body)]() mutable {
+        ::pthread_setname_np(::pthread_self(), name);
+        work(token);
+        work = nullptr;
+    }).detach();
+    return worker;
 }
 
 Worker& Worker::operator=(Worker&& other) noexcept {

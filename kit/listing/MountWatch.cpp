@@ -53,9 +53,10 @@ class SystemMountWatch final : public MountWatch {
 public:
     void start(Changed changed) override {
         try {
-            worker_ = Worker("ombrel-mounts", [changed = std::move(changed)](std::stop_token stop) {
-                watchMounts(changed, stop);
-            });
+            worker_ =
+                Worker::sentry("ombrel-mounts", [changed = std::move(changed)](const std::stop_token& stop) {
+                    watchMounts(changed, stop);
+                });
         } catch (const std::system_error& failure) {
             Log::error(Log::Category::volumes, std::string("mounts are not watched: ") + failure.what());
         }

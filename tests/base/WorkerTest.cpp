@@ -85,5 +85,38 @@ TEST(Worker, HasLetGoOfEverythingWhenItCountsAsEnded) {
     }
 }
 
+TEST(Sentry, CountsFromTheRequestToStopUntilItHasEnded) {
+    std::latch started(1), mayEnd(1);
+    auto sentry = Worker::sentry("test", [&](const std::stop_token& stop) {
+        started.count_down();
+        while (!stop.stop_requested())
+            std::this_thread::yield();
+        mayEnd.wait();
+    });
+    started.wait();
+    EXPECT_EQ(Worker::running(), 0U);
+    sentry = Worker();
+    EXPECT_EQ(Worker::running(), 1U);
+    EXPECT_FALSE(Worker::waitUntilNoneRuns(1ms));
+    mayEnd.count_down();
+    EXPECT_TRUE(Worker::waitUntilNoneRuns(5s));
+}
+
+TEST(Sentry, CountsAlsoWhenItIsStoppedBeforeItsThreadHasBegun) {
+    const auto held = std::make_shared<int>(0);
+    for (int i = 0; i < 200; ++i) {
+        (void)Worker::sentry("test", [held](const std::stop_token&) {});
+        ASSERT_TRUE(Worker::waitUntilNoneRuns(5s));
+        ASSERT_EQ(held.use_count(), 1);
+    }
+}
+
+TEST(Sentry, ThatEndsOfItselfIsNotMissed) {
+    std::latch done(1);
+    const auto sentry = Worker::sentry("test", [&](const std::stop_token&) { done.count_down(); });
+    done.wait();
+    EXPECT_TRUE(Worker::waitUntilNoneRuns(5s));
+}
+
 } // namespace
 } // namespace ombrel

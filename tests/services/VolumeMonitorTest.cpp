@@ -218,6 +218,11 @@ TEST_F(RealVolumes, ComeMoveAndGo) {
     ASSERT_TRUE(waitFor(Event::Kind::mounted, "/mnt/ombrel-test-again"));
 }
 
+TEST_F(RealVolumes, AreWatchedWithoutKeepingAnybodyWaiting) {
+    start();
+    EXPECT_TRUE(runUntilQuiet()) << "a watch on duty is not work under way";
+}
+
 TEST_F(RealVolumes, AreNotHeldUpByOneThatHangs) {
     const TempTree tree;
     const auto dead = MirrorMount::of(tree.path(), {"hanging"}, "/mnt/ombrel-test-dead");
