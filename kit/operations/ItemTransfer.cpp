@@ -5,6 +5,7 @@
 #include "listing/POSIXFiles.h"
 #include "listing/POSIXRename.h"
 #include "operations/ItemNames.h"
+#include "operations/Relocation.h"
 #include "operations/TargetNames.h"
 #include "operations/TransferFaults.h"
 #include "operations/TreeVerification.h"
@@ -240,7 +241,7 @@ ItemTransfer::Result<std::optional<ItemTransfer::Attempt>> ItemTransfer::rename(
             if (renamed.error().error != Error::Case::destinationExists)
                 return std::unexpected(renamed.error());
         } else {
-            const auto renamed = POSIX::renameExclusive(source_->place(), targetPlace());
+            const auto renamed = relocate(source_->place(), source_->status(), targetPlace());
             if (renamed) return Attempt::completed;
             const int number = renamed.error().number;
             if (number == EXDEV) return std::nullopt;
@@ -266,7 +267,7 @@ ItemTransfer::Result<void> ItemTransfer::renameReplacing() {
         }
         return std::unexpected(fromDestination(away.error().cause));
     }
-    const auto renamed = POSIX::renameExclusive(source_->place(), targetPlace());
+    const auto renamed = relocate(source_->place(), source_->status(), targetPlace());
     if (!renamed) {
         if (!away->putBack()) return failure(Error::partialCopyLeftBehind(away->stagingName()));
         const int number = renamed.error().number;

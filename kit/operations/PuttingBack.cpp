@@ -1,10 +1,10 @@
 #include "operations/PuttingBack.h"
 
 #include "listing/POSIXEntries.h"
-#include "listing/POSIXRename.h"
 #include "operations/ConfirmedSource.h"
 #include "operations/ItemNames.h"
 #include "operations/JobRun.h"
+#include "operations/Relocation.h"
 
 #include <fcntl.h>
 
@@ -90,7 +90,7 @@ private:
         for (int number = 1; number <= lastNumber;) {
             if (run_.isCancelled()) return ItemOutcome::cancelled();
             const POSIX::Place place{folder.get(), name.c_str()};
-            const auto moved = POSIX::renameExclusive(source.place(), place);
+            const auto moved = relocate(source.place(), source.status(), place);
             const FileURL there = target.parent().appending(name);
             if (moved) {
                 trash_.forget({&location, 1});

@@ -3,9 +3,9 @@
 #include "base/FileName.h"
 #include "listing/EntryReader.h"
 #include "listing/POSIXEntries.h"
-#include "listing/POSIXRename.h"
 #include "operations/ItemNames.h"
 #include "operations/PermanentDeletion.h"
+#include "operations/Relocation.h"
 #include "operations/TrashSizeCache.h"
 
 #include <fcntl.h>
@@ -202,7 +202,7 @@ POSIX::Result<std::string> TrashFolder::take(const ConfirmedSource& source, cons
         if (!file) return std::unexpected(file.error());
         auto done = POSIX::writeAll(file->get(), text);
         if (done) done = file->close();
-        if (done) done = POSIX::renameExclusive(source.place(), POSIX::Place{files_.get(), name.c_str()});
+        if (done) done = relocate(source.place(), source.status(), POSIX::Place{files_.get(), name.c_str()});
         if (done) return name;
         (void)POSIX::unlink(record);
         const int number = done.error().number;

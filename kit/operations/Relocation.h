@@ -1,0 +1,16 @@
+#pragma once
+
+#include "listing/FileStatus.h"
+#include "listing/POSIX.h"
+
+namespace ombrel {
+
+/// Renames the entry `from`, of which `item` is known, into another folder of its volume; never over anything
+/// (see `POSIX::renameExclusive`).
+///
+/// A folder that gets another parent is itself written to, so the kernel refuses one that its owner may not
+/// write. The owner is given leave for that moment; the permissions are the old ones again whatever comes of
+/// it. Blocking.
+[[nodiscard]] POSIX::Result<void> relocate(POSIX::Place from, const FileStatus& item, POSIX::Place to);
+
+} // namespace ombrel
