@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -61,6 +62,8 @@ int main(int argumentCount, char** argumentValues) {
                                               argumentValues + argumentCount);
     // A reader that goes away is told by write().
     std::signal(SIGPIPE, SIG_IGN);
+    // Before anything that takes time: from here on Ctrl+C cancels, it does not kill.
+    std::optional<cli::Interrupt> interrupt(std::in_place);
     int applicationArguments = std::min(argumentCount, 1);
     const QCoreApplication application(applicationArguments, argumentValues);
 
@@ -69,10 +72,10 @@ int main(int argumentCount, char** argumentValues) {
         // Each failure is one sentence of ours on standard error; the log is there for who asks for it.
         const QtConnections connections(InterfaceLanguage::choose(cli::askedLanguage(words)),
                                         QtConnections::Logging::silent);
-        const cli::Interrupt interrupt;
-        cli::Output output(interrupt.token());
-        status = output.finish(cli::run(words, {output, interrupt.token(), connections.language().locale}));
+        cli::Output output(interrupt->token());
+        status = output.finish(cli::run(words, {output, interrupt->token(), connections.language().locale}));
     }
+    interrupt.reset();
     const int code = std::to_underlying(status);
     // A worker that still hangs would meet globals that are gone.
     if (!Worker::waitUntilNoneRuns(cli::patience)) ::_exit(code);

@@ -16,8 +16,8 @@
 #include <thread>
 #include <vector>
 
-// The program itself is killed at moments spread over the time that a transfer takes. Where exactly it is
-// then is left to chance; tests/operations/KillSweepTest.cpp goes through every call.
+// The program itself is killed or interrupted at moments spread over the time that a transfer takes. Where
+// exactly it is then is left to chance; tests/operations/KillSweepTest.cpp goes through every call.
 
 namespace ombrel {
 namespace {
@@ -169,6 +169,28 @@ TEST_P(KilledTransfer, LosesNothingAndIsClearedAwayByALaterOne) {
     EXPECT_GT(killed, 0);
     RecordProperty("killed", killed);
     RecordProperty("left", leftSomething);
+}
+
+// Ctrl+C at any moment: what is left is what was there, or the whole of what was to be there.
+TEST_P(KilledTransfer, LeavesNothingBehindWhenItIsInterrupted) {
+    arrange();
+    const auto begin = Clock::now();
+    ASSERT_EQ(start(to->path())->finish().status, 0);
+    const auto whole = Clock::now() - begin;
+    int cancelled = 0;
+    for (int i = 0; i < kills && !HasFailure(); ++i) {
+        SCOPED_TRACE("interrupt " + std::to_string(i));
+        arrange();
+        const auto program = start(to->path());
+        std::this_thread::sleep_for(whole * i / kills);
+        program->signal(SIGINT);
+        const auto result = program->finish();
+        EXPECT_THAT(result.status, ::testing::AnyOf(0, 130)) << result.errors;
+        cancelled += result.status != 0;
+        judge();
+        EXPECT_FALSE(std::ranges::any_of(to->names(), isStaging));
+    }
+    EXPECT_GT(cancelled, 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, KilledTransfer, ::testing::ValuesIn(scenes),
