@@ -29,6 +29,11 @@ endif()
 # The moc of Qt 6.4 stumbles over <compare> of libstdc++ 12 and has no use for it; this is its include guard.
 set(CMAKE_AUTOMOC_MOC_OPTIONS -D_COMPARE)
 
+# Has the moc look again after each configuration: a header that is new changes nothing that its rule depends on.
+function(ombrel_renew_moc target)
+    file(REMOVE ${CMAKE_CURRENT_BINARY_DIR}/${target}_autogen/timestamp)
+endfunction()
+
 # ombrel_kit(<folder> [MOC] LINK <targets>...)
 # One static library for one folder of kit/; the files are whatever the folder holds.
 function(ombrel_kit folder)
@@ -44,6 +49,7 @@ function(ombrel_kit folder)
     target_include_directories(ombrel_${folder} PUBLIC ${PROJECT_SOURCE_DIR}/kit)
     target_link_libraries(ombrel_${folder} PRIVATE ombrel_options PUBLIC ${ARG_LINK})
     set_target_properties(ombrel_${folder} PROPERTIES LINKER_LANGUAGE CXX AUTOMOC ${ARG_MOC})
+    ombrel_renew_moc(ombrel_${folder})
 endfunction()
 
 add_custom_target(all_tests)
@@ -60,6 +66,7 @@ function(ombrel_test folder)
     add_executable(test_${folder} ${sources})
     target_link_libraries(test_${folder} PRIVATE ombrel_options ${ARG_LINK} ombrel_test_support GTest::gmock)
     set_target_properties(test_${folder} PROPERTIES AUTOMOC ${ARG_MOC})
+    ombrel_renew_moc(test_${folder})
     add_test(NAME test_${folder} COMMAND test_${folder})
     add_dependencies(all_tests test_${folder})
 endfunction()

@@ -6,6 +6,7 @@
 #include <blkid.h>
 #include <libudev.h>
 
+#include <algorithm>
 #include <memory>
 #include <string_view>
 
@@ -54,17 +55,59 @@ bool hasSubsystemAbove(udev_device* device, const char* subsystem) {
     return udev_device_get_parent_with_subsystem_devtype(device, subsystem, nullptr) != nullptr;
 }
 
-void readDrive(BlockDevice& facts, udev_device* device) {
-    udev_device* disk = udev_device_get_parent_with_subsystem_devtype(device, "block", "disk");
-    if (!disk) disk = device;
+/// The whole disk that a partition is on; the device itself when it is none.
+udev_device* diskOf(udev_device* device) {
+    udev_device* const disk = udev_device_get_parent_with_subsystem_devtype(device, "block", "disk");
+    return disk ? disk : device;
+}
+
+bool isCardSlot(udev_device* disk) {
     udev_device* card = udev_device_get_parent_with_subsystem_devtype(disk, "mmc", nullptr);
-    const bool isCard = card && textOf(udev_device_get_sysattr_value(card, "type")) == "SD";
-    const bool isPlugged = hasSubsystemAbove(disk, "usb") || hasSubsystemAbove(disk, "firewire") ||
-                           hasSubsystemAbove(disk, "memstick");
+    return card && textOf(udev_device_get_sysattr_value(card, "type")) == "SD";
+}
+
+bool isPluggedIn(udev_device* disk) {
+    return hasSubsystemAbove(disk, "usb") || hasSubsystemAbove(disk, "firewire") ||
+           hasSubsystemAbove(disk, "memstick");
+}
+
+void readDrive(BlockDevice& facts, udev_device* device) {
+    udev_device* const disk = diskOf(device);
+    const bool isCard = isCardSlot(disk);
+    const bool isPlugged = isPluggedIn(disk);
     facts.isRemovable = isSet(disk, "removable") || isCard || hasSubsystemAbove(disk, "memstick");
     const bool isImage = udev_device_get_sysattr_value(disk, "loop/backing_file") != nullptr;
     facts.isEjectable = facts.isRemovable || isPlugged || isImage;
     facts.isInternal = !isPlugged && !isCard;
+}
+
+/// The devices that a layer such as an encrypted volume is made of.
+std::vector<std::string> partsOf(const std::string& systemPath) {
+    std::vector<std::string> parts;
+    const auto folder = FileURL::fromPath(systemPath + "/slaves");
+    if (!folder) return parts;
+    auto stream = POSIX::openDirectory(*folder);
+    if (!stream) return parts;
+    for (;;) {
+        const auto entry = POSIX::readEntry(*stream);
+        if (!entry || !*entry) return parts;
+        parts.push_back(folder->path() + "/" + std::string((*entry)->name));
+    }
+}
+
+void collectDrives(udev* context, udev_device* device, int layers, std::vector<BlockDrive>& drives) {
+    constexpr int mostLayers = 16;
+    udev_device* const disk = diskOf(device);
+    const auto parts = partsOf(textOf(udev_device_get_syspath(disk)));
+    if (!parts.empty() && layers < mostLayers) {
+        for (const auto& path : parts)
+            if (const Device part{udev_device_new_from_syspath(context, path.c_str())})
+                collectDrives(context, part.get(), layers + 1, drives);
+        return;
+    }
+    const BlockDrive drive{udev_device_get_devnum(disk), isSet(disk, "queue/rotational"),
+                           isSet(disk, "removable") || isCardSlot(disk) || isPluggedIn(disk)};
+    if (std::ranges::find(drives, drive) == drives.end()) drives.push_back(drive);
 }
 
 /// What udev did not find out.
@@ -110,6 +153,16 @@ std::optional<std::uint64_t> BlockDevice::numberOf(const std::string& path) {
     const auto status = POSIX::statFollowing(*url);
     if (!status || status->type() != S_IFBLK) return std::nullopt;
     return status->deviceNumber;
+}
+
+std::vector<BlockDrive> BlockDrive::under(std::uint64_t blockDevice) {
+    std::vector<BlockDrive> drives;
+    if (SystemCall::gate(SystemCall::Kind::fileSystem)) return drives;
+    const Context context(udev_new());
+    if (!context) return drives;
+    if (const Device device{udev_device_new_from_devnum(context.get(), 'b', blockDevice)})
+        collectDrives(context.get(), device.get(), 0, drives);
+    return drives;
 }
 
 } // namespace ombrel

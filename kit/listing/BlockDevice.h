@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace ombrel {
 
@@ -23,6 +24,19 @@ struct BlockDevice {
     [[nodiscard]] static std::optional<BlockDevice> of(std::uint64_t number);
     /// The number behind a device's path, nothing when it is not a block device. Blocking.
     [[nodiscard]] static std::optional<std::uint64_t> numberOf(const std::string& path);
+};
+
+/// A whole drive, below the partitions and layers (encryption, volume groups) that stand on it.
+struct BlockDrive {
+    std::uint64_t number = 0;  ///< of the drive's own device
+    bool isRotational = false; ///< a spinning disk, which suffers from two readers
+    bool isRemovable = false;  ///< the medium or the drive can be taken away
+
+    /// The drives that hold a block device: itself, the disk it is a part of, or those its layers are made
+    /// of. Empty when there is no such device. Blocking, though it never touches a medium.
+    [[nodiscard]] static std::vector<BlockDrive> under(std::uint64_t blockDevice);
+
+    friend bool operator==(const BlockDrive&, const BlockDrive&) = default;
 };
 
 } // namespace ombrel

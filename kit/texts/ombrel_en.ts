@@ -96,11 +96,20 @@
     <message id="cli.volumes.summary"><source></source><translation>Lists the mounted volumes, or tells what is mounted, unmounted and moved.</translation></message>
     <message id="cli.volumes.watch"><source></source><translation>Tell what happens to volumes as it happens, until Ctrl+C.</translation></message>
     <message id="cli.volumes.watching"><source></source><translation>Volumes are watched. Ctrl+C ends it.</translation></message>
+    <message id="conflict.batch.title" numerus="yes"><source></source><translation><numerusform>{n} item is already there</numerusform><numerusform>{n} items are already there</numerusform></translation></message>
+    <message id="conflict.decideEach"><source></source><translation>Decide for each</translation></message>
+    <message id="conflict.decideEach.detail"><source></source><translation>Asks for every item singly</translation></message>
     <message id="conflict.keepBoth"><source></source><translation>Keep both</translation></message>
+    <message id="conflict.keepBoth.detail"><source></source><translation>The new item is called “{1}”</translation></message>
+    <message id="conflict.merge.detail"><source></source><translation>Puts the contents of both folders into one</translation></message>
+    <message id="conflict.replace"><source></source><translation>Replace all</translation></message>
+    <message id="conflict.replace.detail"><source></source><translation>What is there now is removed for good</translation></message>
     <message id="conflict.replaceOne"><source></source><translation>Replace</translation></message>
     <message id="conflict.single.existing"><source></source><translation>Existing item</translation></message>
     <message id="conflict.single.new"><source></source><translation>New item</translation></message>
     <message id="conflict.single.title"><source></source><translation>“{1}” is already there</translation></message>
+    <message id="conflict.skipAll"><source></source><translation>Skip all</translation></message>
+    <message id="conflict.skipAll.detail"><source></source><translation>What is there now stays as it is</translation></message>
     <message id="conflict.skipOne"><source></source><translation>Skip</translation></message>
     <message id="error.directory.io"><source></source><translation>The folder could not be read: {1}.</translation></message>
     <message id="error.directory.notADirectory"><source></source><translation>This is not a folder.</translation></message>
@@ -133,6 +142,7 @@
     <message id="error.op.trashUnavailable"><source></source><translation>There is no trash on this volume.</translation></message>
     <message id="error.op.verificationFailed"><source></source><translation>The copy differs from the original, so it was not kept.</translation></message>
     <message id="format.dateAndTime"><source></source><translation>{1}, {2}</translation></message>
+    <message id="inhibit.why"><source></source><translation>Files are being copied or moved</translation></message>
     <message id="kind.other"><source></source><translation>Special file</translation></message>
     <message id="kind.symlink"><source></source><translation>Link</translation></message>
     <message id="kind.symlinkBroken"><source></source><translation>Broken link</translation></message>
@@ -168,8 +178,13 @@
     <message id="progress.aboutMinutes" numerus="yes"><source></source><translation><numerusform>About {n} minute</numerusform><numerusform>About {n} minutes</numerusform></translation></message>
     <message id="progress.aboutSeconds" numerus="yes"><source></source><translation><numerusform>About {n} second</numerusform><numerusform>About {n} seconds</numerusform></translation></message>
     <message id="progress.calculating"><source></source><translation>Calculating…</translation></message>
+    <message id="progress.error.applyToAll"><source></source><translation>Do this for all further ones too</translation></message>
+    <message id="progress.error.denied"><source></source><translation>“{1}” may not be accessed</translation></message>
+    <message id="progress.error.noSpace"><source></source><translation>There is not enough space</translation></message>
+    <message id="progress.error.other"><source></source><translation>“{1}” could not be handled</translation></message>
     <message id="progress.error.retry"><source></source><translation>Try again</translation></message>
     <message id="progress.error.skip"><source></source><translation>Skip</translation></message>
+    <message id="progress.error.trash"><source></source><translation>“{1}” can’t be moved to the trash</translation></message>
     <message id="progress.perSecond"><source></source><translation>/s</translation></message>
     <message id="progress.phase.copy"><source></source><translation>Copying</translation></message>
     <message id="progress.phase.delete"><source></source><translation>Deleting</translation></message>
@@ -177,6 +192,16 @@
     <message id="progress.phase.removeSource"><source></source><translation>Removing the originals</translation></message>
     <message id="progress.phase.trash"><source></source><translation>Moving to trash</translation></message>
     <message id="progress.phase.verify"><source></source><translation>Checking the copy</translation></message>
+    <message id="progress.title.compress" numerus="yes"><source></source><translation><numerusform>Compressing {n} item from {1}</numerusform><numerusform>Compressing {n} items from {1}</numerusform></translation></message>
+    <message id="progress.title.copy" numerus="yes"><source></source><translation><numerusform>Copying {n} item from {1} to {2}</numerusform><numerusform>Copying {n} items from {1} to {2}</numerusform></translation></message>
+    <message id="progress.title.delete" numerus="yes"><source></source><translation><numerusform>Deleting {n} item from {1}</numerusform><numerusform>Deleting {n} items from {1}</numerusform></translation></message>
+    <message id="progress.title.extract" numerus="yes"><source></source><translation><numerusform>Extracting {n} archive to {1}</numerusform><numerusform>Extracting {n} archives to {1}</numerusform></translation></message>
+    <message id="progress.title.move" numerus="yes"><source></source><translation><numerusform>Moving {n} item from {1} to {2}</numerusform><numerusform>Moving {n} items from {1} to {2}</numerusform></translation></message>
+    <message id="progress.title.newFile"><source></source><translation>Making a file in {1}</translation></message>
+    <message id="progress.title.newFolder"><source></source><translation>Making a folder in {1}</translation></message>
+    <message id="progress.title.rename" numerus="yes"><source></source><translation><numerusform>Renaming {n} item in {1}</numerusform><numerusform>Renaming {n} items in {1}</numerusform></translation></message>
+    <message id="progress.title.trash" numerus="yes"><source></source><translation><numerusform>Moving {n} item from {1} to the trash</numerusform><numerusform>Moving {n} items from {1} to the trash</numerusform></translation></message>
+    <message id="progress.waiting"><source></source><translation>Waiting for: {1}</translation></message>
     <message id="report.done.compress" numerus="yes"><source></source><translation><numerusform>{n} item was compressed.</numerusform><numerusform>{n} items were compressed.</numerusform></translation></message>
     <message id="report.done.copy" numerus="yes"><source></source><translation><numerusform>{n} item was copied.</numerusform><numerusform>{n} items were copied.</numerusform></translation></message>
     <message id="report.done.delete" numerus="yes"><source></source><translation><numerusform>{n} item was deleted.</numerusform><numerusform>{n} items were deleted.</numerusform></translation></message>

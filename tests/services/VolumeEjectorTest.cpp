@@ -4,7 +4,6 @@
 #include <QDBusMetaType>
 #include <QDBusObjectPath>
 #include <QDBusVirtualObject>
-#include <QProcess>
 
 #include <gmock/gmock.h>
 
@@ -14,6 +13,7 @@
 #include <vector>
 
 #include "qtmain/KitWorld.h"
+#include "services/PrivateBus.h"
 
 using Interfaces = QMap<QString, QVariantMap>;
 using ManagedObjects = QMap<QDBusObjectPath, Interfaces>;
@@ -26,41 +26,12 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using testing::KitWorld;
+using testing::PrivateBus;
 using testing::runUntil;
 
 FileURL at(std::string_view path) {
     return *FileURL::fromPath(path);
 }
-
-/// A bus of the test's own.
-class PrivateBus {
-public:
-    PrivateBus() {
-        daemon_.start(QStringLiteral("dbus-daemon"), {QStringLiteral("--session"), QStringLiteral("--nofork"),
-                                                      QStringLiteral("--print-address")});
-        if (daemon_.waitForStarted() && daemon_.waitForReadyRead())
-            address_ = QString::fromUtf8(daemon_.readLine()).trimmed();
-    }
-    ~PrivateBus() {
-        for (const QString& name : names_)
-            QDBusConnection::disconnectFromBus(name);
-        daemon_.kill();
-        daemon_.waitForFinished();
-    }
-    PrivateBus(const PrivateBus&) = delete;
-    PrivateBus& operator=(const PrivateBus&) = delete;
-
-    [[nodiscard]] bool isThere() const { return !address_.isEmpty(); }
-    QDBusConnection connect(const QString& name) {
-        names_.push_back(name);
-        return QDBusConnection::connectToBus(address_, name);
-    }
-
-private:
-    QProcess daemon_;
-    QString address_;
-    std::vector<QString> names_;
-};
 
 /// The disk service with two partitions of one stick, an unlocked disk and an image.
 class Disks final : public QDBusVirtualObject {

@@ -1,0 +1,135 @@
+#include "operations/DriveQueue.h"
+
+#include <gmock/gmock.h>
+
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace ombrel {
+namespace {
+
+using ::testing::ElementsAre;
+using Number = DriveQueue::Number;
+
+/// A job that waits for its turn on a thread of its own and keeps the turn until it is told to leave.
+class WaitingJob {
+public:
+    WaitingJob(DriveQueue& queue, std::vector<DriveQueue::Drive> drives)
+        : place_(queue.join()), thread_([this, drives = std::move(drives)](const std::stop_token& stop) {
+              const auto waiting = [this](const std::vector<Number>& ahead) { set(State::waits, ahead); };
+              set(place_->wait(drives, waiting, stop) ? State::works : State::cancelled, {});
+          }) {}
+
+    DriveQueue::Place& place() { return *place_; }
+    void cancel() { thread_.request_stop(); }
+
+    enum class State : std::uint8_t { fresh, waits, works, cancelled };
+    [[nodiscard]] bool comesTo(State state) {
+        std::unique_lock lock(mutex_);
+        return changed_.wait_for(lock, std::chrono::seconds(20), [&] { return state_ == state; });
+    }
+    [[nodiscard]] bool waitsFor(const std::vector<Number>& ahead) {
+        std::unique_lock lock(mutex_);
+        return changed_.wait_for(lock, std::chrono::seconds(20),
+                                 [&] { return state_ == State::waits && ahead_ == ahead; });
+    }
+    [[nodiscard]] State state() {
+        const std::scoped_lock lock(mutex_);
+        return state_;
+    }
+
+private:
+    void set(State state, const std::vector<Number>& ahead) {
+        const std::scoped_lock lock(mutex_);
+        state_ = state;
+        ahead_ = ahead;
+        changed_.notify_all();
+    }
+
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    State state_ = State::fresh;
+    std::vector<Number> ahead_;
+    std::shared_ptr<DriveQueue::Place> place_;
+    std::jthread thread_;
+};
+using State = WaitingJob::State;
+
+TEST(DriveQueue, LetsJobsThatShareADriveRunInTheirOrder) {
+    DriveQueue queue;
+    WaitingJob first(queue, {1, 2});
+    ASSERT_TRUE(first.comesTo(State::works));
+    WaitingJob second(queue, {2, 3}), third(queue, {3});
+    EXPECT_TRUE(second.waitsFor({1}));
+    EXPECT_TRUE(third.comesTo(State::waits) || third.comesTo(State::works));
+    WaitingJob elsewhere(queue, {4}), dataless(queue, {});
+    EXPECT_TRUE(elsewhere.comesTo(State::works)) << "another drive";
+    EXPECT_TRUE(dataless.comesTo(State::works)) << "no drive at all";
+    EXPECT_EQ(second.state(), State::waits);
+    first.place().leave();
+    ASSERT_TRUE(second.comesTo(State::works));
+}
+
+TEST(DriveQueue, KeepsTheOrderAmongThoseThatWait) {
+    DriveQueue queue;
+    WaitingJob first(queue, {1});
+    ASSERT_TRUE(first.comesTo(State::works));
+    WaitingJob second(queue, {1});
+    ASSERT_TRUE(second.waitsFor({1}));
+    WaitingJob third(queue, {1});
+    ASSERT_TRUE(third.waitsFor({1}));
+    first.place().leave();
+    ASSERT_TRUE(second.comesTo(State::works));
+    EXPECT_TRUE(third.waitsFor({2}));
+    second.place().leave();
+    EXPECT_TRUE(third.comesTo(State::works));
+}
+
+TEST(DriveQueue, IsPassedByAJobThatIsToStartNow) {
+    DriveQueue queue;
+    WaitingJob first(queue, {1});
+    ASSERT_TRUE(first.comesTo(State::works));
+    WaitingJob second(queue, {1});
+    ASSERT_TRUE(second.waitsFor({1}));
+    second.place().startNow();
+    ASSERT_TRUE(second.comesTo(State::works));
+    WaitingJob third(queue, {1});
+    EXPECT_TRUE(third.waitsFor({1, 2})) << "it uses the drive all the same";
+}
+
+TEST(DriveQueue, IsNotHeldUpByAJobThatDoesNothing) {
+    DriveQueue queue;
+    WaitingJob first(queue, {1});
+    ASSERT_TRUE(first.comesTo(State::works));
+    WaitingJob second(queue, {1});
+    ASSERT_TRUE(second.waitsFor({1}));
+    first.place().setIdle(true);
+    ASSERT_TRUE(second.comesTo(State::works));
+    first.place().setIdle(false);
+    WaitingJob third(queue, {1});
+    EXPECT_TRUE(third.waitsFor({1, 2})) << "it went on, and is not made to wait";
+}
+
+TEST(DriveQueue, LetsACancelledJobGoAndThoseBehindItCloseUp) {
+    DriveQueue queue;
+    WaitingJob first(queue, {1});
+    ASSERT_TRUE(first.comesTo(State::works));
+    WaitingJob second(queue, {1});
+    ASSERT_TRUE(second.waitsFor({1}));
+    WaitingJob third(queue, {1});
+    ASSERT_TRUE(third.waitsFor({1}));
+    second.cancel();
+    ASSERT_TRUE(second.comesTo(State::cancelled));
+    second.place().leave();
+    EXPECT_EQ(third.state(), State::waits);
+    first.place().leave();
+    EXPECT_TRUE(third.comesTo(State::works));
+}
+
+} // namespace
+} // namespace ombrel
