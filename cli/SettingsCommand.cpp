@@ -6,6 +6,7 @@
 #include "cli/Output.h"
 #include "cli/SettingTexts.h"
 #include "services/AppSettings.h"
+#include "services/KnownFolderLocator.h"
 
 #include <limits>
 #include <optional>
@@ -72,12 +73,34 @@ ExitStatus set(AppSettings& settings, Setting setting, std::span<const std::stri
     return ExitStatus::success;
 }
 
+/// Where the known folders stand.
+ExitStatus listFolders(const Arguments& arguments, const Session& session) {
+    KnownFolderLocator locator;
+    locator.refresh();
+    if (!runUntil([&] { return !locator.isBusy(); }, session.stop)) return ExitStatus::interrupted;
+    for (const auto folder : allKnownFolders()) {
+        const auto& path = locator.folders().url(folder).path();
+        if (arguments.has("json")) {
+            JSONObject object;
+            object.add("folder", rawValue(folder));
+            object.add("title", Texts::localized(titleKey(folder)));
+            object.addBytes("path", path);
+            session.output.write(std::move(object).line());
+        } else {
+            printWords({std::string(rawValue(folder)) + '\t' + path}, arguments.has("0") ? '\0' : '\n',
+                       session.output);
+        }
+    }
+    return ExitStatus::success;
+}
+
 /// What is wrong with the number of operands.
 std::optional<Text> countFault(std::span<const std::string_view> operands) {
     const auto verb = operands.front();
-    if (verb != "list" && verb != "get" && verb != "set")
-        return Text{"cli.error.unknownVerb", {FileName::displayText(verb), "list, get, set"}};
-    const std::size_t least = verb == "list" ? 1 : 2, most = verb == "set" ? operands.size() : least;
+    const bool isAboutAll = verb == "list" || verb == "folders";
+    if (!isAboutAll && verb != "get" && verb != "set")
+        return Text{"cli.error.unknownVerb", {FileName::displayText(verb), "list, folders, get, set"}};
+    const std::size_t least = isAboutAll ? 1 : 2, most = verb == "set" ? operands.size() : least;
     if (operands.size() < least) return Text{"cli.error.missingOperand", {"KEY"}};
     if (operands.size() > most)
         return Text{"cli.error.tooManyOperands", {FileName::displayText(operands[most])}};
@@ -88,6 +111,7 @@ ExitStatus runSettings(const Arguments& arguments, const Session& session) {
     auto& output = session.output;
     const auto& operands = arguments.operands();
     if (const auto fault = countFault(operands)) return output.wrongUsage(*fault, &settingsCommand);
+    if (operands.front() == "folders") return listFolders(arguments, session);
     AppSettings settings;
     if (operands.front() == "list") {
         tellStoreError(settings, output);
@@ -109,7 +133,7 @@ ExitStatus runSettings(const Arguments& arguments, const Session& session) {
 const Command settingsCommand = {
     .name = "settings",
     .summaryKey = "cli.settings.summary",
-    .operands = "list | get KEY | set KEY [VALUE…]",
+    .operands = "list | folders | get KEY | set KEY [VALUE…]",
     .fewestOperands = 1,
     .mostOperands = std::numeric_limits<std::size_t>::max(),
     .options = {},

@@ -26,16 +26,6 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds stopInterval(100);
 constexpr int greatestErrorNumber = 133;
 
-/// Whether the mount, or one that the way to it leads through, is served by another machine or process.
-bool mayHang(const MountTable& table, const Mount& mount) {
-    const Mount* place = &mount;
-    for (std::size_t depth = 0; place && depth < table.mounts().size(); ++depth) {
-        if (!place->traits.reportsChanges()) return true;
-        place = place->parentID == place->id ? nullptr : table.byID(place->parentID);
-    }
-    return false;
-}
-
 /// The error number that the end of a message of the C library's stands for ("...: Stale file handle").
 int errorNumberOf(std::string_view message) {
     while (message.ends_with('\n'))
@@ -110,7 +100,7 @@ CapacityQuery::CapacityQuery(const MountTable& table, std::span<const Mount* con
     for (const Mount* mount : mounts) {
         Question& question = questions_.emplace_back();
         question.key = {mount->id, mount->device};
-        if (!mayHang(table, *mount))
+        if (!table.mayHang(*mount))
             question.answer = POSIX::capacity(mount->point);
         else if (Abandoned::instance().isStillAsking(question.key))
             question.answer = std::unexpected(POSIXFailure{ETIMEDOUT});

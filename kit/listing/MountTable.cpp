@@ -207,4 +207,13 @@ bool MountTable::isVisible(const Mount& mount) const noexcept {
     return reached && reached->id == mount.id;
 }
 
+bool MountTable::mayHang(const Mount& mount) const noexcept {
+    const Mount* place = &mount;
+    for (std::size_t depth = 0; place && depth < mounts().size(); ++depth) {
+        if (!place->traits.reportsChanges()) return true;
+        place = place->parentID == place->id ? nullptr : byID(place->parentID);
+    }
+    return false;
+}
+
 } // namespace ombrel

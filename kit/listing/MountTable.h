@@ -75,6 +75,10 @@ public:
     /// Whether `mount` can be reached by its path: no other one stands on it or on a folder above it.
     [[nodiscard]] bool isVisible(const Mount& mount) const noexcept;
 
+    /// Whether `mount`, or one that the way to it leads through, is served by another machine or process, so
+    /// that a call on it may not come back.
+    [[nodiscard]] bool mayHang(const Mount& mount) const noexcept;
+
 private:
     explicit MountTable(std::vector<Mount> mounts);
     std::shared_ptr<const std::vector<Mount>> mounts_;

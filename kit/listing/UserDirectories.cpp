@@ -1,5 +1,6 @@
 #include "listing/UserDirectories.h"
 
+#include "listing/MountTable.h"
 #include "listing/POSIX.h"
 #include "listing/StoreFile.h"
 
@@ -50,6 +51,13 @@ std::optional<FileURL> located(std::string_view value, const FileURL& home) {
     return *url;
 }
 
+bool isThere(const FileURL& url, const MountTable& table) {
+    // Nothing, not even the end of the program, frees a thread that waits for a FUSE process.
+    if (const Mount* mount = table.containing(url); mount && table.mayHang(*mount)) return true;
+    const auto status = POSIX::statFollowing(url);
+    return status && status->isDirectory();
+}
+
 } // namespace
 
 void configure(std::string_view text, KnownFolders& folders) {
@@ -74,10 +82,9 @@ KnownFolders read(const FileURL& home, const FileURL& config) {
     if (!text || !*text) return byTable;
     KnownFolders folders = byTable;
     configure(**text, folders);
-    for (const KnownFolder folder : allKnownFolders()) {
-        const auto status = POSIX::statFollowing(folders.url(folder));
-        if (!status || !status->isDirectory()) folders.set(folder, byTable.url(folder));
-    }
+    const auto table = MountTable::current();
+    for (const KnownFolder folder : allKnownFolders())
+        if (!isThere(folders.url(folder), table)) folders.set(folder, byTable.url(folder));
     return folders;
 }
 

@@ -12,8 +12,9 @@ namespace ombrel::UserDirectories {
 /// path, backslashes before what they quote. A folder that is the home itself counts as switched off.
 void configure(std::string_view text, KnownFolders& folders);
 
-/// Where the known folders of a user stand: as the file in `config` names them as far as such folders exist,
-/// otherwise by the table of names. Blocking.
+/// Where the known folders of a user stand: as the file in `config` sets them up as far as such folders
+/// exist, otherwise by the table of names. A place on a mount that may hang is not looked at and counts as
+/// existing. Blocking.
 [[nodiscard]] KnownFolders read(const FileURL& home, const FileURL& config);
 
 } // namespace ombrel::UserDirectories

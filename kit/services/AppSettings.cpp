@@ -97,6 +97,12 @@ void AppSettings::setPinnedFolders(std::vector<PinnedFolder> folders) {
     });
 }
 
+void AppSettings::setKnownFolders(KnownFolders folders) {
+    if (folders == knownFolders_) return;
+    knownFolders_ = std::move(folders);
+    Q_EMIT knownFoldersChanged();
+}
+
 bool AppSettings::isPinned(const FileURL& url) const {
     const auto target = url.standardized();
     return std::ranges::any_of(values_.pinnedFolders, [&](const PinnedFolder& folder) {

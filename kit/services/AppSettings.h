@@ -99,7 +99,7 @@ public:
     void setPinnedFolders(std::vector<PinnedFolder> folders);
     /// Where the known folders stand, which pins may refer to. By the table of names until it is set.
     [[nodiscard]] const KnownFolders& knownFolders() const noexcept { return knownFolders_; }
-    void setKnownFolders(KnownFolders folders) { knownFolders_ = std::move(folders); }
+    void setKnownFolders(KnownFolders folders);
     [[nodiscard]] bool isPinned(const FileURL& url) const;
     /// Appends in the order given; what is pinned already keeps its place.
     void pin(std::span<const FileURL> urls);
@@ -149,6 +149,7 @@ public:
 
 Q_SIGNALS:
     void changed(ombrel::Setting setting);
+    void knownFoldersChanged();
     void lastStoreErrorChanged();
     /// `isWriting` has become false.
     void written();

@@ -84,7 +84,7 @@
     <message id="cli.restore.parents"><source></source><translation>Make the folders that an item was in where they are gone.</translation></message>
     <message id="cli.restore.summary"><source></source><translation>Moves items out of the trash to where they were.</translation></message>
     <message id="cli.settings.keptByItself"><source></source><translation>{1} is kept by Ombrel itself.</translation></message>
-    <message id="cli.settings.summary"><source></source><translation>Lists the settings, prints one or changes one.</translation></message>
+    <message id="cli.settings.summary"><source></source><translation>Lists the settings, tells where the user’s standard folders stand, prints one setting or changes one.</translation></message>
     <message id="cli.settings.unknownKey"><source></source><translation>There is no setting “{1}”.</translation></message>
     <message id="cli.settings.unknownValue"><source></source><translation>The setting {1} does not know “{2}”. Possible are: {3}.</translation></message>
     <message id="cli.trash.summary"><source></source><translation>Moves items to the trash.</translation></message>

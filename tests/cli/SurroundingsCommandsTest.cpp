@@ -1,4 +1,5 @@
 #include "cli/SurroundingsWorld.h"
+#include "support/MirrorMount.h"
 #include "support/TestMount.h"
 
 #include <QJsonArray>
@@ -13,7 +14,6 @@ namespace {
 
 using namespace testing;
 using ::testing::AllOf;
-using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
@@ -97,6 +97,27 @@ TEST_F(SettingsCommand, RefusesWhatItDoesNotKnow) {
         EXPECT_THAT(result.errors, AllOf(HasSubstr("--help"), ::testing::Not(HasSubstr("cli."))));
     }
     EXPECT_FALSE(tree.exists("config/HalvaneOmbrel/settings.json"));
+}
+
+TEST_F(SettingsCommand, TellsWhereTheStandardFoldersStand) {
+    std::filesystem::create_directories(tree.path("config"));
+    tree.folder("Bilder\xFF");
+    tree.file("config/user-dirs.dirs", "XDG_PICTURES_DIR=\"" + tree.path("Bilder\xFF") +
+                                           "\"\nXDG_MUSIC_DIR=\"" + tree.path("gone") + "\"\n");
+    EXPECT_THAT(run({"settings", "folders"}).output,
+                AllOf(HasSubstr("pictures\t" + tree.path("Bilder\xFF\n")), HasSubstr("/Music\n"),
+                      HasSubstr("/Movies\n")));
+    const auto folders = objects({"settings", "folders"});
+    ASSERT_EQ(folders.size(), 6U);
+    EXPECT_EQ(text(folders[0], "folder"), "desktop");
+    EXPECT_EQ(text(folders[0], "title"), "Desktop");
+    EXPECT_NE(text(folders[3], "pathBytes"), "");
+
+    const TempTree films;
+    const auto dead = MirrorMount::of(films.path(), {"hanging"}, tree.path("gone"));
+    if (!dead) GTEST_SKIP() << dead.error();
+    EXPECT_THAT(run({"settings", "folders"}).output, HasSubstr("music\t" + tree.path("gone\n")))
+        << "it is there as far as can be said without waiting for it";
 }
 
 TEST_F(SettingsCommand, TellsOfADamagedFileAndKeepsIt) {

@@ -207,16 +207,5 @@ TEST(UserDirectories, AreReadAsTheDesktopWritesThem) {
     EXPECT_EQ(folders.url(KnownFolder::videos).path(), "/home/ann/Movies") << "an unfinished line";
 }
 
-TEST(UserDirectories, CountOnlyWhereTheyExist) {
-    const TempTree tree;
-    tree.folder("Bilder");
-    tree.folder("config");
-    EXPECT_EQ(UserDirectories::read(tree.url(), tree.url("config")), KnownFolders(tree.url()));
-    tree.file("config/user-dirs.dirs", "XDG_PICTURES_DIR=\"$HOME/Bilder\"\nXDG_MUSIC_DIR=\"$HOME/Gone\"\n");
-    const auto folders = UserDirectories::read(tree.url(), tree.url("config"));
-    EXPECT_EQ(folders.url(KnownFolder::pictures), tree.url("Bilder"));
-    EXPECT_EQ(folders.url(KnownFolder::music), tree.url("Music"));
-}
-
 } // namespace
 } // namespace ombrel
