@@ -12,7 +12,6 @@
 namespace ombrel {
 namespace {
 
-using ::testing::ElementsAre;
 using testing::KitWorld;
 using testing::MirrorMount;
 using testing::runUntil;
