@@ -1,0 +1,71 @@
+#include "browser/FileCommand.h"
+
+#include <utility>
+
+namespace ombrel::FileCommands {
+namespace {
+
+struct Traits {
+    FileCommand command;
+    std::string_view textKey;
+    enum Needs : bool { nothing, selection } needs = nothing;
+    enum Held : bool { once, repeats } held = once;
+};
+
+// In the order of the enumeration.
+constexpr Traits table[] = {
+    {FileCommand::open, "ui.command.open", Traits::selection},
+    {FileCommand::rename, "ui.command.rename", Traits::selection},
+    {FileCommand::moveToTrash, "ui.command.moveToTrash", Traits::selection},
+    {FileCommand::deletePermanently, "ui.command.deletePermanently", Traits::selection},
+    {FileCommand::copy, "ui.command.copy", Traits::selection},
+    {FileCommand::cut, "ui.command.cut", Traits::selection},
+    {FileCommand::paste, "ui.command.paste"},
+    {FileCommand::quickLook, "ui.command.quickLook", Traits::selection},
+    {FileCommand::selectAll, "ui.command.selectAll"},
+    {FileCommand::goBack, "ui.command.back", Traits::nothing, Traits::repeats},
+    {FileCommand::goForward, "ui.command.forward", Traits::nothing, Traits::repeats},
+    {FileCommand::goUp, "ui.command.up", Traits::nothing, Traits::repeats},
+    {FileCommand::refresh, "ui.command.refresh"},
+    {FileCommand::newFolder, "ui.command.newFolder"},
+    {FileCommand::newFile, "ui.command.newFile"},
+    {FileCommand::showInfo, "ui.command.showInfo", Traits::selection},
+    {FileCommand::newTab, "ui.command.newTab"},
+    {FileCommand::closeTab, "ui.command.closeTab"},
+    {FileCommand::focusAddress, "ui.command.focusAddress"},
+    {FileCommand::focusSearch, "ui.command.focusSearch"},
+    {FileCommand::toggleDetailsPane, "ui.command.toggleDetailsPane"},
+    {FileCommand::copyPath, "ui.command.copyPath", Traits::selection},
+    {FileCommand::newWindow, "ui.command.newWindow"},
+    {FileCommand::cancelCut, "ui.command.cancelCut"},
+    {FileCommand::undo, "ui.command.undo"},
+    {FileCommand::redo, "ui.command.redo"},
+};
+
+constexpr bool isInOrder() {
+    std::size_t index = 0;
+    for (const Traits& traits : table)
+        if (std::to_underlying(traits.command) != index++) return false;
+    return index == count;
+}
+static_assert(isInOrder());
+
+const Traits& traitsOf(FileCommand command) noexcept {
+    return table[std::to_underlying(command)];
+}
+
+} // namespace
+
+bool needsSelection(FileCommand command) noexcept {
+    return traitsOf(command).needs == Traits::selection;
+}
+
+bool repeatsWhileHeld(FileCommand command) noexcept {
+    return traitsOf(command).held == Traits::repeats;
+}
+
+std::string_view textKey(FileCommand command) noexcept {
+    return traitsOf(command).textKey;
+}
+
+} // namespace ombrel::FileCommands
