@@ -127,9 +127,10 @@ CopyResult<void> CopyEngine::makeFolder(Index index) {
     const auto place = copyPlace(index);
     if (auto made = POSIX::makeDirectory(place, S_IRWXU); !made)
         return std::unexpected(CopyFailure::ofCopyName(made.error()));
+    hasBegun_ = true;
     auto entered = copy_->enter(place.name);
     if (!entered) {
-        (void)POSIX::removeDirectory(place);
+        if (POSIX::removeDirectory(place) && index == TreeManifest::root) hasBegun_ = false;
         return std::unexpected(CopyFailure{CopyFailure::ofCopy(entered.error()).error, Reach::item});
     }
     if (index != TreeManifest::root) return {};
@@ -191,6 +192,7 @@ CopyResult<void> CopyEngine::copyFile(Index index) {
         return std::unexpected(CopyFailure{Error::posix(EFBIG)});
     auto to = POSIX::open(copyPlace(index), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, S_IRUSR | S_IWUSR);
     if (!to) return std::unexpected(CopyFailure::ofCopyName(to.error()));
+    hasBegun_ = true;
     copiedOfFile_ = 0;
     auto filled = fillFile(index, from->get(), *status, *to);
     if (!filled) return removePartial(index, filled.error());
@@ -225,6 +227,7 @@ CopyResult<void> CopyEngine::fillFile(Index index, int from, const FileStatus& s
 CopyResult<void> CopyEngine::removePartial(Index index, CopyFailure failure) {
     const auto removed = POSIX::unlink(copyPlace(index));
     if (!removed) failure.reach = Reach::item;
+    if (removed && index == TreeManifest::root) hasBegun_ = false;
     if (failure.error != Error::Case::cancelled && !observer_.copied(-copiedOfFile_)) return cancelled();
     return std::unexpected(std::move(failure));
 }
@@ -236,6 +239,7 @@ CopyResult<void> CopyEngine::copyLink(Index index, const FileStatus& status) {
     if (!made && (made.error().number == EPERM || !settings_.target->holdsSymlinks))
         return std::unexpected(CopyFailure{Error::posix(EOPNOTSUPP)});
     if (!made) return std::unexpected(CopyFailure::ofCopyName(made.error()));
+    hasBegun_ = true;
     const auto carried = EntryMetadata::carry(status, copyPlace(index), *settings_.support);
     if (!carried) return removePartial(index, CopyFailure::ofMetadata(carried.error()));
     manifest_.record(index, status);
@@ -248,6 +252,7 @@ CopyResult<void> CopyEngine::copyFIFO(Index index, const FileStatus& status) {
     if (!made && (made.error().number == EPERM || made.error().number == ENOSYS))
         return std::unexpected(CopyFailure{Error::posix(EOPNOTSUPP)});
     if (!made) return std::unexpected(CopyFailure::ofCopyName(made.error()));
+    hasBegun_ = true;
     const auto carried = EntryMetadata::carry(status, copyPlace(index), *settings_.support);
     if (!carried) return removePartial(index, CopyFailure::ofMetadata(carried.error()));
     manifest_.record(index, status);

@@ -72,6 +72,8 @@ public:
     /// Copies the entry `source` to the name `copy`, both in open folders. On failure what was made stays for
     /// the caller to remove. `cancelled` when the observer did not want to go on.
     [[nodiscard]] std::expected<CopiedTree, FileOperationError> copy(POSIX::Place source, POSIX::Place copy);
+    /// Whether there is anything of the copy.
+    [[nodiscard]] bool hasBegun() const noexcept { return hasBegun_; }
 
 private:
     using Index = TreeManifest::Index;
@@ -104,6 +106,7 @@ private:
     std::shared_ptr<const FolderPair> pair_; // of the folders that the walk is in, once a file needs it
     std::int64_t copiedOfFile_ = 0;
     OwnedFd top_;
+    bool hasBegun_ = false;
     bool isChecked_ = true; // every file went to the checker
 };
 

@@ -70,7 +70,7 @@ ItemTransfer::End ItemTransfer::transfer() {
             if (*done == Attempt::completed || *done == Attempt::settled)
                 for (const auto& result : run_.leftOut())
                     run_.results.push_back(result);
-            return End::done;
+            return end();
         }
         run_.dropItem();
         const auto& [error, facts] = done.error();
@@ -86,11 +86,29 @@ ItemTransfer::End ItemTransfer::transfer() {
         const bool isTold =
             choice == ErrorChoice::skip || error.which() == Error::Case::partialCopyLeftBehind;
         isTold ? finish(ItemOutcome::failed(error), facts) : finish(ItemOutcome::cancelled());
-        return End::done;
+        return end();
     }
 }
 
+/// One result for each name of ours that is still there.
+ItemTransfer::End ItemTransfer::end() {
+    giveUpReplacing();
+    for (const auto& [place, name] : left_)
+        run_.results.push_back({place, ItemOutcome::failed(Error::partialCopyLeftBehind(name))});
+    return End::done;
+}
+
+/// What was to make way stays after all.
+void ItemTransfer::giveUpReplacing() {
+    if (!replaced_) return;
+    (void)replaced_->putBack();
+    for (auto& name : replaced_->leftBehind())
+        left_.emplace_back(targetURL(), std::move(name));
+    replaced_.reset();
+}
+
 ItemTransfer::Result<ItemTransfer::Attempt> ItemTransfer::attempt() {
+    giveUpReplacing();
     target_ = {};
     keepsBoth_ = false;
     if (auto confirmed = confirm(); !confirmed) return std::unexpected(confirmed.error());
@@ -258,8 +276,9 @@ ItemTransfer::Result<std::optional<ItemTransfer::Attempt>> ItemTransfer::rename(
 }
 
 ItemTransfer::Result<void> ItemTransfer::renameReplacing() {
-    auto away = SetAside::takeAway(destination_->fd(), target_.name, *target_.replaced, numbersLast());
-    if (!away) {
+    giveUpReplacing();
+    replaced_.emplace(destination_->fd(), target_.name, *target_.replaced, numbersLast());
+    if (const auto away = replaced_->takeAway(); !away) {
         if (away.error().isOther) return failure(Error::Case::destinationExists);
         if (away.error().cause.number == ENOENT) {
             target_.replaced.reset();
@@ -269,13 +288,14 @@ ItemTransfer::Result<void> ItemTransfer::renameReplacing() {
     }
     const auto renamed = relocate(source_->place(), source_->status(), targetPlace());
     if (!renamed) {
-        if (!away->putBack()) return failure(Error::partialCopyLeftBehind(away->stagingName()));
+        if (const auto back = replaced_->putBack(); !back) return failure(Error::from(back.error()));
         const int number = renamed.error().number;
         return failure(number == EXDEV ? Error::posix(EXDEV) : Error::from(number));
     }
-    if (away->remove())
-        run_.results.push_back(
-            {targetURL(), ItemOutcome::failed(Error::partialCopyLeftBehind(away->stagingName()))});
+    replaced_->remove();
+    for (auto& name : replaced_->leftBehind())
+        left_.emplace_back(targetURL(), std::move(name));
+    replaced_.reset();
     return {};
 }
 
@@ -302,7 +322,10 @@ ItemTransfer::Result<ItemTransfer::Attempt> ItemTransfer::copy() {
     auto done = stage(staged);
     destination_->volume().checker.abandon();
     run_.enter(Phase::copying);
-    if (staged.remove()) return failure(Error::partialCopyLeftBehind(staged.name()));
+    if (staged.remove()) {
+        giveUpReplacing();
+        return failure(Error::partialCopyLeftBehind(staged.name()));
+    }
     if (done && (*done == Attempt::completed || *done == Attempt::settled)) run_.keepItem();
     return done;
 }
@@ -364,9 +387,12 @@ ItemTransfer::Result<CopiedTree> ItemTransfer::copyTo(StagedItem& staged) {
     if (const auto space = POSIX::space(source_->folder().get())) settings.findsHolesItself = space->isZFS;
     // What is to be read back from the medium is compared once it is there.
     if (!volume.isDurable && !volume.traits.hasCoarseTimes) settings.checker = &volume.checker;
-    auto copied = CopyEngine(settings, run_).copy(source_->place(), staged.place());
-    if (!copied) return failure(copied.error());
-    return std::move(*copied);
+    CopyEngine engine(settings, run_);
+    auto copied = engine.copy(source_->place(), staged.place());
+    if (copied) return std::move(*copied);
+    // A creation whose answer was lost may still have taken place.
+    if (!engine.hasBegun()) (void)staged.remove();
+    return failure(copied.error());
 }
 
 ItemTransfer::Result<void> ItemTransfer::verify(const CopiedTree& copied, StagedItem& staged) {
@@ -394,8 +420,8 @@ ItemTransfer::Result<void> ItemTransfer::verify(const CopiedTree& copied, Staged
 /// The copy is good: gives it its name, however often that has to be found anew.
 ItemTransfer::Result<ItemTransfer::Attempt> ItemTransfer::place(CopiedTree copied, StagedItem& staged) {
     for (;;) {
-        auto placed = putInPlace(staged);
-        if (placed) return conclude(std::move(copied), std::move(*placed));
+        const auto placed = putInPlace(staged);
+        if (placed) return conclude(std::move(copied));
         if (placed.error().error != Error::Case::destinationExists) return std::unexpected(placed.error());
         const auto found = findTarget();
         if (!found) return std::unexpected(found.error());
@@ -404,28 +430,32 @@ ItemTransfer::Result<ItemTransfer::Attempt> ItemTransfer::place(CopiedTree copie
     }
 }
 
-/// Answers what was replaced. `destinationExists` when the name is not as it was found.
-ItemTransfer::Result<std::optional<SetAside>> ItemTransfer::putInPlace(StagedItem& staged) {
+/// `destinationExists` when the name is not as it was found.
+ItemTransfer::Result<void> ItemTransfer::putInPlace(StagedItem& staged) {
+    giveUpReplacing();
     if (target_.replaced) {
-        auto replaced = SetAside::replace(staged, target_.name, *target_.replaced, numbersLast());
-        if (replaced) return std::move(*replaced);
+        replaced_.emplace(destination_->fd(), target_.name, *target_.replaced, numbersLast());
+        const auto replaced = replaced_->makeWayFor(staged);
+        if (replaced) return {};
         if (replaced.error().isOther) return failure(Error::Case::destinationExists);
-        if (replaced.error().cause.number != ENOENT)
+        if (replaced.error().cause.number != ENOENT || replaced_->isAside())
             return std::unexpected(fromDestination(replaced.error().cause));
+        giveUpReplacing();
         target_.replaced.reset(); // it went by itself
     }
     const auto renamed = POSIX::renameExclusive(staged.place(), targetPlace());
     if (!renamed) return std::unexpected(fromDestination(renamed.error()));
     staged.release();
-    return std::nullopt;
+    return {};
 }
 
-ItemTransfer::Result<ItemTransfer::Attempt> ItemTransfer::conclude(CopiedTree copied,
-                                                                   std::optional<SetAside> replaced) {
+ItemTransfer::Result<ItemTransfer::Attempt> ItemTransfer::conclude(CopiedTree copied) {
     const bool isMove = run_.kind == FileOperationKind::move;
-    if (!isMove && !replaced && !destination_->volume().isDurable) return Attempt::completed;
-    TransferSettlement::Placed placed{run_.results.size(),   destination_,        target_.name, isFolder(),
-                                      std::move(copied.top), std::move(replaced), std::nullopt};
+    if (!isMove && !replaced_ && !destination_->volume().isDurable) return Attempt::completed;
+    TransferSettlement::Placed placed{run_.results.size(),   destination_,
+                                      target_.name,          isFolder(),
+                                      std::move(copied.top), std::exchange(replaced_, std::nullopt),
+                                      std::nullopt};
     if (isMove) {
         SourceRemoval::Settings settings;
         settings.likeness =

@@ -14,6 +14,8 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace ombrel {
 
@@ -75,8 +77,9 @@ private:
     [[nodiscard]] Result<CopiedTree> copyTo(StagedItem& staged);
     [[nodiscard]] Result<void> verify(const CopiedTree& copied, StagedItem& staged);
     [[nodiscard]] Result<Attempt> place(CopiedTree copied, StagedItem& staged);
-    [[nodiscard]] Result<std::optional<SetAside>> putInPlace(StagedItem& staged);
-    [[nodiscard]] Result<Attempt> conclude(CopiedTree copied, std::optional<SetAside> replaced);
+    [[nodiscard]] Result<void> putInPlace(StagedItem& staged);
+    [[nodiscard]] Result<Attempt> conclude(CopiedTree copied);
+    void giveUpReplacing();
 
     [[nodiscard]] std::unexpected<Failure> failure(FileOperationError error) const {
         return std::unexpected(Failure{std::move(error)});
@@ -87,6 +90,7 @@ private:
     [[nodiscard]] bool isFolder() const noexcept { return source_->status().isDirectory(); }
     [[nodiscard]] bool numbersLast() const noexcept { return !destination_->volume().traits.renumbersInodes; }
     void finish(ItemOutcome outcome, ErrorFacts facts = {});
+    End end();
 
     TransferRun& run_;
     TransferSettlement& settlement_;
@@ -97,6 +101,9 @@ private:
     bool isCoarse_ = false; // times of the source's file system prove nothing
     bool sourceNumbersLast_ = true;
     Target target_;
+    std::optional<SetAside> replaced_; // what makes way, once that has begun
+    /// Names of ours that could not be removed, by the place that they were made for.
+    std::vector<std::pair<FileURL, std::string>> left_;
     bool keepsBoth_ = false; // the answer to a conflict, which need not be asked again
 };
 

@@ -37,9 +37,12 @@ bool cannotExchange(int number) noexcept {
     return number == EINVAL || number == ENOSYS || number == EOPNOTSUPP;
 }
 
-SetAsideRecord recordOf(std::string stagingName, const std::string& name, const FileStatus& existing) {
-    return {std::move(stagingName), name,          existing.type(),
-            existing.identity,      existing.size, existing.modified};
+/// Passing troubles do not leave a name behind.
+template <typename Call>
+POSIX::Result<void> twice(Call call) {
+    auto done = call();
+    if (!done) done = call();
+    return done;
 }
 
 } // namespace
@@ -93,31 +96,58 @@ bool SetAsideRecord::describes(const FileStatus& now, bool numbersLast) const no
     return now.isDirectory() || (now.size == size && now.modified == modified);
 }
 
-POSIX::Result<void> SetAside::writeRecord() {
-    recordName_ = StagingName::make();
-    const POSIX::Place place{folder_, recordName_.c_str()};
+SetAside::SetAside(int folder, std::string name, const FileStatus& existing, bool numbersLast)
+    : folder_(folder),
+      record_{{}, std::move(name), existing.type(), existing.identity, existing.size, existing.modified},
+      numbersLast_(numbersLast) {}
+
+std::vector<std::string> SetAside::leftBehind() const {
+    auto names = strays_;
+    if (isAside_) names.push_back(record_.stagingName);
+    if (!recordName_.empty()) names.push_back(recordName_);
+    return names;
+}
+
+// ---- The record
+
+POSIX::Result<void> SetAside::writeRecord(std::string stagingName) {
+    record_.stagingName = std::move(stagingName);
+    std::string name = StagingName::make();
+    const POSIX::Place place{folder_, name.c_str()};
     auto made = POSIX::makeSymlink(record_.text(), place);
     const auto hasNoLinks = [](int number) {
         return number == EPERM || number == EOPNOTSUPP || number == ENOSYS || number == ENAMETOOLONG;
     };
-    if (made || !hasNoLinks(made.error().number)) return made;
+    if (!made && hasNoLinks(made.error().number)) made = writeRecordFile(place);
+    if (made) recordName_ = std::move(name);
+    return made;
+}
+
+POSIX::Result<void> SetAside::writeRecordFile(POSIX::Place place) {
     auto file = POSIX::open(place, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, S_IRUSR | S_IWUSR);
     if (!file) return std::unexpected(file.error());
-    made = POSIX::writeAll(file->get(), record_.text());
+    auto made = POSIX::writeAll(file->get(), record_.text());
     if (made) made = POSIX::flush(file->get());
     if (made) made = POSIX::close(std::move(*file));
     if (made) made = POSIX::flush(folder_);
-    if (!made) (void)POSIX::unlink(place);
+    if (!made && !twice([&] { return POSIX::unlink(place); })) strays_.emplace_back(place.name);
     return made;
 }
 
 void SetAside::forgetRecord() {
-    (void)POSIX::unlink(POSIX::Place{folder_, recordName_.c_str()});
+    if (recordName_.empty()) return;
+    auto name = std::exchange(recordName_, {});
+    const auto gone = twice([&] { return POSIX::unlink(POSIX::Place{folder_, name.c_str()}); });
+    if (!gone && gone.error().number != ENOENT) strays_.push_back(std::move(name));
 }
 
-bool SetAside::isThere(bool numbersLast) {
+// ---- On its way out
+
+/// Whether what is aside is what was to be set aside.
+POSIX::Result<bool> SetAside::isKnown() {
     const auto status = POSIX::lstat(aside());
-    return status && record_.describes(*status, numbersLast);
+    if (!status) return std::unexpected(status.error());
+    return record_.describes(*status, numbersLast_);
 }
 
 /// Other jobs leave it alone as long as this one is at it.
@@ -128,63 +158,125 @@ void SetAside::hold() {
     lock_ = std::move(*item);
 }
 
-SetAside::Made SetAside::replace(StagedItem& staged, const std::string& name, const FileStatus& existing,
-                                 bool numbersLast) {
-    const int folder = staged.place().folder;
-    SetAside item(folder, recordOf(staged.name(), name, existing));
-    if (const auto written = item.writeRecord(); !written) return std::unexpected(Failure{written.error()});
-    const auto exchanged = POSIX::exchange(staged.place(), item.target());
-    if (exchanged) {
-        if (!item.isThere(numbersLast)) {
-            const auto undone = POSIX::exchange(staged.place(), item.target());
-            item.forgetRecord();
-            return std::unexpected(
-                Failure{undone ? POSIXFailure{EEXIST} : undone.error(), undone.has_value()});
-        }
-        staged.release();
-        item.hold();
-        return item;
-    }
-    item.forgetRecord();
+SetAside::Done SetAside::makeWayFor(StagedItem& staged) {
+    if (const auto written = writeRecord(staged.name()); !written)
+        return std::unexpected(Failure{written.error()});
+    const auto exchanged = POSIX::exchange(staged.place(), target());
+    if (exchanged) return settleExchange(staged);
+    forgetRecord();
     if (!cannotExchange(exchanged.error().number)) return std::unexpected(Failure{exchanged.error()});
-    auto away = takeAway(folder, name, existing, numbersLast);
-    if (!away) return away;
-    const auto placed = POSIX::renameExclusive(staged.place(), away->target());
+    if (auto away = takeAway(); !away) return away;
+    const auto placed = POSIX::renameExclusive(staged.place(), target());
     if (placed) {
         staged.release();
-        return away;
+        return {};
     }
-    if (const auto back = away->putBack(); !back) return std::unexpected(Failure{back.error()});
+    (void)putBack();
     return std::unexpected(Failure{placed.error(), placed.error().number == EEXIST});
 }
 
-SetAside::Made SetAside::takeAway(int folder, const std::string& name, const FileStatus& existing,
-                                  bool numbersLast) {
-    SetAside item(folder, recordOf(StagingName::make(), name, existing));
-    if (const auto written = item.writeRecord(); !written) return std::unexpected(Failure{written.error()});
-    const auto moved = POSIX::renameExclusive(item.target(), item.aside());
+/// The two have traded places.
+SetAside::Done SetAside::settleExchange(StagedItem& staged) {
+    isAside_ = true;
+    const auto known = isKnown();
+    if (known && *known) {
+        staged.release();
+        hold();
+        return {};
+    }
+    const auto undone = twice([&] { return POSIX::exchange(staged.place(), target()); });
+    if (!undone) {
+        // The new item is where it was to be, and what stood there is kept, whatever it is.
+        isUnknown_ = true;
+        staged.release();
+        return {};
+    }
+    isAside_ = false;
+    forgetRecord();
+    return std::unexpected(known ? Failure{POSIXFailure{EEXIST}, true} : Failure{known.error()});
+}
+
+SetAside::Done SetAside::takeAway() {
+    if (const auto written = writeRecord(StagingName::make()); !written)
+        return std::unexpected(Failure{written.error()});
+    const auto moved = POSIX::renameExclusive(target(), aside());
     if (!moved) {
-        item.forgetRecord();
+        dropHalfDone();
+        if (!isAside_) forgetRecord();
         return std::unexpected(Failure{moved.error()});
     }
-    if (!item.isThere(numbersLast)) {
-        const auto back = item.putBack();
-        return std::unexpected(Failure{back ? POSIXFailure{EEXIST} : back.error(), back.has_value()});
+    isAside_ = true;
+    const auto known = isKnown();
+    if (known && *known) {
+        hold();
+        return {};
     }
-    item.hold();
-    return item;
+    (void)putBack();
+    return std::unexpected(known ? Failure{POSIXFailure{EEXIST}, true} : Failure{known.error()});
 }
+
+/// A rename that was made up of several calls may have ended between two of them.
+void SetAside::dropHalfDone() {
+    const auto half = POSIX::lstat(aside());
+    if (!half) return;
+    const auto whole = POSIX::lstat(target());
+    if (!whole && whole.error().number == ENOENT) {
+        isAside_ = true;
+        (void)putBack();
+        return;
+    }
+    const bool isSecondName = whole && whole->identity == half->identity;
+    const bool isPlaceholder = half->isRegular() && half->size == 0;
+    POSIX::Result<void> dropped = std::unexpected(POSIXFailure{EEXIST});
+    if (half->isDirectory())
+        dropped = twice([&] { return POSIX::removeDirectory(aside()); });
+    else if (isSecondName || isPlaceholder)
+        dropped = twice([&] { return POSIX::unlink(aside()); });
+    if (!dropped) strays_.push_back(record_.stagingName);
+}
+
+// ---- Back, or gone
 
 POSIX::Result<void> SetAside::putBack() {
-    auto back = POSIX::renameExclusive(aside(), target());
-    if (back) forgetRecord();
-    return back;
+    if (!isAside_) return {};
+    const auto back = twice([&] { return POSIX::renameExclusive(aside(), target()); });
+    if (!back) return back;
+    isAside_ = false;
+    lock_ = OwnedFd();
+    forgetRecord();
+    return {};
 }
 
-std::optional<POSIXFailure> SetAside::remove() {
+POSIX::Result<StagedItem> SetAside::putBackFor(const std::optional<FileIdentity>& present) {
+    if (!isAside_) return StagedItem::takenFrom(target(), present);
+    const auto exchanged = POSIX::exchange(aside(), target());
+    if (exchanged) {
+        const auto now = POSIX::lstat(aside());
+        if (!now || (present && now->identity != *present)) {
+            const auto undone = twice([&] { return POSIX::exchange(aside(), target()); });
+            return std::unexpected(!undone ? undone.error() : now ? POSIXFailure{EEXIST} : now.error());
+        }
+        isAside_ = false;
+        lock_ = OwnedFd();
+        forgetRecord();
+        return StagedItem(folder_, record_.stagingName);
+    }
+    auto taken = StagedItem::takenFrom(target(), present);
+    if (!taken) return taken;
+    if (const auto back = putBack(); !back && POSIX::renameExclusive(taken->place(), target())) {
+        taken->release();
+        return std::unexpected(back.error());
+    }
+    return taken;
+}
+
+void SetAside::remove() {
+    if (isUnknown_ || !isAside_) return;
     // First, lest a crash half-way leave a record of what is not whole any more.
     forgetRecord();
-    return removeStaging(aside());
+    if (removeStaging(aside())) return;
+    isAside_ = false;
+    lock_ = OwnedFd();
 }
 
 } // namespace ombrel

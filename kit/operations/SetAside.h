@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace ombrel {
 
@@ -36,7 +37,8 @@ struct SetAsideRecord {
 };
 
 /// An existing item on its way out: it stands under a hidden name until the one that replaces it is safe, and
-/// can be put back until then. Whatever happens, it is never lost: a record tells the next job what it was.
+/// can be put back until then. Whatever happens, it is never lost: a record tells the next job what it was,
+/// and `leftBehind` the caller. Move-only; used once.
 class SetAside {
 public:
     /// Why an item was not set aside. `isOther` means that something else stands there than the caller knew.
@@ -44,37 +46,52 @@ public:
         POSIXFailure cause;
         bool isOther = false;
     };
-    using Made = std::expected<SetAside, Failure>;
+    using Done = std::expected<void, Failure>;
 
-    /// Puts `staged` in the place of the entry `name` of its folder, at once where the file system can
-    /// exchange names; `existing` is what the caller knows of that entry. On success `staged` is released.
-    [[nodiscard]] static Made replace(StagedItem& staged, const std::string& name, const FileStatus& existing,
-                                      bool numbersLast);
-    /// Takes the entry `name` of `folder` away, so that its name is free.
-    [[nodiscard]] static Made takeAway(int folder, const std::string& name, const FileStatus& existing,
-                                       bool numbersLast);
-
+    /// Of the entry `name` of `folder`, which must outlive this; `existing` is what the caller knows of it.
+    /// Nothing is done yet.
+    SetAside(int folder, std::string name, const FileStatus& existing, bool numbersLast);
     SetAside(SetAside&&) noexcept = default;
 
-    /// Gives it its name back, which must be free.
+    /// Puts `staged`, an item of the same folder, in the place of the entry, at once where the file system
+    /// can exchange names. On success `staged` is released. On failure the entry has its name, unless
+    /// `isAside`.
+    [[nodiscard]] Done makeWayFor(StagedItem& staged);
+    /// Takes the entry away, so that its name is free. On failure the entry has its name, unless `isAside`.
+    [[nodiscard]] Done takeAway();
+
+    /// The entry stands under its hidden name.
+    [[nodiscard]] bool isAside() const noexcept { return isAside_; }
+
+    /// Gives the entry its name back, which must be free. Nothing to do unless it is aside.
     [[nodiscard]] POSIX::Result<void> putBack();
+    /// The same when the item that replaced it has the name, known by its identity where there is one: that
+    /// one is answered, under a hidden name. On failure it has its name; EEXIST when something else has.
+    [[nodiscard]] POSIX::Result<StagedItem> putBackFor(const std::optional<FileIdentity>& present);
     /// Removes it for good. What is left on failure is a staging item like any other.
-    [[nodiscard]] std::optional<POSIXFailure> remove();
-    /// Where it is.
-    [[nodiscard]] const std::string& stagingName() const noexcept { return record_.stagingName; }
+    void remove();
+
+    /// The hidden names that are still there: of the entry while it is aside, and of records.
+    [[nodiscard]] std::vector<std::string> leftBehind() const;
 
 private:
-    SetAside(int folder, SetAsideRecord record) : folder_(folder), record_(std::move(record)) {}
-    [[nodiscard]] POSIX::Result<void> writeRecord();
+    [[nodiscard]] POSIX::Result<void> writeRecord(std::string stagingName);
+    [[nodiscard]] POSIX::Result<void> writeRecordFile(POSIX::Place place);
     void forgetRecord();
+    void dropHalfDone();
+    [[nodiscard]] Done settleExchange(StagedItem& staged);
     [[nodiscard]] POSIX::Place aside() const noexcept { return {folder_, record_.stagingName.c_str()}; }
     [[nodiscard]] POSIX::Place target() const noexcept { return {folder_, record_.targetName.c_str()}; }
-    [[nodiscard]] bool isThere(bool numbersLast);
+    [[nodiscard]] POSIX::Result<bool> isKnown();
     void hold();
 
     int folder_;
     SetAsideRecord record_;
-    std::string recordName_;
+    bool numbersLast_;
+    bool isAside_ = false;
+    bool isUnknown_ = false;          // it may be something that nobody wanted replaced: never removed
+    std::string recordName_;          // empty while there is no record
+    std::vector<std::string> strays_; // other names of ours that could not be removed
     OwnedFd lock_;
 };
 

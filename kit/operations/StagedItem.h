@@ -16,6 +16,10 @@ public:
     explicit StagedItem(int folder);
     /// An item that has such a name already.
     StagedItem(int folder, std::string name) : folder_(folder), name_(std::move(name)) {}
+    /// Gives the entry `place` such a name, if it still is the one with that identity, where there is one;
+    /// EEXIST when it is not.
+    [[nodiscard]] static POSIX::Result<StagedItem> takenFrom(POSIX::Place place,
+                                                             const std::optional<FileIdentity>& identity);
     StagedItem(StagedItem&& other) noexcept;
     StagedItem& operator=(StagedItem&&) = delete;
     ~StagedItem();

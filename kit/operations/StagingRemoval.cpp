@@ -15,15 +15,15 @@ namespace {
 class Removal {
 public:
     std::optional<POSIXFailure> remove(POSIX::Place item) {
-        const auto status = POSIX::lstat(item);
-        if (!status) return status.error().number == ENOENT ? std::nullopt : std::optional(status.error());
+        const auto removed = POSIX::unlink(item);
+        if (removed || removed.error().number == ENOENT) return std::nullopt;
         auto trail = FolderTrail::from(item.folder);
         if (!trail) return trail.error();
         trail_ = std::move(*trail);
-        if (status->isDirectory())
-            removeTree(item.name);
-        else
-            tell(tried([&] { return POSIX::unlink(item); }));
+        const auto status = POSIX::lstat(item);
+        if (!status) return status.error().number == ENOENT ? std::nullopt : std::optional(status.error());
+        if (!status->isDirectory()) return removed.error();
+        removeTree(item.name);
         return first_;
     }
 
@@ -103,6 +103,8 @@ private:
 } // namespace
 
 std::optional<POSIXFailure> removeStaging(POSIX::Place item) {
+    // Passing troubles do not leave anything behind.
+    if (!Removal().remove(item)) return std::nullopt;
     return Removal().remove(item);
 }
 

@@ -1,12 +1,12 @@
 #include "operations/TransferSettlement.h"
 
 #include "listing/POSIXEntries.h"
-#include "listing/POSIXRename.h"
 
 #include <fcntl.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <iterator>
 #include <utility>
 
 namespace ombrel {
@@ -81,27 +81,43 @@ void TransferSettlement::complete(Placed& placed) {
         if (failure) outcome = ItemOutcome::copiedSourceKept(url, *failure);
     }
     run_.results[placed.result].outcome = outcome;
-    removeReplaced(placed);
+    if (!placed.replaced) return;
+    placed.replaced->remove();
+    tellLeftBehind(placed, placed.replaced->leftBehind());
 }
 
-void TransferSettlement::removeReplaced(Placed& placed) {
-    if (!placed.replaced || !placed.replaced->remove()) return;
-    const auto left = placed.destination->url().appending(placed.name);
-    run_.results.push_back(
-        {left, ItemOutcome::failed(Error::partialCopyLeftBehind(placed.replaced->stagingName()))});
+/// One result for each name of ours that is still there.
+void TransferSettlement::tellLeftBehind(const Placed& placed, const std::vector<std::string>& names) {
+    for (const auto& name : names)
+        run_.results.push_back({placed.destination->url().appending(placed.name),
+                                ItemOutcome::failed(Error::partialCopyLeftBehind(name))});
+}
+
+/// Takes a copy from its place again.
+POSIX::Result<StagedItem> TransferSettlement::withdraw(Placed& placed) {
+    std::optional<FileIdentity> identity;
+    if (placed.top)
+        if (const auto status = POSIX::status(placed.top.get())) identity = status->identity;
+    if (placed.replaced) return placed.replaced->putBackFor(identity);
+    return StagedItem::takenFrom({placed.destination->fd(), placed.name.c_str()}, identity);
 }
 
 /// It could not be made safe: the name goes back to what had it, and the source stays.
 void TransferSettlement::takeBack(Placed& placed, POSIXFailure failure) {
-    auto error = Error::from(failure);
-    StagedItem staged(placed.destination->fd());
-    const POSIX::Place target{placed.destination->fd(), placed.name.c_str()};
-    if (!POSIX::renameExclusive(target, staged.place()))
-        error = Error::partialCopyLeftBehind(placed.name);
-    else if (placed.replaced && !placed.replaced->putBack())
-        error = Error::partialCopyLeftBehind(placed.replaced->stagingName());
-    if (staged.remove()) error = Error::partialCopyLeftBehind(staged.name());
-    run_.results[placed.result].outcome = ItemOutcome::failed(error);
+    const auto url = placed.destination->url().appending(
+        placed.name, placed.isFolder ? FileURL::Mark::directory : FileURL::Mark::none);
+    auto outcome = ItemOutcome::failed(Error::from(failure));
+    std::vector<std::string> left;
+    if (auto withdrawn = withdraw(placed); !withdrawn) {
+        // It is whole, but who knows for how long.
+        outcome = placed.moved ? ItemOutcome::copiedSourceKept(url, Error::from(failure))
+                               : ItemOutcome::failed(Error::partialCopyLeftBehind(placed.name));
+    } else if (withdrawn->remove()) {
+        left.push_back(withdrawn->name());
+    }
+    run_.results[placed.result].outcome = outcome;
+    if (placed.replaced) std::ranges::copy(placed.replaced->leftBehind(), std::back_inserter(left));
+    tellLeftBehind(placed, left);
 }
 
 void TransferSettlement::removeMerged() {

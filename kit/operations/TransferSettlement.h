@@ -52,7 +52,8 @@ private:
     [[nodiscard]] POSIX::Result<void> flush();
     void complete(Placed& placed);
     void takeBack(Placed& placed, POSIXFailure failure);
-    void removeReplaced(Placed& placed);
+    [[nodiscard]] static POSIX::Result<StagedItem> withdraw(Placed& placed);
+    void tellLeftBehind(const Placed& placed, const std::vector<std::string>& names);
     void removeMerged();
 
     TransferRun& run_;
