@@ -14,6 +14,10 @@ Result<void> seek(int fd, std::int64_t offset) {
     return done(Kind::seek, [&] { return ::lseek(fd, offset, SEEK_SET) < 0 ? -1 : 0; });
 }
 
+Result<std::int64_t> position(int fd) {
+    return answered(Kind::seek, [&] { return ::lseek(fd, 0, SEEK_CUR); });
+}
+
 Result<std::optional<std::int64_t>> findData(int fd, std::int64_t offset) {
     const auto found = answered(Kind::seek, [&] { return ::lseek(fd, offset, SEEK_DATA); });
     if (found) return *found;

@@ -10,6 +10,8 @@ namespace ombrel::POSIX {
 
 /// From here on reads and writes go on at `offset`.
 [[nodiscard]] Result<void> seek(int fd, std::int64_t offset);
+/// Where the next read or write begins.
+[[nodiscard]] Result<std::int64_t> position(int fd);
 /// The first byte at or after `offset` that is not in a hole; nothing when only a hole is left. File systems
 /// that know no holes have none.
 [[nodiscard]] Result<std::optional<std::int64_t>> findData(int fd, std::int64_t offset);

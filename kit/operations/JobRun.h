@@ -20,6 +20,8 @@ public:
 
     /// Waits while the job is paused. Answers whether it is to go on: not once it is cancelled.
     [[nodiscard]] bool goesOn();
+    /// Whether the job is to wait now; `goesOn` does so.
+    [[nodiscard]] bool isPaused() const { return hooks_.control && hooks_.control->isPaused(); }
     /// The user or the caller has cancelled the job; never taken back.
     [[nodiscard]] bool isCancelled() const { return cancelled_ || stop_.stop_requested(); }
     /// Cancels the job, as the user does in answer to a question.

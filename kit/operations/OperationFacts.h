@@ -2,6 +2,7 @@
 
 #include "base/Hash.h"
 #include "listing/FileStatus.h"
+#include "operations/ArchiveFacts.h"
 #include "operations/TrashUnavailableReason.h"
 
 #include <cstdint>
@@ -28,9 +29,10 @@ struct ErrorFacts {
     std::optional<TrashUnavailableReason> trashReason; ///< of `trashUnavailable`
     bool isMountPoint = false; ///< a file system is mounted there, which the operation does not touch
     std::string toolWords;     ///< of `system`: what the tool wrote to its error output
+    std::optional<ArchiveFacts> archive = std::nullopt; ///< of `system` with the domain "archive"
 
     [[nodiscard]] std::size_t hashValue() const {
-        return hashOf(missingBytes, trashReason, isMountPoint, toolWords);
+        return hashOf(missingBytes, trashReason, isMountPoint, toolWords, archive);
     }
     friend bool operator==(const ErrorFacts&, const ErrorFacts&) = default;
 };

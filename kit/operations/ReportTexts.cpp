@@ -28,6 +28,8 @@ Text textOf(const FileOperationError& error, const ErrorFacts& facts, const Size
     if (facts.missingBytes && error.which() == Error::Case::noSpace)
         return {"error.fact.missingBytes", {sizeWords(*facts.missingBytes)}};
     if (facts.isMountPoint) return {"trash.unavailable.isMountPoint"};
+    if (facts.archive && error.which() == Error::Case::system)
+        return textOf(*facts.archive, FileName::displayText(facts.toolWords), error.code());
     if (!facts.toolWords.empty() && error.which() == Error::Case::system)
         return {"error.fact.toolWords", {error.name(), FileName::displayText(facts.toolWords)}};
     return error.text();

@@ -28,6 +28,15 @@
     <message id="app.help.summary"><source></source><translation>Opens a window for each folder, or for your home folder.</translation></message>
     <message id="app.help.usage"><source></source><translation>Usage: ombrel [OPTIONS] [FOLDER…]</translation></message>
     <message id="app.help.version"><source></source><translation>show the version, and end</translation></message>
+    <message id="archive.detail.damaged"><source></source><translation>The archive is damaged or incomplete, or not of the kind that its name says.</translation></message>
+    <message id="archive.detail.encrypted"><source></source><translation>The archive is protected with a password.</translation></message>
+    <message id="archive.detail.missingTool"><source></source><translation>The program “{1}” is not installed. Install the package “{2}”.</translation></message>
+    <message id="archive.detail.status"><source></source><translation>“{1}” ended with the status {2}.</translation></message>
+    <message id="archive.detail.unsafe"><source></source><translation>The archive holds items that would be written outside its folder.</translation></message>
+    <message id="archive.detail.unsupported"><source></source><translation>Archives of this kind are not supported.</translation></message>
+    <message id="archive.failed.compress"><source></source><translation>The items could not be compressed: {1}</translation></message>
+    <message id="archive.failed.extract"><source></source><translation>The archive could not be extracted: {1}</translation></message>
+    <message id="archive.unnamed"><source></source><translation>Archive</translation></message>
     <message id="cli.ask.cancel"><source></source><translation>Cancel</translation></message>
     <message id="cli.ask.prompt"><source></source><translation>Type a number, with * behind it for all further ones too:</translation></message>
     <message id="cli.copy.summary"><source></source><translation>Copies items into a folder and checks every copy.</translation></message>

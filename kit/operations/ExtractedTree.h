@@ -1,0 +1,20 @@
+#pragma once
+
+#include "base/FileURL.h"
+#include "operations/OperationReport.h"
+
+#include <functional>
+#include <vector>
+
+namespace ombrel {
+
+/// Looks through what a tool has extracted, before anybody else can reach it.
+///
+/// Set-user-id and set-group-id bits are taken away and device nodes removed, however they came there.
+/// Answers a result for each of them: `metadataNotPreserved`, or `posix(EOPNOTSUPP)` for a device. `top` is
+/// the open folder, `url` where its contents will be. Folders that cannot be opened are left alone. Links are
+/// not followed. `goesOn` is asked now and then.
+[[nodiscard]] std::vector<ItemResult> neutralise(int top, const FileURL& url,
+                                                 const std::function<bool()>& goesOn);
+
+} // namespace ombrel
