@@ -63,7 +63,7 @@ POSIX::Result<void> TransferSettlement::flush() {
         if (areFewFiles || last->volume().flushesFiles)
             if (placed.top) files.push_back(placed.top.get());
     }
-    return last->flush(files);
+    return last ? last->flush(files) : POSIX::Result<void>();
 }
 
 /// It is safe now: what it replaced may go, and the source it came from.

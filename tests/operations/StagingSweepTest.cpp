@@ -45,9 +45,10 @@ protected:
     std::string setAside(const std::string& name) const {
         const int folder = ::open(tree.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
         const auto status = POSIX::lstat(POSIX::Place{folder, name.c_str()});
-        const auto away = SetAside::takeAway(folder, name, *status, true);
+        SetAside item(folder, name, *status, true);
+        const auto away = item.takeAway();
         ::close(folder);
-        return away ? away->stagingName() : std::string();
+        return away ? item.leftBehind().front() : std::string();
     }
 };
 

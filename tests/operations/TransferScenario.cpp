@@ -157,12 +157,12 @@ std::expected<TransferVolumes, std::string> TransferVolumes::make() {
     return volumes;
 }
 
-TransferTrial::TransferTrial(const TransferScenario& scenario, const TransferStage& stage)
-    : scenario_(scenario), stage_(stage) {
+TransferTrial::TransferTrial(const TransferScenario& scenario, const TransferStage& stage, Seen seen)
+    : scenario_(scenario), stage_(stage), seen_(std::move(seen)) {
     scenario_.make(stage_);
     sourceRoot_ = scenario_.isInOwnFolder ? stage_.to.path("target") : stage_.from.path();
     for (const auto& item : scenario_.items)
-        items_.emplace_back(FileReference::sampling(*FileURL::fromPath(joined(sourceRoot_, item))));
+        items_.emplace_back(FileReference::sampling(*FileURL::fromPath(given(joined(sourceRoot_, item)))));
     sourcesBefore_ = snapshotOf(sourceRoot_);
     targetsBefore_ = snapshotOf(stage_.to.path());
 }
@@ -172,7 +172,8 @@ const OperationReport& TransferTrial::run(std::vector<ErrorDecision> errorAnswer
     ScriptedAnswers answers;
     answers.conflictAnswers.assign(8, {scenario_.answer, false});
     answers.errorAnswers.assign(errorAnswers.begin(), errorAnswers.end());
-    report_ = service.transfer(scenario_.kind, items_, stage_.to.url("target"), answers.hooks());
+    report_ = service.transfer(scenario_.kind, items_, *FileURL::fromPath(given(stage_.to.path("target"))),
+                               answers.hooks());
     told_.clear();
     for (const auto& item : report_.items)
         if (item.outcome.error() &&
@@ -187,7 +188,7 @@ const OperationReport& TransferTrial::run(std::vector<ErrorDecision> errorAnswer
 const ItemResult* TransferTrial::resultOf(const std::string& source) const {
     for (std::string path = source;; path = headOf(path)) {
         for (const auto& item : report_.items)
-            if (item.source && item.source->path() == joined(sourceRoot_, path)) return &item;
+            if (item.source && item.source->path() == given(joined(sourceRoot_, path))) return &item;
         if (path.find('/') == std::string::npos) return nullptr;
     }
 }
@@ -196,7 +197,7 @@ const ItemResult* TransferTrial::resultOf(const std::string& source) const {
 TreeSnapshot TransferTrial::wanted(const TransferPiece& piece) const {
     auto tree = partOf(sourcesBefore_, piece.source);
     for (const auto& item : report_.items) {
-        const std::string top = joined(sourceRoot_, piece.source) + "/";
+        const std::string top = given(joined(sourceRoot_, piece.source)) + "/";
         if (!item.source || !item.source->path().starts_with(top) || item.outcome.which() != Case::failed)
             continue;
         const auto leftOut = item.source->path().substr(top.size());
@@ -221,12 +222,12 @@ void TransferTrial::judge(const TransferPiece& piece, std::vector<std::string>& 
     const bool isKept = differences(source, sourceNow).empty();
     const std::string target = tailOf(piece.target);
 
-    for (const auto& [path, entry] : source) {
-        const auto isAsBefore = [&, &path = path, &entry = entry](const TreeSnapshot& tree) {
-            const auto found = tree.find(path);
-            return found != tree.end() && differences({{path, entry}}, {*found}, Compare::data).empty();
+    for (const auto& before : source) {
+        const auto isAsBefore = [&](const TreeSnapshot& tree) {
+            const auto found = tree.find(before.first);
+            return found != tree.end() && differences({before}, {*found}, Compare::data).empty();
         };
-        if (!isAsBefore(sourceNow) && !isAsBefore(targetNow)) say("lost " + path);
+        if (!isAsBefore(sourceNow) && !isAsBefore(targetNow)) say("lost " + before.first);
     }
     if (!isOld && !isNew) {
         if (!targetNow.empty()) say("neither old nor new at the target: " + unlikeNew.front());
@@ -257,31 +258,31 @@ void TransferTrial::judge(const TransferPiece& piece, std::vector<std::string>& 
 /// No names but those that were there, those that were wanted, and those that the report tells of.
 void TransferTrial::judgeNames(std::vector<std::string>& lines) const {
     std::set<std::string> found;
-    for (const auto& [path, entry] : targetsNow_) {
-        const bool isWanted = std::ranges::any_of(scenario_.pieces, [&, &path = path](const auto& piece) {
-            return isAtOrBelow(path, piece.target);
-        });
+    for (const auto& now : targetsNow_) {
+        const auto& path = now.first;
+        const bool isWanted = std::ranges::any_of(
+            scenario_.pieces, [&](const auto& piece) { return isAtOrBelow(path, piece.target); });
         if (isWanted) continue;
         const auto before = targetsBefore_.find(path);
         if (before != targetsBefore_.end()) {
-            if (!differences({*before}, {{path, entry}}, Compare::data).empty())
+            if (!differences({*before}, {now}, Compare::data).empty())
                 lines.push_back(path + " at the destination is not as it was");
             continue;
         }
-        const auto staging = std::ranges::find_if(told_, [&, &path = path](const std::string& name) {
-            return path.find("/" + name) != std::string::npos;
-        });
+        const auto staging = std::ranges::find_if(
+            told_, [&](const std::string& name) { return path.find("/" + name) != std::string::npos; });
         if (staging == told_.end())
             lines.push_back("left behind untold: " + path);
         else
             found.insert(*staging);
     }
-    for (const auto& [path, entry] : targetsBefore_)
-        if (!targetsNow_.contains(path) &&
-            std::ranges::none_of(scenario_.pieces, [&, &path = path](const auto& piece) {
+    for (const auto& before : targetsBefore_) {
+        const auto& path = before.first;
+        if (!targetsNow_.contains(path) && std::ranges::none_of(scenario_.pieces, [&](const auto& piece) {
                 return isAtOrBelow(path, piece.target);
             }))
             lines.push_back(path + " at the destination is gone");
+    }
     for (const auto& name : told_)
         if (!found.contains(name) && std::ranges::none_of(scenario_.pieces, [&](const auto& piece) {
                 return tailOf(piece.target) == name;

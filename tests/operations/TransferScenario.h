@@ -69,7 +69,10 @@ private:
 /// One run of a scenario: what there was before, then what the report and the disk say.
 class TransferTrial {
 public:
-    TransferTrial(const TransferScenario& scenario, const TransferStage& stage);
+    /// `seen` turns a path into the one that the transfer is given: for stages that it reaches by another
+    /// mount than the test.
+    using Seen = std::function<std::string(const std::string&)>;
+    TransferTrial(const TransferScenario& scenario, const TransferStage& stage, Seen seen = {});
 
     /// `errorAnswers` are given to the first errors; the others are answered with `skip`.
     const OperationReport& run(std::vector<ErrorDecision> errorAnswers = {});
@@ -82,12 +85,14 @@ public:
 private:
     void judge(const TransferPiece& piece, std::vector<std::string>& lines) const;
     void judgeNames(std::vector<std::string>& lines) const;
+    [[nodiscard]] std::string given(const std::string& path) const { return seen_ ? seen_(path) : path; }
     [[nodiscard]] const ItemResult* resultOf(const std::string& source) const;
     [[nodiscard]] TreeSnapshot wanted(const TransferPiece& piece) const;
     [[nodiscard]] bool isToldAside(const TransferPiece& piece, const TreeSnapshot& old) const;
 
     const TransferScenario& scenario_;
     const TransferStage& stage_;
+    Seen seen_;
     std::string sourceRoot_; // of `from`, or the destination when that is the source's own folder
     std::vector<TransferItem> items_;
     TreeSnapshot sourcesBefore_, targetsBefore_, sourcesNow_, targetsNow_;
