@@ -14,6 +14,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -103,6 +104,14 @@ public:
     void setRow(Place place, std::optional<std::size_t> row);
     /// The row of an item of the present listing; nothing when it is filtered out.
     [[nodiscard]] std::optional<std::size_t> rowOf(ItemRef item) const noexcept;
+
+    // ---- What its owners do for it. An absent one means that nobody does.
+    std::function<void()> requestAddressFocus;
+    std::function<void()> requestSearchFocus;
+    std::function<void()> requestQuickLook;
+    /// Opens a tab beside this one: at a folder, or without one at home.
+    std::function<void(const std::optional<FileURL>& at)> requestNewTab;
+    std::function<void()> requestCloseTab;
 
 Q_SIGNALS:
     /// The pane has begun to show another place, or the same one anew; its items are gone.

@@ -1,0 +1,148 @@
+#include "browser/KeyRouter.h"
+
+#include "browser/BrowserTabsModel.h"
+#include "browser/KeyStrokes.h"
+#include "browser/ModelWorld.h"
+
+#include <gmock/gmock.h>
+
+namespace ombrel {
+namespace {
+
+using namespace testing;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using Press = KeyRouter::Press;
+
+/// A window without widgets: tabs, commands and keys, with the focus in the file view.
+class WindowOfKeys : public ::testing::Test {
+protected:
+    WindowOfKeys()
+        : tabs([] { return std::make_unique<BrowserModel>(realListings()); }, filled()),
+          keys(commands, {.preset = [this] { return preset; },
+                          .activePane = [this]() -> BrowserModel& { return tabs.activeTab(); },
+                          .performTabCommand = [this](TabCommand command) { tabs.perform(command); }}) {
+        commands.bind(FileCommand::open, {.perform = [](BrowserModel& pane) {
+                          pane.navigate(pane.items()[*pane.selection().firstRow()].url());
+                      }});
+        for (const auto command : {FileCommand::moveToTrash, FileCommand::newFolder, FileCommand::paste})
+            commands.bind(command, {.perform = [this, command](BrowserModel&) { done.push_back(command); }});
+    }
+
+    FileURL filled() {
+        tree.folder("inner");
+        tree.file("inner/one");
+        tree.file("inner/two");
+        return tree.url();
+    }
+    /// As the file view does it: first the window, then the view. True when the key is used up.
+    bool press(std::string_view text, Press how = Press::first) {
+        EXPECT_TRUE(runUntilLoaded(tabs.activeTab()));
+        return keys.pressInWindow(stroke(text), how, false, false) || keys.pressInFileView(stroke(text), how);
+    }
+    [[nodiscard]] std::string shown() const {
+        const auto& pane = tabs.activeTab();
+        return pane.currentURL() ? pane.currentURL()->path().substr(tree.path().size()) : "home";
+    }
+
+    TempTree tree;
+    KeyPreset preset = KeyPreset::windows;
+    CommandDispatcher commands;
+    BrowserTabsModel tabs;
+    KeyRouter keys;
+    std::vector<FileCommand> done;
+};
+
+TEST_F(WindowOfKeys, IsDrivenByKeysOfBothPresets) {
+    struct Keys {
+        KeyPreset preset;
+        std::string_view open, back, forward, up, selectAll, newTab, nextTab, closeTab, newFolder, paste,
+            trash;
+    };
+    for (const Keys& with :
+         {Keys{KeyPreset::windows, "return", "backspace", "alt+right", "alt+up", "ctrl+a", "ctrl+t",
+               "ctrl+tab", "ctrl+w", "ctrl+shift+n", "ctrl+v", "delete"},
+          Keys{KeyPreset::mac, "cmd+down", "cmd+[", "cmd+]", "cmd+up", "cmd+a", "cmd+t", "ctrl+tab", "cmd+w",
+               "shift+cmd+n", "cmd+v", "cmd+backspace"},
+          Keys{KeyPreset::mac, "ctrl+down", "ctrl+[", "ctrl+]", "ctrl+up", "ctrl+a", "ctrl+t", "ctrl+tab",
+               "ctrl+w", "ctrl+shift+n", "ctrl+v", "ctrl+backspace"}}) {
+        SCOPED_TRACE(with.open);
+        preset = with.preset;
+        done.clear();
+        ASSERT_TRUE(runUntilLoaded(tabs.activeTab()));
+        select(tabs.activeTab(), {"inner"});
+        EXPECT_TRUE(press(with.open));
+        EXPECT_EQ(shown(), "/inner");
+        EXPECT_TRUE(press(with.selectAll));
+        EXPECT_THAT(selectedNames(tabs.activeTab()), ElementsAre("one", "two"));
+        EXPECT_TRUE(press(with.back));
+        EXPECT_EQ(shown(), "");
+        EXPECT_TRUE(press(with.forward));
+        EXPECT_EQ(shown(), "/inner");
+        EXPECT_TRUE(press(with.newTab));
+        EXPECT_EQ(shown(), "home");
+        EXPECT_TRUE(press(with.nextTab));
+        EXPECT_EQ(shown(), "/inner");
+        EXPECT_TRUE(press(with.nextTab));
+        EXPECT_TRUE(press(with.closeTab));
+        EXPECT_EQ(shown(), "/inner");
+        EXPECT_EQ(tabs.count(), 1U);
+        EXPECT_TRUE(press(with.up));
+        EXPECT_EQ(shown(), "");
+        EXPECT_TRUE(press(with.newFolder));
+        EXPECT_TRUE(press(with.paste));
+        EXPECT_THAT(selectedNames(tabs.activeTab()), ElementsAre("inner"));
+        EXPECT_TRUE(press(with.trash));
+        EXPECT_THAT(done, ElementsAre(FileCommand::newFolder, FileCommand::paste, FileCommand::moveToTrash));
+    }
+}
+
+TEST_F(WindowOfKeys, LetsKeysGoOnThatMeanNothingHere) {
+    EXPECT_FALSE(press("f2")) << "nothing renames";
+    EXPECT_FALSE(press("delete")) << "nothing is selected";
+    EXPECT_FALSE(press("x"));
+    EXPECT_TRUE(press("alt+left")) << "there is nothing to go back to now, but it means that";
+    EXPECT_THAT(done, IsEmpty());
+    EXPECT_FALSE(keys.pressInWindow(stroke("ctrl+t"), Press::first, true, false));
+    EXPECT_FALSE(keys.pressInWindow(stroke("ctrl+tab"), Press::first, false, true));
+    preset = KeyPreset::mac;
+    EXPECT_FALSE(keys.pressInWindow(stroke("cmd+v"), Press::first, true, false));
+    EXPECT_FALSE(press("return"));
+    EXPECT_THAT(done, IsEmpty());
+    EXPECT_EQ(tabs.count(), 1U);
+}
+
+TEST_F(WindowOfKeys, DoesNotRepeatWhatChangesThingsWhileAKeyIsHeld) {
+    ASSERT_TRUE(runUntilLoaded(tabs.activeTab()));
+    select(tabs.activeTab(), {"inner"});
+    EXPECT_TRUE(press("delete"));
+    EXPECT_TRUE(press("delete", Press::repeated));
+    EXPECT_THAT(done, ElementsAre(FileCommand::moveToTrash));
+    EXPECT_TRUE(press("ctrl+t", Press::repeated));
+    EXPECT_EQ(tabs.count(), 1U);
+    tabs.activeTab().navigate(tree.url("inner"));
+    tabs.activeTab().navigate(tree.url());
+    EXPECT_TRUE(press("backspace"));
+    EXPECT_TRUE(press("alt+right", Press::repeated));
+    EXPECT_EQ(shown(), "");
+}
+
+TEST_F(WindowOfKeys, AsksThePaneForWhatItsViewsDo) {
+    ASSERT_TRUE(runUntilLoaded(tabs.activeTab()));
+    auto& pane = tabs.activeTab();
+    EXPECT_FALSE(commands.canPerform(FileCommand::focusAddress, pane));
+    std::vector<std::string> asked;
+    pane.requestAddressFocus = [&] { asked.emplace_back("address"); };
+    pane.requestSearchFocus = [&] { asked.emplace_back("search"); };
+    pane.requestQuickLook = [&] { asked.emplace_back("look"); };
+    press("alt+d");
+    press("f3");
+    press("space");
+    select(pane, {"inner"});
+    press("space");
+    EXPECT_THAT(asked, ElementsAre("address", "search", "look"));
+    EXPECT_FALSE(commands.perform(FileCommand::rename, pane)) << "nobody does it";
+}
+
+} // namespace
+} // namespace ombrel
