@@ -16,6 +16,8 @@ extern const Command trashListCommand;
 extern const Command restoreCommand;
 extern const Command emptyTrashCommand;
 extern const Command deleteCommand;
+extern const Command compressCommand;
+extern const Command extractCommand;
 extern const Command findCommand;
 extern const Command volumesCommand;
 extern const Command grantsCommand;

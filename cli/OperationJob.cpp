@@ -82,6 +82,9 @@ std::string jsonLine(const ItemResult& item, const Session& session) {
     if (error->which() == FileOperationError::Case::invalidName)
         object.add("reason", rawValue(error->reason()));
     if (item.facts.trashReason) object.add("reason", rawValue(*item.facts.trashReason));
+    if (item.facts.archive && item.facts.archive->fault)
+        object.add("reason", rawValue(*item.facts.archive->fault));
+    if (!item.facts.toolWords.empty()) object.addBytes("toolWords", item.facts.toolWords);
     if (item.facts.missingBytes) object.add("missingBytes", *item.facts.missingBytes);
     const auto words = [&](std::int64_t bytes) { return sizeWords(bytes, session); };
     object.add("message", textOf(item, words).localized());

@@ -39,6 +39,8 @@
     <message id="archive.unnamed"><source></source><translation>Archive</translation></message>
     <message id="cli.ask.cancel"><source></source><translation>Cancel</translation></message>
     <message id="cli.ask.prompt"><source></source><translation>Type a number, with * behind it for all further ones too:</translation></message>
+    <message id="cli.compress.name"><source></source><translation>The name of the archive; “.zip” is added where it is missing. Named after the first item unless told otherwise.</translation></message>
+    <message id="cli.compress.summary"><source></source><translation>Makes a ZIP archive of items in a folder and prints its path; a name that is taken is numbered.</translation></message>
     <message id="cli.copy.summary"><source></source><translation>Copies items into a folder and checks every copy.</translation></message>
     <message id="cli.delete.summary"><source></source><translation>Removes items for good, with everything in them.</translation></message>
     <message id="cli.emptyTrash.summary"><source></source><translation>Removes everything in the trash for good.</translation></message>
@@ -58,6 +60,7 @@
     <message id="cli.error.unknownOption"><source></source><translation>There is no option {1}.</translation></message>
     <message id="cli.error.unknownValue"><source></source><translation>The option {1} does not know “{2}”. Possible are: {3}.</translation></message>
     <message id="cli.error.unknownVerb"><source></source><translation>“{1}” is not possible here. Possible are: {2}.</translation></message>
+    <message id="cli.extract.summary"><source></source><translation>Extracts archives, each beside itself into a new folder, and prints their paths.</translation></message>
     <message id="cli.find.all"><source></source><translation>Find hidden and protected items too, and look into such folders.</translation></message>
     <message id="cli.find.limit"><source></source><translation>The search ended at {1} matches. There may be more.</translation></message>
     <message id="cli.find.summary"><source></source><translation>Finds the items below a folder whose names contain a text, and prints them as they are found.</translation></message>

@@ -1,0 +1,90 @@
+#include "support/ChildProcess.h"
+#include "support/TempTree.h"
+
+#include <QByteArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace ombrel {
+namespace {
+
+using namespace testing;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+class ArchiveCommands : public ::testing::Test {
+protected:
+    TempTree tree;
+
+    std::unique_ptr<ChildProcess> start(std::vector<std::string> words) const {
+        words.insert(words.begin(), OMBRELCTL_PATH);
+        return std::make_unique<ChildProcess>(words, ChildProcess::Setting{.workingFolder = tree.path()});
+    }
+    ChildResult run(std::vector<std::string> words) const { return start(std::move(words))->finish(); }
+};
+
+TEST_F(ArchiveCommands, CompressAndExtractAndPrintWhatTheyMade) {
+    tree.folder("photos");
+    tree.file("photos/\xFF\n1", "one");
+    tree.file("two", "2");
+    auto result = run({"compress", "photos", "two", "."});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, tree.path("photos.zip") + "\n");
+    EXPECT_THAT(result.errors, IsEmpty());
+    result = run({"compress", "-0", "--name", "my album", "photos", tree.path()});
+    EXPECT_EQ(result.output, tree.path("my album.zip") + std::string(1, '\0'));
+
+    result = run({"extract", "photos.zip", "my album.zip"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, tree.path("photos (2)") + "\n" + tree.path("my album") + "\n");
+    EXPECT_EQ(tree.contents("photos (2)/photos/\xFF\n1") + tree.contents("photos (2)/two"), "one2");
+    EXPECT_EQ(tree.contents("my album/photos/\xFF\n1"), "one");
+
+    const auto json = run({"compress", "--json", "--name=j", "two", "."});
+    const auto line =
+        QJsonDocument::fromJson(QByteArray::fromStdString(json.output).split('\n').at(0)).object();
+    EXPECT_EQ(line.value(QLatin1String("destination")).toString().toStdString(), tree.path("j.zip"));
+}
+
+TEST_F(ArchiveCommands, TellWhatIsWrongInOneSentence) {
+    tree.file("bad.zip", "no zip");
+    tree.file("x.aar", "AA01");
+    const auto result = run({"extract", "--json", "bad.zip", "x.aar", "absent.7z"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.errors, HasSubstr(tree.path("bad.zip") +
+                                         ": The archive could not be extracted: The archive is damaged"));
+    EXPECT_THAT(
+        result.errors,
+        HasSubstr("x.aar: The archive could not be extracted: Archives of this kind are not supported."));
+    EXPECT_THAT(result.errors, HasSubstr("absent.7z: The item no longer exists."));
+    EXPECT_THAT(result.output, HasSubstr("\"reason\":\"damaged\""));
+    EXPECT_THAT(result.output, HasSubstr("\"reason\":\"unsupported\""));
+    EXPECT_THAT(tree.names(), ElementsAre("bad.zip", "x.aar"));
+    EXPECT_EQ(run({"compress", "bad.zip", "nowhere"}).status, 1);
+    EXPECT_EQ(run({"compress", "bad.zip"}).status, 2);
+    EXPECT_EQ(run({"extract"}).status, 2);
+}
+
+TEST_F(ArchiveCommands, LeaveNothingBehindWhenInterrupted) {
+    tree.folder("out");
+    tree.fileOfSize("big", 150'000'000);
+    const auto program = start({"compress", "big", "out"});
+    for (int look = 0; look < 2000 && tree.names("out").empty(); ++look)
+        ::usleep(10'000);
+    EXPECT_THAT(tree.names("out"), ElementsAre(HasSubstr(".hom-zip-")));
+    program->signal(SIGINT);
+    EXPECT_EQ(program->finish().status, 130);
+    EXPECT_THAT(tree.names("out"), IsEmpty());
+}
+
+} // namespace
+} // namespace ombrel
