@@ -86,6 +86,12 @@ Result<void> close(OwnedFd fd) {
     return closed;
 }
 
+Result<void> closeCopyOf(int fd) {
+    const auto copy = answered(Kind::open, [&] { return ::fcntl(fd, F_DUPFD_CLOEXEC, 0); });
+    if (!copy) return std::unexpected(copy.error());
+    return close(OwnedFd(*copy));
+}
+
 Result<void> flush(int fd) {
     return done(Kind::flush, [&] { return ::fsync(fd); });
 }

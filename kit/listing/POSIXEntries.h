@@ -41,6 +41,9 @@ namespace ombrel::POSIX {
 /// Closes now and tells a late write error, as OwnedFd::close does.
 [[nodiscard]] Result<void> close(OwnedFd fd);
 
+/// Tells the late write errors that closing tells, and leaves `fd` open.
+[[nodiscard]] Result<void> closeCopyOf(int fd);
+
 /// Waits until the descriptor's data, or the entries of the folder it stands for, are on the medium.
 [[nodiscard]] Result<void> flush(int fd);
 

@@ -61,7 +61,10 @@ Result<void> renameFileOntoOwn(Place from, Place to) {
     if (!placeholder) return std::unexpected(placeholder.error());
     if (ownerOf(to, placeholder->get()) != Owner::us) return std::unexpected(POSIXFailure{EEXIST});
     auto renamed = rename(from, to);
-    if (!renamed && ownerOf(to, placeholder->get()) == Owner::us) (void)unlink(to);
+    if (renamed || ownerOf(to, placeholder->get()) != Owner::us) return renamed;
+    // Closed first: some drivers cannot remove what is open without a rename.
+    *placeholder = OwnedFd();
+    if (!unlink(to)) (void)unlink(to);
     return renamed;
 }
 
@@ -72,6 +75,7 @@ Result<void> renameByLink(Place from, Place to) {
         return renameFileOntoOwn(from, to);
     }
     auto unlinked = unlink(from);
+    if (!unlinked) unlinked = unlink(from);
     if (!unlinked) (void)unlink(to);
     return unlinked;
 }
@@ -95,6 +99,11 @@ Result<void> renameExclusive(Place from, Place to) {
         return item->isDirectory() ? renameFolderOntoOwn(from, to) : renameByLink(from, to);
     if (wasDoneAllTheSame(from, to, *item)) return {};
     return renamed;
+}
+
+bool areOneItem(Place a, Place b) {
+    const auto first = lstat(a), second = lstat(b);
+    return first && second && !first->isDirectory() && first->identity == second->identity;
 }
 
 Result<void> exchange(Place a, Place b) {

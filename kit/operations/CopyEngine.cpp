@@ -215,6 +215,8 @@ CopyResult<void> CopyEngine::fillFile(Index index, int from, const FileStatus& s
         if (auto flushed = POSIX::flush(to.get()); !flushed)
             return std::unexpected(CopyFailure::ofCopy(flushed.error()));
     if (isTop) {
+        if (auto closed = POSIX::closeCopyOf(to.get()); !closed)
+            return std::unexpected(CopyFailure::ofCopy(closed.error()));
         top_ = std::move(to);
         return {};
     }

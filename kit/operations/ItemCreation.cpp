@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <string>
+#include <utility>
 
 namespace ombrel {
 namespace {
@@ -17,7 +18,7 @@ POSIX::Result<void> createFile(POSIX::Place place, std::string_view contents) {
     auto file = POSIX::open(place, O_WRONLY | O_CREAT | O_EXCL, 0666);
     if (!file) return std::unexpected(file.error());
     auto written = POSIX::writeAll(file->get(), contents);
-    if (written) written = file->close();
+    if (written) written = POSIX::close(std::move(*file));
     if (!written) (void)POSIX::unlink(place);
     return written;
 }

@@ -256,6 +256,8 @@ ItemTransfer::Result<std::optional<ItemTransfer::Attempt>> ItemTransfer::rename(
             const auto renamed = renameReplacing();
             if (renamed) return Attempt::completed;
             if (renamed.error().error == Error::posix(EXDEV)) return std::nullopt;
+            if (renamed.error().error.which() == Error::Case::sourceRemovalFailed)
+                return keepSource(renamed.error().error);
             if (renamed.error().error != Error::Case::destinationExists)
                 return std::unexpected(renamed.error());
         } else {
@@ -266,13 +268,22 @@ ItemTransfer::Result<std::optional<ItemTransfer::Attempt>> ItemTransfer::rename(
             if (number == ENOENT)
                 return failure(destination_->isStillThere() ? Error::Case::sourceMissing
                                                             : Error::Case::destinationMissing);
-            if (number != EEXIST && number != ENOTEMPTY) return failure(Error::from(renamed.error()));
+            if (number != EEXIST && number != ENOTEMPTY)
+                return POSIX::areOneItem(source_->place(), targetPlace())
+                           ? keepSource(Error::sourceRemovalFailed(number))
+                           : failure(Error::from(renamed.error()));
         }
         // Something has taken the name meanwhile, or what has it is not what was asked about.
         const auto found = findTarget();
         if (!found) return std::unexpected(found.error());
         if (const auto end = ending(*found)) return *end;
     }
+}
+
+/// The item has its new name, and the old one could not be removed.
+ItemTransfer::Result<std::optional<ItemTransfer::Attempt>> ItemTransfer::keepSource(Error reason) {
+    finish(ItemOutcome::copiedSourceKept(targetURL(), std::move(reason)));
+    return Attempt::settled;
 }
 
 ItemTransfer::Result<void> ItemTransfer::renameReplacing() {
@@ -287,7 +298,8 @@ ItemTransfer::Result<void> ItemTransfer::renameReplacing() {
         return std::unexpected(fromDestination(away.error().cause));
     }
     const auto renamed = relocate(source_->place(), source_->status(), targetPlace());
-    if (!renamed) {
+    const bool isThere = renamed || POSIX::areOneItem(source_->place(), targetPlace());
+    if (!isThere) {
         if (const auto back = replaced_->putBack(); !back) return failure(Error::from(back.error()));
         const int number = renamed.error().number;
         return failure(number == EXDEV ? Error::posix(EXDEV) : Error::from(number));
@@ -296,6 +308,7 @@ ItemTransfer::Result<void> ItemTransfer::renameReplacing() {
     for (auto& name : replaced_->leftBehind())
         left_.emplace_back(targetURL(), std::move(name));
     replaced_.reset();
+    if (!renamed) return failure(Error::sourceRemovalFailed(renamed.error().number));
     return {};
 }
 
@@ -444,7 +457,9 @@ ItemTransfer::Result<void> ItemTransfer::putInPlace(StagedItem& staged) {
         target_.replaced.reset(); // it went by itself
     }
     const auto renamed = POSIX::renameExclusive(staged.place(), targetPlace());
-    if (!renamed) return std::unexpected(fromDestination(renamed.error()));
+    if (!renamed && (renamed.error().number == EEXIST || !POSIX::areOneItem(staged.place(), targetPlace())))
+        return std::unexpected(fromDestination(renamed.error()));
+    if (!renamed) left_.emplace_back(targetURL(), staged.name());
     staged.release();
     return {};
 }

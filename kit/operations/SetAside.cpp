@@ -167,7 +167,9 @@ SetAside::Done SetAside::makeWayFor(StagedItem& staged) {
     if (!cannotExchange(exchanged.error().number)) return std::unexpected(Failure{exchanged.error()});
     if (auto away = takeAway(); !away) return away;
     const auto placed = POSIX::renameExclusive(staged.place(), target());
-    if (placed) {
+    const bool isPlaced = placed || POSIX::areOneItem(staged.place(), target());
+    if (isPlaced) {
+        if (!placed) strays_.push_back(staged.name());
         staged.release();
         return {};
     }
@@ -240,7 +242,8 @@ void SetAside::dropHalfDone() {
 POSIX::Result<void> SetAside::putBack() {
     if (!isAside_) return {};
     const auto back = twice([&] { return POSIX::renameExclusive(aside(), target()); });
-    if (!back) return back;
+    if (!back && !POSIX::areOneItem(aside(), target())) return back;
+    if (!back) strays_.push_back(record_.stagingName);
     isAside_ = false;
     lock_ = OwnedFd();
     forgetRecord();

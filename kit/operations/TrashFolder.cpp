@@ -201,7 +201,7 @@ POSIX::Result<std::string> TrashFolder::take(const ConfirmedSource& source, cons
         }
         if (!file) return std::unexpected(file.error());
         auto done = POSIX::writeAll(file->get(), text);
-        if (done) done = file->close();
+        if (done) done = POSIX::close(std::move(*file));
         if (done) done = relocate(source.place(), source.status(), POSIX::Place{files_.get(), name.c_str()});
         if (done) return name;
         (void)POSIX::unlink(record);

@@ -68,6 +68,7 @@ static void* start(struct fuse_conn_info* connection, struct fuse_config* config
     (void)connection;
     config->use_ino = 1;
     config->nullpath_ok = 0;
+    config->hard_remove = 1; /* a file that is removed while it is open gets no name of the library's */
     config->attr_timeout = 0;
     config->entry_timeout = 0;
     return NULL;
