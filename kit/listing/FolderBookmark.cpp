@@ -211,6 +211,8 @@ struct AtPath {
 };
 
 AtPath lookAtPath(const FolderBookmark& bookmark, const MountTable& table) {
+    const Mount* place = table.containing(bookmark.path);
+    if (place && place->isAsleep) return {.failure = POSIXFailure{ENOENT}};
     const auto folder = openFolder(bookmark.path);
     if (!folder) return {.failure = folder.error()};
     const Mount* mount = table.of(folder->status);

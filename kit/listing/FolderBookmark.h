@@ -69,8 +69,8 @@ public:
 
     /// Where the folder is now. Asked are, in this order: the path; the folders on the way, each looked for
     /// by what it is in the deepest one that is still itself; the same path on the same volume mounted
-    /// elsewhere. The disk is never searched. What stands at the path but is another folder is not taken for
-    /// it.
+    /// elsewhere. The disk is never searched, and nothing is mounted. What stands at the path but is another
+    /// folder is not taken for it.
     ///
     /// On file systems that renumber inodes a folder at the same path of the same volume counts as the same.
     /// A folder that may not be looked at is answered by its path.

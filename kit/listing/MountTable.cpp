@@ -50,6 +50,7 @@ std::optional<Mount> mountOf(libmnt_fs* entry) {
     appendOptions(mount.options, mnt_fs_get_fs_options(entry));
     appendOptions(mount.options, mnt_fs_get_user_options(entry));
     mount.isReadOnly = mount.hasOption("ro");
+    mount.isAsleep = mount.type == "autofs";
     mount.traits = FileSystemTraits::of(mount.type);
     return mount;
 }
@@ -210,7 +211,7 @@ bool MountTable::isVisible(const Mount& mount) const noexcept {
 bool MountTable::mayHang(const Mount& mount) const noexcept {
     const Mount* place = &mount;
     for (std::size_t depth = 0; place && depth < mounts().size(); ++depth) {
-        if (!place->traits.reportsChanges()) return true;
+        if (place->isAsleep || !place->traits.reportsChanges()) return true;
         place = place->parentID == place->id ? nullptr : byID(place->parentID);
     }
     return false;

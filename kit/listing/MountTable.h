@@ -29,6 +29,8 @@ struct Mount {
     std::string options; ///< of the mount, the file system and the user space, separated by commas
     FileSystemTraits traits;
     bool isReadOnly = false;
+    /// A place (autofs) where stepping in makes somebody mount a volume, which may take for ever.
+    bool isAsleep = false;
     bool isRemovable = false; ///< on a medium or drive that can be taken away
     /// The block device that holds it, where there is one.
     std::optional<std::uint64_t> blockDevice;
@@ -75,8 +77,8 @@ public:
     /// Whether `mount` can be reached by its path: no other one stands on it or on a folder above it.
     [[nodiscard]] bool isVisible(const Mount& mount) const noexcept;
 
-    /// Whether `mount`, or one that the way to it leads through, is served by another machine or process, so
-    /// that a call on it may not come back.
+    /// Whether `mount`, or one that the way to it leads through, is asleep or served by another machine or
+    /// process, so that a call on it may not come back.
     [[nodiscard]] bool mayHang(const Mount& mount) const noexcept;
 
 private:

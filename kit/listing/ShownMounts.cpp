@@ -76,7 +76,7 @@ std::vector<const Mount*> shownMounts(const MountTable& table) {
         return std::ranges::any_of(shown, [&](const Mount* other) { return other->device == mount.device; });
     };
     for (const Mount& mount : table.mounts()) {
-        if (mount.hasOption("x-gvfs-hide") || !table.isVisible(mount)) continue;
+        if (mount.isAsleep || mount.hasOption("x-gvfs-hide") || !table.isVisible(mount)) continue;
         const bool isAsked = mount.point.isRoot() || mount.hasOption("x-gvfs-show");
         const bool isShown = isAsked || isInMediaPlace(mount.point.path()) ||
                              (!mount.traits.isPseudo && isForPeople(mount) && !isSeenAlready(mount));

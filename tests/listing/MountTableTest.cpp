@@ -63,6 +63,20 @@ TEST(MountTable, FindsTheMountOfAPathAsTheKernelWalks) {
     EXPECT_EQ(MountTable().containing(url("/srv")), nullptr);
 }
 
+TEST(MountTable, KnowsWhereACallMayNotComeBack) {
+    const auto table = *MountTable::fromText(R"(1 0 254:0 / / rw - ext4 /dev/vda1 rw
+2 1 0:41 / /share rw - nfs4 server:/share rw
+3 2 0:42 / /share/memory rw - tmpfs tmpfs rw
+4 1 0:43 / /own rw - fuse.own own rw
+5 1 0:44 / /asleep rw - autofs systemd-1 rw,direct
+6 1 8:17 / /disk rw - ext4 /dev/sdb1 rw
+)");
+    std::vector<std::string> found;
+    for (const Mount& mount : table.mounts())
+        if (table.mayHang(mount)) found.push_back(mount.point.path());
+    EXPECT_THAT(found, ::testing::ElementsAre("/share", "/share/memory", "/own", "/asleep"));
+}
+
 TEST(MountTable, TheRunningSystemsTableAgreesWithTheKernel) {
     const auto table = MountTable::current();
     ASSERT_FALSE(table.mounts().empty());

@@ -60,14 +60,17 @@ constexpr std::string_view desktop = R"(1 0 259:2 / / rw - ext4 /dev/nvme0n1p2 r
 22 1 0:37 / /opt/shown rw - overlay overlay rw,x-gvfs-show
 23 1 0:38 / /media/covered rw - tmpfs tmpfs rw
 24 23 0:39 / /media/covered rw - tmpfs tmpfs rw
+25 1 0:40 / /mnt/asleep rw - autofs systemd-1 rw,direct
+26 1 0:40 / /mnt/awake rw - autofs systemd-1 rw,direct
+27 26 0:41 / /mnt/awake rw - nfs4 server:/awake rw
 )";
 
 TEST(ShownMounts, AreThoseThatPeopleKnow) {
     const auto table = *MountTable::fromText(desktop);
-    EXPECT_THAT(pathsOf(table),
-                ElementsAre("/", "/run/media/ann/STICK", "/data", "/home/ann/server", "/net/share",
-                            "/mnt/memory", "/mnt/bound", "/pictures", "/opt/shown", "/media/covered"));
-    EXPECT_EQ(shownMounts(table).back()->id, 24U);
+    EXPECT_THAT(pathsOf(table), ElementsAre("/", "/run/media/ann/STICK", "/data", "/home/ann/server",
+                                            "/net/share", "/mnt/memory", "/mnt/bound", "/pictures",
+                                            "/opt/shown", "/media/covered", "/mnt/awake"));
+    EXPECT_EQ(shownMounts(table).back()->id, 27U);
     EXPECT_TRUE(shownMounts(MountTable()).empty());
 }
 
