@@ -6,6 +6,8 @@
 #include <sys/vfs.h>
 #include <unistd.h>
 
+#include <limits>
+
 namespace ombrel::POSIX {
 
 using SystemCall::Kind;
@@ -75,8 +77,10 @@ Result<FileSystemSpace> space(int fd) {
     struct statfs facts;
     const auto asked = done(Kind::fileSystem, [&] { return ::fstatfs(fd, &facts); });
     if (!asked) return std::unexpected(asked.error());
-    return FileSystemSpace{static_cast<std::int64_t>(facts.f_bavail) * facts.f_frsize,
-                           static_cast<long>(facts.f_type) == zfs};
+    // A driver that does not count says that it has 0 of 0 blocks.
+    const auto available = facts.f_blocks == 0 ? std::numeric_limits<std::int64_t>::max()
+                                               : static_cast<std::int64_t>(facts.f_bavail) * facts.f_frsize;
+    return FileSystemSpace{available, static_cast<long>(facts.f_type) == zfs};
 }
 
 } // namespace ombrel::POSIX

@@ -38,8 +38,9 @@ void dropCache(int fd) noexcept;
 
 /// What the file system of an open file has and is.
 struct FileSystemSpace {
-    std::int64_t available = 0; ///< bytes that this user may still fill
-    bool isZFS = false;         ///< whose answers about holes have been wrong
+    std::int64_t available =
+        0;              ///< bytes that this user may still fill; the largest number where nobody counts
+    bool isZFS = false; ///< whose answers about holes have been wrong
 };
 [[nodiscard]] Result<FileSystemSpace> space(int fd);
 

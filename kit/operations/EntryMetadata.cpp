@@ -38,6 +38,10 @@ POSIX::Result<void> unlessRefused(POSIX::Result<void> carried, Feature feature, 
     return {};
 }
 
+bool meansAbsent(POSIXFailure failure) noexcept {
+    return failure.number == ENODATA || failure.number == EOPNOTSUPP;
+}
+
 struct Ownership {
     std::uint32_t owner, group;
 };
@@ -89,6 +93,10 @@ POSIX::Result<void> carryAttributes(int from, int to, MetadataSupport& support) 
         else if (value.error().number != ENODATA)
             carried = std::unexpected(value.error());
         if (sort == Sort::privileged) continue;
+        if (carried && value && support.needsProof(featureOf(sort))) {
+            const auto kept = POSIX::attribute(to, name);
+            support.prove(featureOf(sort), kept || !meansAbsent(kept.error()));
+        }
         carried = unlessRefused(carried, featureOf(sort), support);
         if (!carried) return carried;
     }

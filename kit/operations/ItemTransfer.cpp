@@ -368,10 +368,13 @@ ItemTransfer::Result<std::optional<std::map<std::string, Error>>> ItemTransfer::
 }
 
 ItemTransfer::Result<void> ItemTransfer::checkRoom() const {
+    auto needed = measure_.allocated;
+    // An entry of a folder that is merged was measured with the others.
+    if (source_->status().isRegular()) needed = TransferMeasure::roomOf(source_->status());
     const auto space = POSIX::space(destination_->fd());
-    if (!space || measure_.allocated <= space->available) return {};
+    if (!space || needed <= space->available) return {};
     Failure full{Error::Case::noSpace};
-    full.facts.missingBytes = measure_.allocated - space->available;
+    full.facts.missingBytes = needed - space->available;
     return std::unexpected(std::move(full));
 }
 

@@ -27,6 +27,16 @@ public:
     /// Whether an errno of a call that carries something means that the file system has no place for it.
     [[nodiscard]] bool meansNoPlace(int errorNumber) const noexcept;
 
+    /// Whether a call that carried a feature proves nothing yet: the driver may have said yes and done
+    /// nothing, so what was carried is to be read back once and `prove` told the result.
+    [[nodiscard]] bool needsProof(Feature feature) const noexcept {
+        return mayPretend_ && (proven_ & bit(feature)) == 0;
+    }
+    void prove(Feature feature, bool isKept) noexcept {
+        proven_ |= bit(feature);
+        if (!isKept) refuse(feature);
+    }
+
     /// Learns from a file or folder that was just made at the top of the destination, `status` what it says
     /// of itself: who owns what is made there, and whether modes are kept where a driver may pretend it.
     void learn(int fd, const FileStatus& status);
@@ -45,6 +55,7 @@ private:
 
     std::atomic<std::uint8_t> held_ = 0;
     bool mayPretend_; // a driver that may answer yes and do nothing
+    std::uint8_t proven_ = 0;
     bool hasProbed_ = false;
     bool hasLearned_ = false;
     bool givesItsGroup_ = false;

@@ -66,10 +66,9 @@ private:
     }
 
     void count(const FileStatus& status, std::string_view name) {
-        constexpr std::int64_t blockBytes = 512; // the unit of FileStatus::blocks
         if (status.size > target_.largestFile) return refuse(name, FileOperationError::posix(EFBIG));
         measure_.bytes += status.size;
-        measure_.allocated += std::min(status.size, status.blocks * blockBytes);
+        measure_.allocated += TransferMeasure::roomOf(status);
     }
 
     void refuse(std::string_view name, const FileOperationError& error) {
@@ -91,6 +90,11 @@ private:
 };
 
 } // namespace
+
+std::int64_t TransferMeasure::roomOf(const FileStatus& file) noexcept {
+    constexpr std::int64_t blockBytes = 512; // the unit of FileStatus::blocks
+    return std::min(file.size, file.blocks * blockBytes);
+}
 
 TransferMeasure TransferMeasure::of(const FileReference& item, const FileSystemTraits& target,
                                     const std::function<bool()>& goesOn) {

@@ -28,6 +28,8 @@ struct TransferMeasure {
     /// told. `goesOn` is asked for each folder.
     [[nodiscard]] static TransferMeasure of(const FileReference& item, const FileSystemTraits& target,
                                             const std::function<bool()>& goesOn);
+    /// What the contents of a regular file take up, in bytes.
+    [[nodiscard]] static std::int64_t roomOf(const FileStatus& file) noexcept;
 };
 
 } // namespace ombrel

@@ -2,12 +2,12 @@
  * dying media refuse.
  *
  *   ombrel_limited_fs MOUNTPOINT -o
- * backing=FOLDER[,nolinks][,noattributes][,older=SECONDS][,fail=CALL,number=ERRNO[,after=N]]
+ * backing=FOLDER[,nolinks][,noattributes][,older=SECONDS][,uncounted][,fail=CALL,number=ERRNO[,after=N]]
  *
  * Renames with a flag (RENAME_NOREPLACE, RENAME_EXCHANGE) always answer EINVAL. `nolinks` refuses hard links
- * with EPERM, `noattributes` extended attributes with EOPNOTSUPP. `older` tells of what was written or
- * changed within so many seconds that it was so much earlier, as if that time had passed. `fail` names a call
- * below that answers ERRNO from the (N+1)-th time on. */
+ * with EPERM, `noattributes` extended attributes with EOPNOTSUPP. `uncounted` knows of no space, used or
+ * free. `older` tells of what was written or changed within so many seconds that it was so much earlier, as
+ * if that time had passed. `fail` names a call below that answers ERRNO from the (N+1)-th time on. */
 #define FUSE_USE_VERSION 31
 #define _GNU_SOURCE
 
@@ -30,6 +30,7 @@ struct options {
     int noLinks;
     int noAttributes;
     int older;
+    int uncounted;
     char* fail;
     int number;
     int after;
@@ -43,6 +44,7 @@ static const struct fuse_opt description[] = {
     {"nolinks", offsetof(struct options, noLinks), 1},
     {"noattributes", offsetof(struct options, noAttributes), 1},
     {"older=%d", offsetof(struct options, older), 0},
+    {"uncounted", offsetof(struct options, uncounted), 1},
     {"fail=%s", offsetof(struct options, fail), 0},
     {"number=%d", offsetof(struct options, number), 0},
     {"after=%d", offsetof(struct options, after), 0},
@@ -248,7 +250,9 @@ static int flushFile(const char* path, int dataOnly, struct fuse_file_info* file
 
 static int readVolume(const char* path, struct statvfs* facts) {
     BACKED(path);
-    ANSWER(statvfs(backed, facts));
+    if (statvfs(backed, facts) != 0) return -errno;
+    if (options.uncounted) facts->f_blocks = facts->f_bfree = facts->f_bavail = 0;
+    return 0;
 }
 
 static int setAttribute(const char* path, const char* name, const char* value, size_t size, int flags) {
