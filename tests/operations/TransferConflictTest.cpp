@@ -93,6 +93,8 @@ TEST_P(ConflictMatrix, EndsAsChosenAndLosesNothing) {
         EXPECT_THAT(there.names("target/" + name), ElementsAre("both", "only-new", "only-old", "sub"));
         EXPECT_EQ(there.contents("target/" + name + "/both"), "new");
         EXPECT_EQ(there.contents("target/" + name + "/sub/both"), "new");
+        EXPECT_EQ(there.contents("target/" + name + "/only-new"), "new");
+        EXPECT_THAT(there.names("target/" + name + "/sub"), ElementsAre("both"));
         EXPECT_EQ(there.contents("target/" + name + "/only-old"), "old");
     } else if (choice == ConflictChoice::replace) {
         EXPECT_EQ(outcome, ItemOutcome::completed(there.url("target/" + name)));
