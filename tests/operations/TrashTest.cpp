@@ -539,10 +539,14 @@ protected:
         if (!made) GTEST_SKIP() << made.error();
         volume = std::move(*made);
     }
-    /// gio with the tree's home as its user's, in a session of its own.
+    /// gio with the tree's home as its user's, in a session of its own. It looks at every mount, so it gets a
+    /// view without those of tests beside this one, which may be made to hang.
     std::string gio(const std::string& arguments) const {
         return outputOf("HOME='" + home.path() + "' XDG_DATA_HOME='" + home.path() +
-                        "' dbus-run-session -- gio " + arguments + " 2>/dev/null");
+                        "' GVFS_DISABLE_FUSE=1 unshare -m --propagation private sh -c "
+                        "'umount -a -l -t fuse.mirror; exec \"$@\"' sh "
+                        "dbus-run-session -- gio " +
+                        arguments + " 2>/dev/null");
     }
     /// The URI that gio has for an item by its original place.
     std::string uriOf(const FileURL& original) const {
@@ -578,7 +582,7 @@ TEST_F(TrashAndGio, ReadWhatTheOtherWrote) {
     }
     EXPECT_THAT(found, ::testing::UnorderedElementsAreArray(originals));
     EXPECT_EQ(emptyTrash(system, {}).report.items.size(), 3U);
-    EXPECT_EQ(gio("trash --list"), "");
+    EXPECT_THAT(gio("trash --list"), ::testing::Not(::testing::HasSubstr(tree.path())));
 }
 
 } // namespace
