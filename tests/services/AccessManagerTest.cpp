@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "services/AccessFakes.h"
+#include "support/LogRecorder.h"
 
 #include <gmock/gmock.h>
 
@@ -13,14 +14,21 @@ namespace {
 using namespace std::chrono_literals;
 using Owner = AccessGrant::ScopeOwner;
 using Grant = AccessManager::Grant;
+using ::testing::Contains;
+using ::testing::Each;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::IsSupersetOf;
 using testing::KitWorld;
+using testing::LogRecorder;
 using testing::MemoryStore;
+using ::testing::Not;
 using testing::runUntil;
 using testing::runUntilQuiet;
 using testing::ScriptedPicker;
 using testing::ScriptedScopes;
+using ::testing::StartsWith;
 
 FileURL at(std::string_view path) {
     return *FileURL::fromPath(path);
@@ -148,6 +156,19 @@ TEST_F(GrantsRestored, NotFromAStoreThatCannotBeRead) {
     store->loadFault.reset();
     ASSERT_TRUE(add("/b"));
     EXPECT_EQ(manager.lastStoreError(), std::nullopt) << "a save that succeeds clears it";
+}
+
+TEST_F(GrantsRestored, AreLoggedByReasonAndNotByName) {
+    const LogRecorder log;
+    system->failures = {{"/away", {true, "posix", 2}}, {"/broken", {false, "bookmark", 1}}};
+    store->saveFault = BookmarkStore::Fault::unwritable;
+    restore({"/away", "/broken", "/fine"});
+    ASSERT_TRUE(add("/new"));
+    const auto lines = log.lines();
+    EXPECT_THAT(lines, IsSupersetOf({"error access: bookmark resolution failed: posix 2",
+                                     "error access: bookmark resolution failed: bookmark 1"}));
+    EXPECT_THAT(lines, Contains(StartsWith("error access: bookmark store save failed")));
+    EXPECT_THAT(lines, Each(Not(HasSubstr("/"))));
 }
 
 using GrantsThatAreAway = Grants;

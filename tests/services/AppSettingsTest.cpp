@@ -2,6 +2,7 @@
 
 #include "base/Worker.h"
 #include "listing/DirectoryProvider.h"
+#include "services/ChannelConfig.h"
 #include "support/TempTree.h"
 #include "support/TestMount.h"
 
@@ -11,6 +12,7 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <fstream>
 
 #include "qtmain/KitWorld.h"
@@ -339,6 +341,21 @@ TEST_F(Settings, DecideWhatIsShownAndHow) {
     EXPECT_THAT(shown(), ElementsAre(".DS_Store", "._fork", ".dot", "photo.png"));
     settings.setHideKnownExtensions(true);
     EXPECT_THAT(shown(), ElementsAre(".DS_Store", "._fork", ".dot", "photo"));
+}
+
+TEST_F(Settings, SpeakSixteenLanguages) {
+    EXPECT_THAT(AppSettings::supportedLanguages(),
+                ElementsAre("en", "zh-Hans", "zh-Hant", "ja", "ko", "de", "fr", "es", "it", "pt-BR", "nl",
+                            "pl", "ru", "tr", "vi", "id"));
+}
+
+TEST(ChannelOfThisBuild, IsSandboxedWhereTheEnvironmentSaysSo) {
+    const std::string channel(rawValue(ChannelConfig::channel));
+    EXPECT_EQ(channel, "direct");
+    ASSERT_FALSE(ChannelConfig::isSandboxed());
+    ::setenv("APP_SANDBOX_CONTAINER_ID", "", 1);
+    EXPECT_TRUE(ChannelConfig::isSandboxed());
+    ::unsetenv("APP_SANDBOX_CONTAINER_ID");
 }
 
 } // namespace

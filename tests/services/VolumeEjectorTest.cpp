@@ -1,5 +1,7 @@
 #include "services/VolumeEjector.h"
 
+#include "services/PrivateBus.h"
+
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusObjectPath>
@@ -13,7 +15,6 @@
 #include <vector>
 
 #include "qtmain/KitWorld.h"
-#include "services/PrivateBus.h"
 
 using Interfaces = QMap<QString, QVariantMap>;
 using ManagedObjects = QMap<QDBusObjectPath, Interfaces>;

@@ -1,5 +1,6 @@
 #include "services/VolumeMonitor.h"
 
+#include "support/LogRecorder.h"
 #include "support/MirrorMount.h"
 #include "support/TempTree.h"
 #include "support/TestMount.h"
@@ -30,6 +31,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using testing::KitWorld;
+using testing::LogRecorder;
 using testing::MirrorMount;
 using testing::runUntil;
 using testing::runUntilQuiet;
@@ -125,6 +127,18 @@ TEST_F(Volumes, TellEachKindOfEventAfterTheListHasIt) {
                                          {Event::Kind::unmounted, at("/mnt/moved")}};
     EXPECT_EQ(told, expected);
     EXPECT_EQ(observed, expected);
+}
+
+TEST_F(Volumes, AreLoggedByEventAndNotByName) {
+    const LogRecorder log;
+    monitor.start();
+    watch->tell("");
+    settle();
+    watch->tell(line(2, "/mnt/a"));
+    watch->tell(line(2, "/mnt/b"));
+    settle();
+    EXPECT_THAT(log.lines(),
+                ElementsAre("info volumes: volume event observed", "info volumes: volume event observed"));
 }
 
 TEST_F(Volumes, OvertakenEventsAreObservedButNotToldWithTheList) {
