@@ -32,7 +32,12 @@ public:
 
     std::expected<Extracted, ArchiveFailure> extract(const std::string& baseName) {
         if (auto made = stage(); !made) return std::unexpected(Error::from(made.error()));
-        return reader_.isSingleFile() ? extractFile(baseName) : extractFolder(baseName);
+        auto extracted = reader_.isSingleFile() ? extractFile(baseName) : extractFolder(baseName);
+        if (!staged_.remove()) return extracted;
+        const auto left = Error::partialCopyLeftBehind(staged_.name());
+        if (!extracted) return std::unexpected(left);
+        extracted->notes.push_back({url_.appending(staged_.name()), ItemOutcome::failed(left)});
+        return extracted;
     }
 
 private:
@@ -71,25 +76,30 @@ private:
         if (const auto status = POSIX::status(folder->get()))
             (void)POSIX::changeMode(folder->get(), status->permissions() | S_IRWXU);
         auto neutralised = neutralise(folder->get(), url_.appending(name), [&] { return run_.goesOn(); });
+        if (!neutralised) return std::unexpected(Error::from(neutralised.error()));
         if (auto flushed = POSIX::flushFileSystem(folder->get()); !flushed)
             return std::unexpected(Error::from(flushed.error()));
-        auto placed = isOnly(folder->get(), name) ? placeInner(folder->get(), name)
-                                                  : place(payload(), name, KeepExtension::no);
-        if (placed) placed->neutralised = std::move(neutralised);
+        const auto isNested = isOnly(folder->get(), name);
+        if (!isNested) return std::unexpected(Error::from(isNested.error()));
+        auto placed = *isNested ? placeInner(folder->get(), name) : place(payload(), name, KeepExtension::no);
+        if (placed) placed->notes = std::move(*neutralised);
         return placed;
     }
 
     /// Whether a folder holds nothing but a folder of that name.
-    static bool isOnly(int folder, const std::string& name) {
-        if (!POSIX::rewind(folder)) return false;
+    static POSIX::Result<bool> isOnly(int folder, const std::string& name) {
+        if (auto done = POSIX::rewind(folder); !done) return std::unexpected(done.error());
         EntryReader reader;
         reader.begin(folder);
         const auto first = reader.next();
-        if (!first || !*first || (*first)->name != name) return false;
+        if (!first) return std::unexpected(first.error());
+        if (!*first || (*first)->name != name) return false;
         const auto second = reader.next();
-        if (!second || *second) return false;
+        if (!second) return std::unexpected(second.error());
+        if (*second) return false;
         const auto status = POSIX::lstat({folder, name.c_str()});
-        return status && status->isDirectory();
+        if (!status) return std::unexpected(status.error());
+        return status->isDirectory();
     }
 
     /// A folder that its owner may not write to cannot leave the one it is in.

@@ -13,8 +13,9 @@ namespace ombrel {
 /// What an extraction came to.
 struct Extracted {
     FileURL url; ///< the new folder or file
-    /// What was taken away from the contents for safety, each with its reason.
-    std::vector<ItemResult> neutralised;
+    /// What was taken away from the contents for safety, each with its reason, and what could not be cleaned
+    /// away.
+    std::vector<ItemResult> notes;
 };
 
 /// Extracts one archive beside itself, into a new folder (or file, for a single compressed one) named after

@@ -40,6 +40,17 @@ std::string zipName(std::string_view base) {
     return std::string(base) + std::string(zipSuffix);
 }
 
+std::expected<std::string, Failure> writeAndPlace(const ArchiveWriter& writer, int output, JobRun& run,
+                                                  const StagedItem& staged, int folder,
+                                                  const std::string& name) {
+    if (auto written = writer.write(output, run); !written) return std::unexpected(written.error());
+    if (auto flushed = POSIX::flush(output); !flushed) return std::unexpected(Error::from(flushed.error()));
+    if (!run.goesOn()) return std::unexpected(Failure::Case::cancelled);
+    auto placed = placeUnderFreeName(staged.place(), folder, name, KeepExtension::yes);
+    if (!placed) return std::unexpected(placed.error());
+    return *placed;
+}
+
 std::expected<FileURL, Failure> confirmAndCompress(std::span<const FileReference> sources,
                                                    const FileURL& folder, std::string_view preferredName,
                                                    JobRun& run, const Settings& settings,
@@ -76,7 +87,7 @@ public:
                 report.items.push_back(extracted.error().resultOf(archive.url, kind));
             } else {
                 report.items.push_back({archive.url, ItemOutcome::completed(std::move(extracted->url))});
-                std::ranges::move(extracted->neutralised, std::back_inserter(report.items));
+                std::ranges::move(extracted->notes, std::back_inserter(report.items));
             }
             doneBytes_ += sizes_[current_];
         }
@@ -172,13 +183,13 @@ std::expected<FileURL, Failure> compress(std::span<const FileURL> sources, const
     const int output = file->get();
     staged.hold(std::move(*file));
     const ArchiveWriter writer(*contents, sources.size(), settings);
-    if (auto written = writer.write(output, run); !written) return std::unexpected(written.error());
-    if (auto flushed = POSIX::flush(output); !flushed) return std::unexpected(Error::from(flushed.error()));
-    if (!run.goesOn()) return std::unexpected(Failure::Case::cancelled);
-    const auto placed = placeUnderFreeName(staged.place(), destination->get(), name, KeepExtension::yes);
-    if (!placed) return std::unexpected(placed.error());
-    staged.release();
-    return folder.appending(*placed);
+    auto placed = writeAndPlace(writer, output, run, staged, destination->get(), name);
+    if (placed) {
+        staged.release();
+        return folder.appending(*placed);
+    }
+    if (staged.remove()) return std::unexpected(Error::partialCopyLeftBehind(staged.name()));
+    return std::unexpected(placed.error());
 }
 
 OperationReport compress(std::span<const FileReference> sources, const FileURL& folder,

@@ -19,49 +19,59 @@ public:
     Neutralising(FolderTrail trail, const FileURL& url, const std::function<bool()>& goesOn)
         : trail_(std::move(trail)), url_(url), goesOn_(goesOn) {}
 
-    std::vector<ItemResult> run() {
-        read();
-        while (!levels_.empty() && goesOn_()) {
-            auto& folders = levels_.back();
-            if (folders.empty()) {
-                levels_.pop_back();
-                if (!levels_.empty() && !trail_.leave()) break;
-                continue;
-            }
-            const std::string name = std::move(folders.back());
-            folders.pop_back();
-            if (trail_.enter(name.c_str())) read();
+    POSIX::Result<std::vector<ItemResult>> run() {
+        if (auto done = read(); !done) return std::unexpected(done.error());
+        while (!levels_.empty()) {
+            if (!goesOn_()) return std::unexpected(POSIXFailure{ECANCELED});
+            if (auto done = advance(); !done) return std::unexpected(done.error());
         }
         return std::move(results_);
     }
 
 private:
-    void read() {
+    POSIX::Result<void> advance() {
+        auto& folders = levels_.back();
+        if (folders.empty()) {
+            levels_.pop_back();
+            return levels_.empty() ? POSIX::Result<void>() : trail_.leave();
+        }
+        const std::string name = std::move(folders.back());
+        folders.pop_back();
+        auto entered = trail_.enter(name.c_str());
+        if (entered) return read();
+        if (entered.error().number == EACCES) return {};
+        return entered;
+    }
+
+    POSIX::Result<void> read() {
         auto& folders = levels_.emplace_back();
-        if (!POSIX::rewind(trail_.fd())) return;
+        if (auto done = POSIX::rewind(trail_.fd()); !done) return done;
         reader_.begin(trail_.fd());
         for (;;) {
             const auto entry = reader_.next();
-            if (!entry || !*entry) return;
+            if (!entry) return std::unexpected(entry.error());
+            if (!*entry) return {};
             const std::string name((*entry)->name);
             const auto status = POSIX::lstat({trail_.fd(), name.c_str()});
-            if (!status) continue;
+            if (!status) return std::unexpected(status.error());
             if (status->isDirectory()) folders.push_back(name);
-            look(name, *status);
+            if (auto done = look(name, *status); !done) return done;
         }
     }
 
-    void look(const std::string& name, const FileStatus& status) {
+    POSIX::Result<void> look(const std::string& name, const FileStatus& status) {
         using Error = FileOperationError;
         const POSIX::Place place{trail_.fd(), name.c_str()};
         constexpr std::uint32_t setID = S_ISUID | S_ISGID;
+        POSIX::Result<void> done;
         if (status.type() == S_IFCHR || status.type() == S_IFBLK) {
-            (void)POSIX::unlink(place);
+            done = POSIX::unlink(place);
             tell(name, Error::posix(EOPNOTSUPP));
         } else if (!status.isSymlink() && (status.mode & setID) != 0 && !isInherited(status)) {
-            (void)POSIX::changeMode(place, status.permissions() & ~setID);
+            done = POSIX::changeMode(place, status.permissions() & ~setID);
             tell(name, Error::Case::metadataNotPreserved);
         }
+        return done;
     }
 
     /// Folders take the bit over from the folder that they are made in.
@@ -84,11 +94,12 @@ private:
 
 } // namespace
 
-std::vector<ItemResult> neutralise(int top, const FileURL& url, const std::function<bool()>& goesOn) {
+POSIX::Result<std::vector<ItemResult>> neutralise(int top, const FileURL& url,
+                                                  const std::function<bool()>& goesOn) {
     auto folder = POSIX::open(POSIX::Place{top, "."}, O_RDONLY | O_DIRECTORY);
-    if (!folder) return {};
+    if (!folder) return std::unexpected(folder.error());
     const auto status = POSIX::status(folder->get());
-    if (!status) return {};
+    if (!status) return std::unexpected(status.error());
     return Neutralising(FolderTrail(std::move(*folder), *status), url, goesOn).run();
 }
 

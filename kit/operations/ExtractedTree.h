@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/FileURL.h"
+#include "listing/POSIX.h"
 #include "operations/OperationReport.h"
 
 #include <functional>
@@ -12,9 +13,10 @@ namespace ombrel {
 ///
 /// Set-user-id and set-group-id bits are taken away and device nodes removed, however they came there.
 /// Answers a result for each of them: `metadataNotPreserved`, or `posix(EOPNOTSUPP)` for a device. `top` is
-/// the open folder, `url` where its contents will be. Folders that cannot be opened are left alone. Links are
-/// not followed. `goesOn` is asked now and then.
-[[nodiscard]] std::vector<ItemResult> neutralise(int top, const FileURL& url,
-                                                 const std::function<bool()>& goesOn);
+/// the open folder, `url` where its contents will be. Links are not followed, and folders that their owner
+/// may not open are left as the tool made them. Anything else that cannot be looked at or changed is a
+/// failure; ECANCELED once `goesOn` says no.
+[[nodiscard]] POSIX::Result<std::vector<ItemResult>> neutralise(int top, const FileURL& url,
+                                                                const std::function<bool()>& goesOn);
 
 } // namespace ombrel

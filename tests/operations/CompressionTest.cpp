@@ -1,5 +1,6 @@
 #include "operations/ArchiveWriter.h"
 #include "support/ArchiveWorld.h"
+#include "support/FaultAt.h"
 #include "support/TestMount.h"
 #include "support/TreeSnapshot.h"
 #include "support/Unprivileged.h"
@@ -272,6 +273,29 @@ TEST_F(Compression, LeavesNothingWhenCancelledInTheMiddle) {
         };
         EXPECT_EQ(world.compress(sources, tree.url("out")).overall(), OperationReport::Overall::cancelled);
         EXPECT_THAT(tree.names("out"), IsEmpty());
+    }
+}
+
+TEST_F(Compression, IsWholeOrNotThereWhateverCallFails) {
+    tree.folder("top");
+    tree.file("top/f", "first");
+    for (int nth = 1;; ++nth) {
+        OperationReport report{};
+        std::optional<SystemCall::Kind> hit;
+        {
+            FaultAt fault(nth, {.errorNumber = EIO});
+            report = world.compress({tree.url("top")}, tree.url("out"));
+            hit = fault.hit();
+        }
+        const bool isThere = tree.exists("out/top.zip");
+        EXPECT_EQ(report.items.at(0).outcome.isSuccess(), isThere) << nth;
+        if (isThere) {
+            (void)contentsOf("out/top.zip");
+            EXPECT_EQ(tree.contents("back/top/f"), "first") << nth;
+        }
+        ASSERT_TRUE(shell(tree.path(), "rm -rf out/* out/.hom-* back/*"));
+        EXPECT_THAT(tree.names("out"), IsEmpty());
+        if (!hit) break;
     }
 }
 

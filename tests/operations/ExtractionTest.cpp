@@ -1,5 +1,6 @@
 #include "operations/ExtractedTree.h"
 #include "support/ArchiveWorld.h"
+#include "support/FaultAt.h"
 #include "support/TestMount.h"
 #include "support/TreeSnapshot.h"
 #include "support/Unprivileged.h"
@@ -284,8 +285,9 @@ TEST_F(Extraction, LooksThroughWhatWasExtracted) {
     ASSERT_EQ(::mknod(tree.path("in/d/node").c_str(), S_IFCHR | 0600, ::makedev(1, 3)), 0);
     const OwnedFd folder(::open(tree.path("in").c_str(), O_RDONLY));
     const auto results = neutralise(folder.get(), tree.url("shown"), [] { return true; });
-    ASSERT_EQ(results.size(), 2U);
-    for (const auto& result : results)
+    ASSERT_TRUE(results);
+    ASSERT_EQ(results->size(), 2U);
+    for (const auto& result : *results)
         EXPECT_EQ(result.outcome.error(), result.source == tree.url("shown/d/tool")
                                               ? FileOperationError(Case::metadataNotPreserved)
                                               : FileOperationError::posix(EOPNOTSUPP));
@@ -379,6 +381,54 @@ TEST_F(Extraction, StopsABombInTheMiddle) {
         EXPECT_EQ(extract(archive).overall(), Overall::cancelled) << archive;
     }
     EXPECT_THAT(tree.names("box"), UnorderedElementsAre("bomb.gz", "bomb.zip", "bomb.tgz"));
+}
+
+// ---- Faults
+
+TEST_F(Extraction, IsWholeOrNotThereWhateverCallFails) {
+    tree.folder("in/t");
+    tree.file("in/t/f", "first");
+    tree.folder("in/t/sub");
+    tree.file("in/t/sub/g", "second");
+    make("bsdtar -cf ../box/t.tar t && bsdtar -cf ../box/u.tar t && gzip -c t/f > ../box/f.gz");
+    for (const std::string archive : {"t.tar", "u.tar", "f.gz"}) {
+        const std::string name = archive.substr(0, 1);
+        for (int nth = 1;; ++nth) {
+            OperationReport report{};
+            std::optional<SystemCall::Kind> hit;
+            {
+                FaultAt fault(nth, {.errorNumber = EIO});
+                report = extract(archive);
+                hit = fault.hit();
+            }
+            const bool isThere = tree.exists("box/" + name);
+            EXPECT_EQ(report.items.at(0).outcome.isSuccess(), isThere) << archive << " " << nth;
+            if (isThere && archive != "f.gz") {
+                EXPECT_THAT(differences(snapshotOf(tree.path("in/t")),
+                                        snapshotOf(tree.path(archive == "t.tar" ? "box/t" : "box/u/t")),
+                                        Compare::data),
+                            IsEmpty())
+                    << archive << " " << nth;
+            }
+            ASSERT_TRUE(shell(tree.path("box"), "rm -rf " + name + " .hom-*"));
+            EXPECT_THAT(tree.names("box"), ElementsAre("f.gz", "t.tar", "u.tar"));
+            if (!hit) break;
+        }
+    }
+}
+
+TEST_F(Extraction, NeedsNoFlagsOfTheFileSystem) {
+    tree.folder("backing");
+    const auto mount = TestMount::limited(tree.path("backing"));
+    if (!mount) GTEST_SKIP() << mount.error();
+    tree.folder("in/t");
+    tree.file("in/t/f", "first");
+    make("bsdtar -cf '" + (*mount)->path() + "/t.tar' t && gzip -c t/f > '" + (*mount)->path() + "/f.gz'");
+    const auto url = (*mount)->url();
+    EXPECT_EQ(world.extract({url.appending("t.tar"), url.appending("f.gz")}).overall(), Overall::succeeded);
+    EXPECT_EQ(world.compress({url.appending("t")}, url).overall(), Overall::succeeded);
+    EXPECT_EQ(tree.contents("backing/t/f") + tree.contents("backing/f"), "firstfirst");
+    EXPECT_THAT(tree.names("backing"), ElementsAre("f", "f.gz", "t", "t.tar", "t.zip"));
 }
 
 // ---- Tools and questions

@@ -64,6 +64,13 @@ TEST_F(StagingSweep, KeepsWhatIsYoungerThanTheMinimumAge) {
     EXPECT_THAT(tree.names(), IsEmpty());
 }
 
+TEST_F(StagingSweep, RemovesArchivesThatWereNeverFinished) {
+    tree.file(StagingName::makeZip(), "half");
+    tree.file(".hom-zip-notes", "mine");
+    sweepLater();
+    EXPECT_THAT(tree.names(), ElementsAre(".hom-zip-notes"));
+}
+
 TEST_F(StagingSweep, RemovesWholeTreesAndNothingThatOnlyLooksAlike) {
     const std::string name = StagingName::make();
     tree.folder(name);
