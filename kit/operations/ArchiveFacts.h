@@ -14,7 +14,7 @@ namespace ombrel {
 /// What is wrong with an archive or its tool, where that is known.
 enum class ArchiveFault : std::uint8_t {
     encrypted,   ///< it asks for a password
-    unsafe,      ///< it would write outside the folder it is extracted to
+    unsafe,      ///< it would write outside the folder it is extracted to, or take files from there
     damaged,     ///< cut short, altered, empty, or not what its name says
     unsupported, ///< there is no tool for files of this name
     missingTool, ///< the tool is not installed

@@ -36,6 +36,20 @@ public:
     void finish() override {}
 };
 
+/// Takes the format out of what bsdtar writes about an archive: "Archive Format: mtree,  Compression: gzip".
+class FormatInfo final : public ArchiveProgressSource {
+public:
+    bool isManifest = false;
+
+    OperationProgress progress() override { return {}; }
+    bool consume(std::string_view line) override {
+        if (line.starts_with("Archive Format: mtree")) isManifest = true;
+        return false;
+    }
+    void partial(std::string_view) override {}
+    void finish() override {}
+};
+
 std::int64_t sizeOf(const FileURL& url) {
     const auto status = POSIX::lstat(url);
     return status && status->isRegular() ? status->size : 0;
@@ -129,6 +143,7 @@ std::expected<ArchiveProgress::Totals, ArchiveFailure> ArchiveReader::zipTotals(
 }
 
 std::expected<void, ArchiveFailure> ArchiveReader::bsdtar(int folder, ArchiveProgressSource& source) const {
+    if (auto suits = refuseManifest(); !suits) return suits;
     if (auto ready = rewound(); !ready) return ready;
     // Without -P it refuses "..", takes away a leading "/" and writes through no link.
     return ArchiveTool::run({.tool = "bsdtar",
@@ -137,6 +152,22 @@ std::expected<void, ArchiveFailure> ArchiveReader::bsdtar(int folder, ArchivePro
                              .folder = folder,
                              .input = archive_.file.get()},
                             settings_, {source, run_, scaled}, folder);
+}
+
+/// bsdtar takes an archive for what it holds, whatever its name says. One of the kinds it knows is a list of
+/// files that are to be found elsewhere on this machine; extracting it would copy what the list's author
+/// chose of what its reader may read.
+std::expected<void, ArchiveFailure> ArchiveReader::refuseManifest() const {
+    if (auto ready = rewound(); !ready) return ready;
+    FormatInfo source;
+    // It ends after the first entry. What else is wrong is told by the extraction.
+    const auto told = ArchiveTool::run(
+        {.tool = "bsdtar", .arguments = {"-t", "-vvv", "-q", "-f", "-", "*"}, .input = archive_.file.get()},
+        settings_, {source, run_, scaled});
+    if (!told && told.error().which() == ArchiveFailure::Case::cancelled)
+        return std::unexpected(told.error());
+    if (source.isManifest) return std::unexpected(ArchiveFailure::archive(ArchiveFault::unsafe));
+    return {};
 }
 
 std::expected<void, ArchiveFailure> ArchiveReader::rewound() const {

@@ -49,6 +49,7 @@ private:
     [[nodiscard]] Done readZipLeniently(int folder, const FileURL& url) const;
     [[nodiscard]] std::expected<ArchiveProgress::Totals, ArchiveFailure> zipTotals() const;
     [[nodiscard]] Done bsdtar(int folder, ArchiveProgressSource& source) const;
+    [[nodiscard]] Done refuseManifest() const;
     [[nodiscard]] Done rewound() const;
 
     const ArchivePlan& plan_;

@@ -32,7 +32,7 @@
     <message id="archive.detail.encrypted"><source></source><translation>The archive is protected with a password.</translation></message>
     <message id="archive.detail.missingTool"><source></source><translation>The program “{1}” is not installed. Install the package “{2}”.</translation></message>
     <message id="archive.detail.status"><source></source><translation>“{1}” ended with the status {2}.</translation></message>
-    <message id="archive.detail.unsafe"><source></source><translation>The archive holds items that would be written outside its folder.</translation></message>
+    <message id="archive.detail.unsafe"><source></source><translation>The archive reaches for places outside its folder.</translation></message>
     <message id="archive.detail.unsupported"><source></source><translation>Archives of this kind are not supported.</translation></message>
     <message id="archive.failed.compress"><source></source><translation>The items could not be compressed: {1}</translation></message>
     <message id="archive.failed.extract"><source></source><translation>The archive could not be extracted: {1}</translation></message>
