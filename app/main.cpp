@@ -4,6 +4,7 @@
 #include "base/Worker.h"
 #include "listing/DirectoryProvider.h"
 #include "listing/SystemCall.h"
+#include "services/AppSettings.h"
 #include "services/InterfaceLanguage.h"
 #include "services/QtConnections.h"
 #include "ui/BrowserWindow.h"
@@ -29,6 +30,8 @@ namespace ombrel {
 namespace {
 
 constexpr int wrongUsage = 2;
+/// How far a window lies below and beside the one before it, in device-independent pixels.
+constexpr int cascade = 28;
 /// How long an ending program waits for threads that may hang in a dead mount.
 constexpr std::chrono::seconds patience(2);
 
@@ -68,25 +71,41 @@ void chooseOffscreenLook(QApplication& application) {
     QIcon::setThemeName(QStringLiteral("hicolor"));
 }
 
-BrowserWindow* makeWindow(const Theme& theme, const FileURL& folder) {
+/// What every window is made with.
+struct Shell {
+    const Theme& theme;
+    const AppSettings& settings;
+};
+
+BrowserWindow* makeWindow(const Shell& shell, const FileURL& folder);
+
+void showNewWindow(const Shell& shell, const FileURL& folder, const QRect& place) {
+    auto* const window = makeWindow(shell, folder);
+    window->setGeometry(place);
+    window->show();
+}
+
+BrowserWindow* makeWindow(const Shell& shell, const FileURL& folder) {
     auto* const window = new BrowserWindow(
-        {.theme = theme,
+        {.theme = shell.theme,
+         .settings = shell.settings,
          .listings = [](const DirectoryRequest& request) { return DirectoryProvider().snapshots(request); },
          .home = PathInput::userHomeDirectory()});
+    window->commands().bind(FileCommand::newWindow, {.perform = [shell, window](BrowserModel&) {
+                                showNewWindow(shell, PathInput::userHomeDirectory(),
+                                              window->geometry().translated(cascade, cascade));
+                            }});
     window->model().navigate(folder);
     return window;
 }
 
-void showWindows(const Theme& theme, std::vector<FileURL> folders) {
+void showWindows(const Shell& shell, std::vector<FileURL> folders) {
     if (folders.empty()) folders.push_back(PathInput::userHomeDirectory());
-    constexpr int cascade = 28;
     const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-    QRect place(QPoint(), BrowserWindow::firstSize(theme, screen.size()));
+    QRect place(QPoint(), BrowserWindow::firstSize(shell.theme, screen.size()));
     place.moveCenter(screen.center());
     for (const FileURL& folder : folders) {
-        auto* const window = makeWindow(theme, folder);
-        window->setGeometry(place);
-        window->show();
+        showNewWindow(shell, folder, place);
         place.translate(cascade, cascade);
     }
 }
@@ -110,16 +129,18 @@ int runApplication(QApplication& application, const Arguments& arguments) {
     QObject::connect(&theme, &Theme::changed, &application,
                      [&theme] { QApplication::setPalette(theme.palette()); });
     DesktopAppearance desktop(theme);
+    const AppSettings settings;
+    const Shell shell{theme, settings};
     std::unique_ptr<BrowserWindow> pictured;
     if (isPicture) {
-        pictured.reset(makeWindow(theme, arguments.folders.empty() ? PathInput::userHomeDirectory()
+        pictured.reset(makeWindow(shell, arguments.folders.empty() ? PathInput::userHomeDirectory()
                                                                    : arguments.folders.front()));
         pictured->resize(theme.size(ThemeSize::windowWidth), theme.size(ThemeSize::windowHeight));
         pictured->show();
         new Picture(*pictured, QFile::decodeName(arguments.pictureFile.c_str()));
     } else {
         desktop.follow();
-        showWindows(theme, arguments.folders);
+        showWindows(shell, arguments.folders);
     }
     const int status = QApplication::exec();
     pictured.reset();

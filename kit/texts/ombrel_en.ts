@@ -332,6 +332,14 @@
     <message id="ui.command.toggleDetailsPane"><source></source><translation>Details pane</translation></message>
     <message id="ui.command.undo"><source></source><translation>Undo</translation></message>
     <message id="ui.command.up"><source></source><translation>Up</translation></message>
+    <message id="ui.key.backspace"><source></source><translation>Backspace</translation></message>
+    <message id="ui.key.control"><source></source><translation>Ctrl</translation></message>
+    <message id="ui.key.delete"><source></source><translation>Delete</translation></message>
+    <message id="ui.key.enter"><source></source><translation>Enter</translation></message>
+    <message id="ui.key.option"><source></source><translation>Alt</translation></message>
+    <message id="ui.key.shift"><source></source><translation>Shift</translation></message>
+    <message id="ui.key.space"><source></source><translation>Space</translation></message>
+    <message id="ui.key.super"><source></source><translation>Super</translation></message>
     <message id="ui.status.failed"><source></source><translation>Can’t show this folder</translation></message>
     <message id="ui.status.items" numerus="yes"><source></source><translation><numerusform>{n} item</numerusform><numerusform>{n} items</numerusform></translation></message>
     <message id="ui.status.jumpTo"><source></source><translation>Jump to: {1}</translation></message>

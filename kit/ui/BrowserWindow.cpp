@@ -1,12 +1,15 @@
 #include "ui/BrowserWindow.h"
 
+#include "services/AppSettings.h"
 #include "ui/DetailsView.h"
 #include "ui/FocusRing.h"
+#include "ui/KeyStrokes.h"
 #include "ui/LocalizedText.h"
 #include "ui/NavigationRow.h"
 #include "ui/Overlay.h"
 #include "ui/StatusBar.h"
 #include "ui/Theme.h"
+#include "ui/WindowKeys.h"
 
 #include <QAction>
 #include <QMouseEvent>
@@ -15,26 +18,13 @@
 #include <utility>
 
 namespace ombrel {
-namespace {
-
-/// A tooltip with its shortcut in words.
-QString withShortcut(const QString& text, const QKeySequence& keys) {
-    if (keys.isEmpty()) return text;
-    return localized("ui.tooltip.withShortcut",
-                     {text.toStdString(), keys.toString(QKeySequence::NativeText).toStdString()});
-}
-
-} // namespace
-
 BrowserWindow::BrowserWindow(Setting setting)
-    : theme_(&setting.theme), model_(std::move(setting.listings)),
-      back_(addCommand("ui.command.back",
-                       {QKeySequence(Qt::ALT | Qt::Key_Left), QKeySequence(Qt::Key_Backspace)},
-                       &BrowserModel::goBack)),
-      forward_(addCommand("ui.command.forward", {QKeySequence(Qt::ALT | Qt::Key_Right)},
-                          &BrowserModel::goForward)),
-      up_(addCommand("ui.command.up", {QKeySequence(Qt::ALT | Qt::Key_Up)}, &BrowserModel::goUp)),
-      refresh_(addCommand("ui.command.refresh", {QKeySequence(Qt::Key_F5)}, &BrowserModel::refresh)),
+    : theme_(&setting.theme), settings_(&setting.settings), model_(std::move(setting.listings)),
+      keys_(commands_, {.preset = [this] { return settings_->keyPreset(); },
+                        .activePane = [this]() -> BrowserModel& { return model_; },
+                        .performTabCommand = {}}),
+      back_(makeAction(FileCommand::goBack)), forward_(makeAction(FileCommand::goForward)),
+      up_(makeAction(FileCommand::goUp)), refresh_(makeAction(FileCommand::refresh)),
       view_(new DetailsView(model_, *theme_)), overlay_(new Overlay(model_, *theme_, view_->viewport())),
       statusBar_(new StatusBar(model_, *view_, *theme_)) {
     setAttribute(Qt::WA_DeleteOnClose);
@@ -46,11 +36,15 @@ BrowserWindow::BrowserWindow(Setting setting)
     column->addWidget(view_, 1);
     column->addWidget(statusBar_);
     new FocusRing(this);
+    new WindowKeys(*this, keys_);
+    view_->setKeys(keys_);
     view_->setFocus(Qt::OtherFocusReason);
 
     connect(view_, &FileView::openRequested, this, &BrowserWindow::open);
     connect(&model_, &BrowserModel::locationChanged, this, &BrowserWindow::refreshTitle);
     connect(&model_, &BrowserModel::historyChanged, this, &BrowserWindow::refreshCommands);
+    connect(settings_, &AppSettings::changed, this, &BrowserWindow::refreshCommands);
+    bindCommands();
     refreshTitle();
     refreshCommands();
 }
@@ -66,29 +60,40 @@ QSize BrowserWindow::firstSize(const Theme& theme, const QSize& screen) {
         .boundedTo((QSizeF(screen) * largestShare).toSize());
 }
 
-QAction* BrowserWindow::addCommand(std::string_view textKey, const QList<QKeySequence>& keys,
-                                   void (BrowserModel::*command)()) {
-    auto* const action = new QAction(localized(textKey), this);
-    action->setShortcuts(keys);
-    connect(action, &QAction::triggered, &model_, command);
-    addAction(action);
+QAction* BrowserWindow::makeAction(FileCommand command) {
+    // Keys come to commands by another way: actions have no shortcuts of their own.
+    auto* const action = new QAction(localized(FileCommands::textKey(command)), this);
+    connect(action, &QAction::triggered, this, [this, command] { commands_.perform(command, model_); });
     return action;
 }
 
+void BrowserWindow::bindCommands() {
+    commands_.bind(FileCommand::open,
+                   {.perform = [this](BrowserModel& pane) { open(*pane.selection().firstRow()); },
+                    .isEnabled = [](const BrowserModel& pane) { return pane.selection().count() == 1; }});
+    commands_.bind(FileCommand::closeTab, {.perform = [this](BrowserModel&) { close(); }});
+}
+
 void BrowserWindow::refreshCommands() {
-    back_->setEnabled(model_.canGoBack());
-    forward_->setEnabled(model_.canGoForward());
-    up_->setEnabled(model_.canGoUp());
-    refresh_->setEnabled(model_.currentURL().has_value());
-    back_->setToolTip(back_->text());
-    forward_->setToolTip(forward_->text());
-    refresh_->setToolTip(withShortcut(refresh_->text(), refresh_->shortcut()));
+    back_->setEnabled(commands_.canPerform(FileCommand::goBack, model_));
+    forward_->setEnabled(commands_.canPerform(FileCommand::goForward, model_));
+    up_->setEnabled(commands_.canPerform(FileCommand::goUp, model_));
+    refresh_->setEnabled(commands_.canPerform(FileCommand::refresh, model_));
+    back_->setToolTip(withShortcut(back_->text(), FileCommand::goBack));
+    forward_->setToolTip(withShortcut(forward_->text(), FileCommand::goForward));
+    refresh_->setToolTip(withShortcut(refresh_->text(), FileCommand::refresh));
     QString upText = up_->text();
     if (model_.canGoUp()) {
         const FileURL parent = model_.currentURL()->parent();
         upText = localized("ui.tooltip.upTo", {isolated(parent.isRoot() ? parent.path() : parent.name())});
     }
-    up_->setToolTip(withShortcut(upText, up_->shortcut()));
+    up_->setToolTip(withShortcut(upText, FileCommand::goUp));
+}
+
+QString BrowserWindow::withShortcut(const QString& text, FileCommand command) const {
+    const QString keys = KeyStrokes::shown(command, settings_->keyPreset());
+    if (keys.isEmpty()) return text;
+    return localized("ui.tooltip.withShortcut", {text.toStdString(), keys.toStdString()});
 }
 
 void BrowserWindow::refreshTitle() {

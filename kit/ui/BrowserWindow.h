@@ -2,6 +2,8 @@
 
 #include "base/FileURL.h"
 #include "browser/BrowserModel.h"
+#include "browser/CommandDispatcher.h"
+#include "browser/KeyRouter.h"
 
 #include <QWidget>
 
@@ -9,6 +11,7 @@ class QAction;
 
 namespace ombrel {
 
+class AppSettings;
 class DetailsView;
 class Overlay;
 class StatusBar;
@@ -21,7 +24,8 @@ class BrowserWindow final : public QWidget {
 
 public:
     struct Setting {
-        const Theme& theme; ///< must outlive the window
+        const Theme& theme;          ///< must outlive the window
+        const AppSettings& settings; ///< likewise
         ListingFeed::Source listings;
         FileURL home; ///< where addresses begin
     };
@@ -30,6 +34,9 @@ public:
     ~BrowserWindow() override;
 
     [[nodiscard]] BrowserModel& model() noexcept { return model_; }
+    /// What the commands do, wherever they come from. Who can do more binds it, then calls `refreshCommands`.
+    [[nodiscard]] CommandDispatcher& commands() noexcept { return commands_; }
+    void refreshCommands();
     [[nodiscard]] DetailsView& view() noexcept { return *view_; }
     [[nodiscard]] const StatusBar& statusBar() const noexcept { return *statusBar_; }
     [[nodiscard]] const Overlay& overlay() const noexcept { return *overlay_; }
@@ -41,14 +48,17 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
 
 private:
-    QAction* addCommand(std::string_view textKey, const QList<QKeySequence>& keys,
-                        void (BrowserModel::*command)());
-    void refreshCommands();
+    QAction* makeAction(FileCommand command);
+    void bindCommands();
     void refreshTitle();
+    [[nodiscard]] QString withShortcut(const QString& text, FileCommand command) const;
     void open(std::size_t row);
 
     const Theme* theme_;
+    const AppSettings* settings_;
     BrowserModel model_;
+    CommandDispatcher commands_;
+    KeyRouter keys_;
     QAction* back_;
     QAction* forward_;
     QAction* up_;

@@ -59,19 +59,17 @@ std::vector<RowRange> DetailsView::rowsTouching(const ContentRect& area) const {
 }
 
 std::size_t DetailsView::stepped(std::size_t row, Step step) const {
-    const std::size_t last = model().items().size() - 1;
-    const auto page = static_cast<std::size_t>(std::max(1, viewport()->height() / rowHeight() - 1));
     switch (step) {
     case Step::up: return row == 0 ? 0 : row - 1;
-    case Step::down: return std::min(row + 1, last);
+    case Step::down: return std::min(row + 1, model().items().size() - 1);
     case Step::left:
     case Step::right: return row;
-    case Step::pageUp: return row - std::min(row, page);
-    case Step::pageDown: return std::min(row + page, last);
-    case Step::home: return 0;
-    case Step::end: return last;
     }
     std::unreachable();
+}
+
+std::size_t DetailsView::rowsPerPage() const {
+    return static_cast<std::size_t>(std::max(1, viewport()->height() / rowHeight() - 1));
 }
 
 QRect DetailsView::cell(const QRect& row, DetailsColumn column) const {

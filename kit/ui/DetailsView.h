@@ -21,6 +21,7 @@ public:
     [[nodiscard]] std::vector<RowRange> rowsTouching(const ContentRect& area) const override;
     [[nodiscard]] Part partAt(std::size_t row, QPoint viewportPoint) override;
     [[nodiscard]] std::size_t stepped(std::size_t row, Step step) const override;
+    [[nodiscard]] std::size_t rowsPerPage() const override;
     [[nodiscard]] int scrollStep() const override { return rowHeight(); }
 
 protected:

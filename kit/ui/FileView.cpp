@@ -1,9 +1,12 @@
 #include "ui/FileView.h"
 
+#include "browser/ListNavigationKey.h"
 #include "ui/FileViewAccessible.h"
+#include "ui/KeyStrokes.h"
 #include "ui/LoadingLine.h"
 #include "ui/OmbrelStyle.h"
 #include "ui/Theme.h"
+#include "ui/WindowKeys.h"
 
 #include <QAccessible>
 #include <QEvent>
@@ -28,22 +31,18 @@ using How = SelectionGestures::How;
 constexpr std::chrono::milliseconds placeholderDelay(300);
 constexpr int placeholderCount = 8;
 
-How howOf(Qt::KeyboardModifiers modifiers) {
-    const bool isRange = modifiers & Qt::ShiftModifier, isControl = modifiers & Qt::ControlModifier;
+How howOf(KeyStroke::Modifiers modifiers) {
+    const bool isRange = modifiers & KeyStroke::shift, isControl = modifiers & KeyStroke::control;
     if (isRange) return isControl ? How::addRange : How::range;
     return isControl ? How::currentOnly : How::only;
 }
 
-std::optional<FileView::Step> stepOf(int key) {
-    switch (key) {
-    case Qt::Key_Up: return FileView::Step::up;
-    case Qt::Key_Down: return FileView::Step::down;
-    case Qt::Key_Left: return FileView::Step::left;
-    case Qt::Key_Right: return FileView::Step::right;
-    case Qt::Key_PageUp: return FileView::Step::pageUp;
-    case Qt::Key_PageDown: return FileView::Step::pageDown;
-    case Qt::Key_Home: return FileView::Step::home;
-    case Qt::Key_End: return FileView::Step::end;
+std::optional<FileView::Step> stepOf(KeyStroke::Code code) {
+    switch (code) {
+    case KeyStroke::Code::upArrow: return FileView::Step::up;
+    case KeyStroke::Code::downArrow: return FileView::Step::down;
+    case KeyStroke::Code::leftArrow: return FileView::Step::left;
+    case KeyStroke::Code::rightArrow: return FileView::Step::right;
     default: return std::nullopt;
     }
 }
@@ -319,15 +318,6 @@ void FileView::resizeEvent(QResizeEvent* event) {
     relayout();
 }
 
-bool FileView::event(QEvent* event) {
-    // Tab belongs to the window's walk, and keys that a view acts on must not become shortcuts first.
-    if (event->type() == QEvent::ShortcutOverride) {
-        const auto* key = static_cast<QKeyEvent*>(event);
-        if (key->key() == Qt::Key_Space && !typeAhead_.text().isEmpty()) event->accept();
-    }
-    return QAbstractScrollArea::event(event);
-}
-
 bool FileView::viewportEvent(QEvent* event) {
     switch (event->type()) {
     case QEvent::Leave: pointer_.leave(); break;
@@ -362,53 +352,61 @@ void FileView::wheelEvent(QWheelEvent* event) {
 }
 
 void FileView::keyPressEvent(QKeyEvent* event) {
-    if (moveByKey(*event) || actByKey(*event)) return event->accept();
-    if (stepOf(event->key())) return QAbstractScrollArea::keyPressEvent(event);
+    const KeyStroke stroke = KeyStrokes::of(*event);
+    if (endByKey(stroke)) return event->accept();
+    const bool isTyped = stroke.keyCode == KeyStroke::Code::space && !typeAhead_.text().isEmpty();
+    if (!isTyped && keys_ && keys_->pressInFileView(stroke, WindowKeys::pressOf(*event))) {
+        touch();
+        return event->accept();
+    }
+    if (moveByKey(stroke) || typeByKey(stroke, event->text())) return event->accept();
+    if (stepOf(stroke.keyCode)) return QAbstractScrollArea::keyPressEvent(event);
     event->ignore();
 }
 
-bool FileView::moveByKey(const QKeyEvent& event) {
-    const auto step = stepOf(event.key());
-    const auto& items = model_->items();
-    if (!step || items.empty() || event.modifiers() & (Qt::AltModifier | Qt::MetaModifier)) return false;
-    const auto current = model_->row(Place::current);
-    const std::size_t first = *step == Step::end ? items.size() - 1 : 0;
-    const std::size_t row = current ? stepped(*current, *step) : first;
-    const bool isSideways = *step == Step::left || *step == Step::right;
-    if (isSideways && row == current) return false;
-    touch();
+bool FileView::endByKey(const KeyStroke& stroke) {
+    const bool hasSomething = gestures_.hasBand() || !typeAhead_.text().isEmpty();
+    if (stroke.keyCode != KeyStroke::Code::escape || !hasSomething) return false;
+    pointer_.cancel();
     typeAhead_.clear();
-    gestures_.select(row, howOf(event.modifiers()));
-    reveal(row);
     return true;
 }
 
-bool FileView::actByKey(const QKeyEvent& event) {
+std::optional<std::size_t> FileView::rowLedTo(const KeyStroke& stroke) const {
     const auto current = model_->row(Place::current);
-    const bool isPlain = !(event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
-    const int key = event.key();
-    if (event.matches(QKeySequence::SelectAll)) {
-        touch();
-        gestures_.selectAll();
-        return true;
-    }
-    if ((key == Qt::Key_Return || key == Qt::Key_Enter) &&
-        (event.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier) {
-        if (current) Q_EMIT openRequested(*current);
-        return current.has_value();
-    }
-    if (key == Qt::Key_Escape && (gestures_.hasBand() || !typeAhead_.text().isEmpty())) {
-        pointer_.cancel();
-        typeAhead_.clear();
-        return true;
-    }
-    if (key == Qt::Key_Space && event.modifiers() & Qt::ControlModifier && current) {
+    const std::size_t count = model_->items().size();
+    KeyStroke withoutControl = stroke;
+    withoutControl.modifiers &= static_cast<KeyStroke::Modifiers>(~KeyStroke::control);
+    if (const auto move = ListNavigation::from(withoutControl))
+        return ListNavigation::target(move->key, current, count, rowsPerPage());
+    const auto step = stepOf(stroke.keyCode);
+    if (!step || count == 0) return std::nullopt;
+    const std::size_t row = current ? stepped(*current, *step) : 0;
+    const bool isSideways = *step == Step::left || *step == Step::right;
+    return isSideways && row == current ? std::nullopt : std::optional(row);
+}
+
+bool FileView::moveByKey(const KeyStroke& stroke) {
+    if (stroke.modifiers & (KeyStroke::option | KeyStroke::command)) return false;
+    const auto current = model_->row(Place::current);
+    const bool isControlAlone = stroke.modifiers == KeyStroke::control;
+    if (stroke.keyCode == KeyStroke::Code::space && isControlAlone && current) {
         gestures_.select(*current, How::toggle);
         return true;
     }
-    const QString text = event.text();
-    const bool isTyped = isPlain && !text.isEmpty() && text.front().isPrint();
-    if (!isTyped || (text == QLatin1String(" ") && typeAhead_.text().isEmpty())) return false;
+    const auto row = rowLedTo(stroke);
+    if (!row) return false;
+    touch();
+    typeAhead_.clear();
+    gestures_.select(*row, howOf(stroke.modifiers));
+    reveal(*row);
+    return true;
+}
+
+bool FileView::typeByKey(const KeyStroke& stroke, const QString& text) {
+    const bool isPlain = (stroke.modifiers & ~KeyStroke::shift) == 0;
+    if (!isPlain || text.isEmpty() || !text.front().isPrint()) return false;
+    if (text == QLatin1String(" ") && typeAhead_.text().isEmpty()) return false;
     typeAhead_.type(text);
     return true;
 }

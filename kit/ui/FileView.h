@@ -1,6 +1,7 @@
 #pragma once
 
 #include "browser/BrowserModel.h"
+#include "browser/KeyRouter.h"
 #include "browser/RowRange.h"
 #include "browser/SelectionGestures.h"
 #include "browser/TypeAhead.h"
@@ -50,7 +51,7 @@ public:
     };
     /// What of a row lies under the pointer.
     enum class Part : std::uint8_t { content, emptiness, checkBox };
-    enum class Step : std::uint8_t { up, down, left, right, pageUp, pageDown, home, end };
+    enum class Step : std::uint8_t { up, down, left, right };
 
     /// `model` and `theme` must outlive it.
     FileView(BrowserModel& model, const Theme& theme, QWidget* parent = nullptr);
@@ -59,6 +60,10 @@ public:
     [[nodiscard]] BrowserModel& model() const noexcept { return *model_; }
     [[nodiscard]] const Theme& theme() const noexcept { return *theme_; }
     [[nodiscard]] const TypeAhead& typeAhead() const noexcept { return typeAhead_; }
+
+    /// Where keys that mean commands go, before what the view does with keys itself: moving, selecting and
+    /// typing. Without it they mean nothing. `keys` must outlive the view.
+    void setKeys(const KeyRouter& keys) noexcept { keys_ = &keys; }
 
     // ---- Where things are
     [[nodiscard]] qint64 offset() const noexcept { return extent_.offset(); }
@@ -89,11 +94,13 @@ public:
     [[nodiscard]] virtual Part partAt(std::size_t row, QPoint viewportPoint) = 0;
     /// Where a step leads from `row`; `row` itself where it leads nowhere. The list is not empty.
     [[nodiscard]] virtual std::size_t stepped(std::size_t row, Step step) const = 0;
+    /// How many rows Page Down goes on; at least 1.
+    [[nodiscard]] virtual std::size_t rowsPerPage() const = 0;
     /// How far one arrow key or a third of a wheel's notch goes.
     [[nodiscard]] virtual int scrollStep() const = 0;
 
 Q_SIGNALS:
-    /// A double click or Enter on a row.
+    /// A double click on a row.
     void openRequested(std::size_t row);
     void scrolled();
 
@@ -110,7 +117,6 @@ protected:
     void toggleAll() { gestures_.toggleAll(); }
     FileIcons& icons() noexcept { return icons_; }
 
-    bool event(QEvent* event) override;
     bool viewportEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -139,13 +145,17 @@ private:
     void placeBars();
     [[nodiscard]] QRect onScreen(const ContentRect& rect) const;
     [[nodiscard]] RowState stateOf(std::size_t row) const;
-    bool moveByKey(const QKeyEvent& event);
-    bool actByKey(const QKeyEvent& event);
+    bool endByKey(const KeyStroke& stroke);
+    bool moveByKey(const KeyStroke& stroke);
+    bool typeByKey(const KeyStroke& stroke, const QString& text);
+    /// The row that a key leads to; nothing when it leads nowhere.
+    [[nodiscard]] std::optional<std::size_t> rowLedTo(const KeyStroke& stroke) const;
     /// From now on what is on the screen keeps its place.
     void touch() noexcept { isTouched_ = true; }
 
     BrowserModel* model_;
     const Theme* theme_;
+    const KeyRouter* keys_ = nullptr;
     SelectionGestures gestures_;
     TypeAhead typeAhead_;
     RowFacts facts_;

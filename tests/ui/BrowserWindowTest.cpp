@@ -1,14 +1,17 @@
 #include "ui/BrowserWindow.h"
 
 #include "listing/SystemCall.h"
+#include "services/AppSettings.h"
 #include "support/FaultAt.h"
 #include "ui/CrumbBar.h"
+#include "ui/GlyphButton.h"
 #include "ui/Overlay.h"
 #include "ui/StatusBar.h"
 #include "ui/ViewWorld.h"
 
-#include <QAction>
+#include <QInputMethodEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 
 #include <cerrno>
@@ -22,7 +25,10 @@ using ::testing::ElementsAre;
 
 class Window : public ::testing::Test {
 protected:
-    Window() : window({.theme = quietTheme(), .listings = realListings(), .home = tree.url()}) {
+    Window()
+        : settings(SettingsFile(tree.url("settings.json")), std::nullopt),
+          window(
+              {.theme = quietTheme(), .settings = settings, .listings = realListings(), .home = tree.url()}) {
         tree.folder("Projects");
         tree.folder("Projects/Reports");
         tree.file("Projects/one.txt", "12345");
@@ -47,13 +53,18 @@ protected:
             texts.push_back(button->text().toStdString());
         return texts;
     }
-    void trigger(const QKeySequence& keys) {
-        for (QAction* action : window.actions())
-            if (action->shortcuts().contains(keys)) return action->trigger();
-        ADD_FAILURE() << "no command for " << keys.toString().toStdString();
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier, QWidget* on = nullptr) {
+        QTest::keyClick(on ? on : &window.view(), key, modifiers);
     }
+    [[nodiscard]] std::string toolTip(const QString& name) const {
+        for (const auto* button : window.findChildren<GlyphButton*>())
+            if (button->accessibleName() == name) return button->toolTip().toStdString();
+        return "no button";
+    }
+    [[nodiscard]] std::string title() const { return window.windowTitle().toStdString(); }
 
     TempTree tree;
+    AppSettings settings;
     BrowserWindow window;
 };
 
@@ -77,19 +88,107 @@ TEST_F(Window, EntersFoldersAndFindsBack) {
     EXPECT_EQ(window.windowTitle().toStdString(), "Projects");
     Q_EMIT view.openRequested(rowNamed(window.model(), "Reports"));
     EXPECT_EQ(window.windowTitle().toStdString(), "Reports");
-    trigger(QKeySequence(Qt::Key_Backspace));
+    press(Qt::Key_Backspace);
     EXPECT_EQ(window.windowTitle().toStdString(), "Projects");
     ASSERT_TRUE(runUntilLoaded(window.model()));
     EXPECT_THAT(selectedNames(window.model()), ElementsAre("Reports"));
-    trigger(QKeySequence(Qt::ALT | Qt::Key_Right));
+    press(Qt::Key_Right, Qt::AltModifier);
     EXPECT_EQ(window.windowTitle().toStdString(), "Reports");
-    trigger(QKeySequence(Qt::ALT | Qt::Key_Up));
-    trigger(QKeySequence(Qt::ALT | Qt::Key_Up));
+    press(Qt::Key_Up, Qt::AltModifier);
+    press(Qt::Key_Up, Qt::AltModifier);
     EXPECT_EQ(window.model().currentURL(), tree.url());
     QTest::mouseClick(view.viewport(), Qt::BackButton);
     EXPECT_EQ(window.windowTitle().toStdString(), "Projects");
     QTest::mouseClick(view.viewport(), Qt::ForwardButton);
     EXPECT_EQ(window.model().currentURL(), tree.url());
+}
+
+// ---- Keys
+
+TEST_F(Window, FollowsThePresetOfTheSettings) {
+    open(tree.url("Projects"));
+    select(window.model(), {"Reports"});
+    EXPECT_EQ(toolTip(QStringLiteral("Up")),
+              "Up to “\u2068" + std::string(tree.url().name()) + "\u2069” (Alt+↑)");
+    EXPECT_EQ(toolTip(QStringLiteral("Refresh")), "Refresh (F5)");
+    EXPECT_EQ(toolTip(QStringLiteral("Back")), "Back");
+    press(Qt::Key_Down, Qt::ControlModifier);
+    EXPECT_EQ(title(), "Projects");
+    press(Qt::Key_Home);
+    press(Qt::Key_Return);
+    EXPECT_EQ(title(), "Reports");
+    press(Qt::Key_Backspace);
+    ASSERT_TRUE(runUntilLoaded(window.model()));
+
+    settings.setKeyPreset(KeyPreset::mac);
+    EXPECT_EQ(toolTip(QStringLiteral("Up")),
+              "Up to “\u2068" + std::string(tree.url().name()) + "\u2069” (Ctrl+↑)");
+    EXPECT_EQ(toolTip(QStringLiteral("Refresh")), "Refresh");
+    press(Qt::Key_Return);
+    press(Qt::Key_Backspace);
+    EXPECT_EQ(title(), "Projects");
+    press(Qt::Key_Down, Qt::ControlModifier);
+    EXPECT_EQ(title(), "Reports");
+    press(Qt::Key_BracketLeft, Qt::MetaModifier);
+    EXPECT_EQ(title(), "Projects");
+    ASSERT_TRUE(runUntilLoaded(window.model()));
+    press(Qt::Key_A, Qt::ControlModifier);
+    EXPECT_TRUE(window.model().selection().isEverything());
+    ASSERT_TRUE(runUntilQuiet());
+}
+
+TEST_F(Window, TakesItsKeysWhereverTheFocusIsExceptWhereTextIsEdited) {
+    open(tree.url("Projects"));
+    open(tree.url("Projects/Reports"));
+    auto* const button = window.findChild<GlyphButton*>();
+    button->setFocus();
+    press(Qt::Key_Backspace, Qt::NoModifier, button);
+    EXPECT_EQ(title(), "Projects");
+    press(Qt::Key_Delete, Qt::NoModifier, button);
+
+    QLineEdit field(&window);
+    field.show();
+    field.setText(QStringLiteral("text"));
+    field.setFocus();
+    press(Qt::Key_Backspace, Qt::NoModifier, &field);
+    EXPECT_EQ(field.text().toStdString(), "tex");
+    press(Qt::Key_F5, Qt::NoModifier, &field);
+    press(Qt::Key_Right, Qt::AltModifier, &field);
+    EXPECT_EQ(title(), "Projects") << "the field does not want it, and nobody else may have it";
+    window.view().setFocus();
+    press(Qt::Key_Right, Qt::AltModifier);
+    EXPECT_EQ(title(), "Reports");
+
+    button->setFocus();
+    QInputMethodEvent composing(QStringLiteral("あ"), {});
+    QApplication::sendEvent(button, &composing);
+    press(Qt::Key_Backspace, Qt::NoModifier, button);
+    EXPECT_EQ(title(), "Reports");
+    QInputMethodEvent composed(QString(), {});
+    QApplication::sendEvent(button, &composed);
+    press(Qt::Key_Backspace, Qt::NoModifier, button);
+    EXPECT_EQ(title(), "Projects");
+    QWidget dialog(&window, Qt::Dialog);
+    press(Qt::Key_Right, Qt::AltModifier, &dialog);
+    EXPECT_EQ(title(), "Projects");
+}
+
+TEST_F(Window, GivesCommandsThatAreBoundToItAndRepeatsNoneThatChangesThings) {
+    open(tree.url("Projects"));
+    int windows = 0, folders = 0;
+    window.commands().bind(FileCommand::newWindow, {.perform = [&](BrowserModel&) { ++windows; }});
+    window.commands().bind(FileCommand::newFolder, {.perform = [&](BrowserModel&) { ++folders; }});
+    press(Qt::Key_N, Qt::ControlModifier);
+    press(Qt::Key_N, Qt::ControlModifier | Qt::ShiftModifier);
+    for (int i = 0; i < 3; ++i) {
+        QKeyEvent held(QEvent::KeyPress, Qt::Key_N, Qt::ControlModifier, QString(), true);
+        QApplication::sendEvent(&window.view(), &held);
+        EXPECT_TRUE(held.isAccepted());
+    }
+    EXPECT_EQ(windows, 1);
+    EXPECT_EQ(folders, 1);
+    press(Qt::Key_W, Qt::ControlModifier);
+    EXPECT_FALSE(window.isVisible());
 }
 
 TEST_F(Window, SaysWhyAFolderIsNotShownAndWhatToDo) {

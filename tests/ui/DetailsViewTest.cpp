@@ -152,18 +152,52 @@ TEST_F(Details, HomeEndAndPagesBringTheirRowIntoSight) {
     EXPECT_EQ(selectedRows().size(), *model.row(Place::anchor) + 1);
 }
 
-TEST_F(Details, EnterAndDoubleClickOpen) {
+TEST_F(Details, DoubleClickOpens) {
     QSignalSpy opened(&view, &FileView::openRequested);
+    QTest::mouseDClick(view.viewport(), Qt::LeftButton, Qt::NoModifier, pointOn(3));
+    ASSERT_EQ(opened.size(), 1);
+    EXPECT_EQ(opened.takeFirst().constFirst().value<std::size_t>(), 3U);
+}
+
+TEST_F(Details, KeysOfCommandsGoBeforeItsOwn) {
+    std::vector<FileCommand> given;
+    for (const auto command : {FileCommand::open, FileCommand::rename, FileCommand::quickLook,
+                               FileCommand::cancelCut, FileCommand::moveToTrash})
+        commands.bind(command, {.perform = [&given, command](BrowserModel&) { given.push_back(command); }});
     key(Qt::Key_Return);
-    EXPECT_EQ(opened.size(), 0);
+    key(Qt::Key_Delete);
+    EXPECT_THAT(given, IsEmpty()) << "nothing is selected";
     key(Qt::Key_End);
     key(Qt::Key_Enter, Qt::KeypadModifier);
-    ASSERT_EQ(opened.size(), 1);
-    EXPECT_EQ(opened.takeFirst().constFirst().value<std::size_t>(), 39U);
-    const std::size_t row = view.visibleRows().begin + 1;
-    QTest::mouseDClick(view.viewport(), Qt::LeftButton, Qt::NoModifier, pointOn(row));
-    ASSERT_EQ(opened.size(), 1);
-    EXPECT_EQ(opened.takeFirst().constFirst().value<std::size_t>(), row);
+    key(Qt::Key_Delete, Qt::KeypadModifier);
+    EXPECT_THAT(std::exchange(given, {}), ElementsAre(FileCommand::open, FileCommand::moveToTrash));
+    QTest::keyClicks(&view, QStringLiteral("file 10"));
+    EXPECT_THAT(given, IsEmpty()) << "spaces belong to what is typed";
+    key(Qt::Key_Escape);
+    EXPECT_THAT(given, IsEmpty()) << "the typing ends first";
+    key(Qt::Key_Escape);
+    key(Qt::Key_Space);
+    EXPECT_THAT(std::exchange(given, {}), ElementsAre(FileCommand::cancelCut, FileCommand::quickLook));
+
+    preset = KeyPreset::mac;
+    const auto row = current();
+    key(Qt::Key_Return);
+    key(Qt::Key_Down, Qt::MetaModifier);
+    key(Qt::Key_Down, Qt::ControlModifier);
+    key(Qt::Key_Backspace, Qt::ControlModifier);
+    key(Qt::Key_Delete);
+    EXPECT_THAT(given, ElementsAre(FileCommand::rename, FileCommand::open, FileCommand::open,
+                                   FileCommand::moveToTrash));
+    EXPECT_EQ(current(), row);
+}
+
+TEST_F(Details, ControlMovesOnlyTheCurrentRowOnLongWaysToo) {
+    click(3);
+    key(Qt::Key_End, Qt::ControlModifier);
+    EXPECT_EQ(current(), 39U);
+    EXPECT_THAT(selectedRows(), ElementsAre(3U));
+    key(Qt::Key_Home, Qt::AltModifier);
+    EXPECT_EQ(current(), 39U);
 }
 
 class Typing : public ViewWorld {

@@ -35,7 +35,12 @@ inline const Theme& quietTheme() {
 class ViewWorld : public ::testing::Test {
 protected:
     explicit ViewWorld(const ListingFeed::Source& source = realListings())
-        : theme(quietTheme()), model(source), view(model, theme) {
+        : theme(quietTheme()), model(source),
+          keys(commands, {.preset = [this] { return preset; },
+                          .activePane = [this]() -> BrowserModel& { return model; },
+                          .performTabCommand = {}}),
+          view(model, theme) {
+        view.setKeys(keys);
         constexpr int width = 800, height = 400;
         view.resize(width, height);
         view.show();
@@ -86,6 +91,9 @@ protected:
     const Theme& theme;
     TempTree tree;
     BrowserModel model;
+    KeyPreset preset = KeyPreset::windows;
+    CommandDispatcher commands;
+    KeyRouter keys;
     DetailsView view;
 };
 
