@@ -262,7 +262,8 @@ ItemTransfer::Result<std::optional<ItemTransfer::Attempt>> ItemTransfer::rename(
                 return std::unexpected(renamed.error());
         } else {
             const auto renamed = relocate(source_->place(), source_->status(), targetPlace());
-            if (renamed) return Attempt::completed;
+            if (renamed && !hasMovedAnother()) return Attempt::completed;
+            if (renamed) return failure(Error::Case::sourceChanged);
             const int number = renamed.error().number;
             if (number == EXDEV) return std::nullopt;
             if (number == ENOENT)
@@ -278,6 +279,14 @@ ItemTransfer::Result<std::optional<ItemTransfer::Attempt>> ItemTransfer::rename(
         if (!found) return std::unexpected(found.error());
         if (const auto end = ending(*found)) return *end;
     }
+}
+
+/// Something else had the source's name at the last moment: it gets that back. A look that fails proves
+/// nothing.
+bool ItemTransfer::hasMovedAnother() const {
+    const auto moved = POSIX::lstat(targetPlace());
+    if (!moved || !sourceNumbersLast_ || moved->identity == source_->status().identity) return false;
+    return relocate(targetPlace(), *moved, source_->place()).has_value();
 }
 
 /// The item has its new name, and the old one could not be removed.
@@ -303,6 +312,10 @@ ItemTransfer::Result<void> ItemTransfer::renameReplacing() {
         if (const auto back = replaced_->putBack(); !back) return failure(Error::from(back.error()));
         const int number = renamed.error().number;
         return failure(number == EXDEV ? Error::posix(EXDEV) : Error::from(number));
+    }
+    if (renamed && hasMovedAnother()) {
+        (void)replaced_->putBack();
+        return failure(Error::Case::sourceChanged);
     }
     replaced_->remove();
     for (auto& name : replaced_->leftBehind())

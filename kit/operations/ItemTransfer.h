@@ -69,6 +69,7 @@ private:
     [[nodiscard]] bool mayRename() const noexcept;
     [[nodiscard]] Result<std::optional<Attempt>> rename();
     [[nodiscard]] Result<void> renameReplacing();
+    [[nodiscard]] bool hasMovedAnother() const;
     [[nodiscard]] Result<std::optional<Attempt>> keepSource(FileOperationError reason);
 
     [[nodiscard]] Result<Attempt> copy();

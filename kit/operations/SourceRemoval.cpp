@@ -42,7 +42,18 @@ std::optional<Error> SourceRemoval::remove(POSIX::Place source, POSIX::Place cop
     if (settings_.rechecksContents)
         if (auto failure = checkContents(copy)) return failure;
     if (settings_.fails) return Error::sourceRemovalFailed(EIO);
+    if (auto failure = checkPlace(copy)) return failure;
     return removeAll();
+}
+
+/// The copy still has the name that it was given.
+SourceRemoval::Answer SourceRemoval::checkPlace(POSIX::Place copy) const {
+    if (!settings_.copy) return std::nullopt;
+    const auto there = POSIX::lstat(copy);
+    if (!there && there.error().number == ENOENT) return Error(Error::Case::destinationMissing);
+    if (!there) return Error::sourceRemovalFailed(there.error().number);
+    if (there->identity != *settings_.copy) return Error(Error::Case::destinationExists);
+    return std::nullopt;
 }
 
 SourceRemoval::Answer SourceRemoval::check() {

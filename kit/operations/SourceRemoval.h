@@ -24,19 +24,23 @@ public:
         TreeManifest::Likeness likeness = TreeManifest::Likeness::exact;
         /// Compares the contents with the copy once more: for file systems whose times prove nothing.
         bool rechecksContents = false;
+        /// The top of the copy, which must still have its name; nothing where that cannot be told.
+        std::optional<FileIdentity> copy;
         bool fails = false; ///< a test's wish
     };
 
     SourceRemoval(const TreeManifest& manifest, Settings settings, std::function<bool()> goesOn);
 
-    /// `sourceChanged`, `sourceRemovalFailed` or, when it was told not to go on, `cancelled`; nothing when
-    /// the source is gone.
+    /// `sourceChanged`, `sourceRemovalFailed`, `destinationMissing` or `destinationExists` when the copy does
+    /// not have its name any more, or, when it was told not to go on, `cancelled`; nothing when the source is
+    /// gone.
     [[nodiscard]] std::optional<FileOperationError> remove(POSIX::Place source, POSIX::Place copy);
 
 private:
     using Index = TreeManifest::Index;
     using Answer = std::optional<FileOperationError>;
 
+    [[nodiscard]] Answer checkPlace(POSIX::Place copy) const;
     [[nodiscard]] Answer check();
     [[nodiscard]] Answer checkFolder(Index index);
     [[nodiscard]] Answer checkEntry(Index index);

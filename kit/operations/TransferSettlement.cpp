@@ -19,6 +19,13 @@ constexpr std::size_t manyItems = 32;
 constexpr std::size_t manyEntries = 100'000;
 constexpr std::size_t fewFiles = 4; // that are flushed one by one rather than with the whole file system
 
+/// Of the copy itself, whatever has its name by now; nothing where that cannot be told.
+std::optional<FileIdentity> identityOf(const TransferSettlement::Placed& placed) {
+    if (!placed.top || placed.destination->volume().traits.renumbersInodes) return std::nullopt;
+    const auto status = POSIX::status(placed.top.get());
+    return status ? std::optional(status->identity) : std::nullopt;
+}
+
 } // namespace
 
 void TransferSettlement::add(Placed placed) {
@@ -74,11 +81,17 @@ void TransferSettlement::complete(Placed& placed) {
     if (placed.moved) {
         auto& moved = *placed.moved;
         run_.enter(Phase::removingSource);
+        moved.settings.copy = identityOf(placed);
         SourceRemoval removal(moved.manifest, moved.settings, [this] { return run_.goesOn(); });
         const POSIX::Place copy{placed.destination->fd(), placed.name.c_str()};
         auto failure = removal.remove(moved.source.place(), copy);
         if (!failure) failure = moved.keptFor;
-        if (failure) outcome = ItemOutcome::copiedSourceKept(url, *failure);
+        const bool isGone = failure && (*failure == Error::Case::destinationExists ||
+                                        *failure == Error::Case::destinationMissing);
+        if (isGone) // somebody has taken the copy away
+            outcome = ItemOutcome::failed(*failure);
+        else if (failure)
+            outcome = ItemOutcome::copiedSourceKept(url, *failure);
     }
     run_.results[placed.result].outcome = outcome;
     if (!placed.replaced) return;
@@ -95,9 +108,7 @@ void TransferSettlement::tellLeftBehind(const Placed& placed, const std::vector<
 
 /// Takes a copy from its place again.
 POSIX::Result<StagedItem> TransferSettlement::withdraw(Placed& placed) {
-    std::optional<FileIdentity> identity;
-    if (placed.top)
-        if (const auto status = POSIX::status(placed.top.get())) identity = status->identity;
+    const auto identity = identityOf(placed);
     if (placed.replaced) return placed.replaced->putBackFor(identity);
     return StagedItem::takenFrom({placed.destination->fd(), placed.name.c_str()}, identity);
 }

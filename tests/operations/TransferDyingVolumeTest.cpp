@@ -3,7 +3,6 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <memory>
 #include <optional>
@@ -17,10 +16,6 @@ namespace {
 using namespace testing;
 using ::testing::IsEmpty;
 using Error = FileOperationError;
-
-const TransferScenario& scenarioNamed(const std::string& name) {
-    return *std::ranges::find_if(transferScenarios(), [&](const auto& one) { return one.name == name; });
-}
 
 /// A driver without flags of renameat2 that loses one ability.
 struct Driver {
@@ -46,7 +41,7 @@ class DyingVolume : public ::testing::TestWithParam<std::tuple<const char*, Driv
 
 TEST_P(DyingVolume, LosesNothingAndTellsTheTruth) {
     const auto& [name, driver] = GetParam();
-    const auto& scenario = scenarioNamed(name);
+    const auto& scenario = transferScenario(name);
     constexpr int mostCalls = 4;
     for (int after = 0; after <= mostCalls; ++after) {
         const TempTree backing;

@@ -147,6 +147,10 @@ const std::vector<TransferScenario>& transferScenarios() {
     return all;
 }
 
+const TransferScenario& transferScenario(const std::string& name) {
+    return *std::ranges::find_if(transferScenarios(), [&](const auto& one) { return one.name == name; });
+}
+
 std::expected<TransferVolumes, std::string> TransferVolumes::make() {
     TransferVolumes volumes;
     for (auto* volume : {&volumes.first_, &volumes.second_}) {
@@ -169,11 +173,10 @@ TransferTrial::TransferTrial(const TransferScenario& scenario, const TransferSta
 
 const OperationReport& TransferTrial::run(std::vector<ErrorDecision> errorAnswers) {
     const FileOperationService service{std::make_shared<NoTrash>()};
-    ScriptedAnswers answers;
-    answers.conflictAnswers.assign(8, {scenario_.answer, false});
-    answers.errorAnswers.assign(errorAnswers.begin(), errorAnswers.end());
+    answers_.conflictAnswers.assign(8, {scenario_.answer, false});
+    answers_.errorAnswers.assign(errorAnswers.begin(), errorAnswers.end());
     report_ = service.transfer(scenario_.kind, items_, *FileURL::fromPath(given(stage_.to.path("target"))),
-                               answers.hooks());
+                               answers_.hooks());
     told_.clear();
     for (const auto& item : report_.items)
         if (item.outcome.error() &&

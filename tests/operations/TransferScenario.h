@@ -51,6 +51,7 @@ struct TransferScenario {
 };
 
 [[nodiscard]] const std::vector<TransferScenario>& transferScenarios();
+[[nodiscard]] const TransferScenario& transferScenario(const std::string& name);
 
 /// The volumes that scenarios use: two that are in memory, made by the test.
 class TransferVolumes {
@@ -77,6 +78,11 @@ public:
     /// `errorAnswers` are given to the first errors; the others are answered with `skip`.
     const OperationReport& run(std::vector<ErrorDecision> errorAnswers = {});
 
+    /// Names that the report says were left behind.
+    [[nodiscard]] const std::set<std::string>& told() const { return told_; }
+    /// Conflicts that were asked about so far.
+    [[nodiscard]] std::size_t questions() const { return answers_.conflicts.size(); }
+
     /// One line for each promise that was broken; empty when all were kept.
     [[nodiscard]] std::vector<std::string> broken() const;
 
@@ -95,9 +101,10 @@ private:
     Seen seen_;
     std::string sourceRoot_; // of `from`, or the destination when that is the source's own folder
     std::vector<TransferItem> items_;
+    ScriptedAnswers answers_;
     TreeSnapshot sourcesBefore_, targetsBefore_, sourcesNow_, targetsNow_;
     OperationReport report_{FileOperationKind::copy, {}};
-    std::set<std::string> told_; // names that the report says were left behind
+    std::set<std::string> told_;
 };
 
 /// The report in one line for each result.

@@ -22,6 +22,7 @@ public:
 
     std::optional<SystemCall::Fault> before(SystemCall::Kind kind) override {
         if ((!kind_ || kind == *kind_) && --left_ == 0) {
+            struck_ = kind;
             hasStruck_ = true;
             action_();
         }
@@ -29,11 +30,14 @@ public:
     }
 
     [[nodiscard]] bool hasStruck() const noexcept { return hasStruck_; }
+    /// The kind of the call that came next; only once it has struck.
+    [[nodiscard]] SystemCall::Kind struck() const noexcept { return struck_; }
 
 private:
     const std::optional<SystemCall::Kind> kind_;
     std::atomic<int> left_;
     std::function<void()> action_;
+    std::atomic<SystemCall::Kind> struck_ = SystemCall::Kind::open;
     std::atomic<bool> hasStruck_ = false;
 };
 
