@@ -1,5 +1,7 @@
 #include "operations/JobPlan.h"
 
+#include "operations/ArchiveService.h"
+
 #include <utility>
 
 namespace ombrel {
@@ -115,6 +117,33 @@ JobPlan JobPlan::createEmptyFile(const FileOperationService& service, const File
                                  std::string preferredName) {
     return creation(FileOperationKind::newFile, service, &FileOperationService::createEmptyFile, folder,
                     std::move(preferredName));
+}
+
+JobPlan JobPlan::compress(std::vector<FileReference> items, const FileURL& folder,
+                          std::string preferredName) {
+    JobPlan plan{.kind = FileOperationKind::compress,
+                 .sources = locations(items, itself),
+                 .destination = folder,
+                 .data = Data::copied};
+    plan.work = [items = std::move(items), folder,
+                 name = std::move(preferredName)](const OperationHooks& hooks, std::stop_token stop) mutable {
+        for (auto& item : items)
+            sample(item);
+        return ArchiveService::compress(items, folder, name, hooks, std::move(stop));
+    };
+    return plan;
+}
+
+JobPlan JobPlan::extract(std::vector<FileReference> archives) {
+    JobPlan plan{
+        .kind = FileOperationKind::extract, .sources = locations(archives, itself), .data = Data::copied};
+    if (!archives.empty()) plan.destination = archives.front().url.parent();
+    plan.work = [archives = std::move(archives)](const OperationHooks& hooks, std::stop_token stop) mutable {
+        for (auto& archive : archives)
+            sample(archive);
+        return ArchiveService::extract(archives, hooks, std::move(stop));
+    };
+    return plan;
 }
 
 OperationReport JobPlan::reportOfAll(const ItemOutcome& outcome) const {

@@ -53,6 +53,11 @@ struct JobPlan {
     [[nodiscard]] static JobPlan createEmptyFile(const FileOperationService& service, const FileURL& folder,
                                                  std::string preferredName);
 
+    /// A zip of the items in `folder`, and archives extracted beside themselves; see ArchiveService.
+    [[nodiscard]] static JobPlan compress(std::vector<FileReference> items, const FileURL& folder,
+                                          std::string preferredName = {});
+    [[nodiscard]] static JobPlan extract(std::vector<FileReference> archives);
+
     /// A report that says the same of every item; one item without a source when there are none.
     [[nodiscard]] OperationReport reportOfAll(const ItemOutcome& outcome) const;
 };

@@ -1,4 +1,5 @@
 #include "operations/ExtractedTree.h"
+#include "operations/JobPlan.h"
 #include "support/ArchiveWorld.h"
 #include "support/FaultAt.h"
 #include "support/TestMount.h"
@@ -458,6 +459,17 @@ TEST_F(Extraction, NamesTheToolThatIsMissing) {
         EXPECT_EQ(report.items.at(0).facts.archive->tool, tool);
     }
     EXPECT_THAT(tree.names("box"), ElementsAre("f.xz", "z.zip"));
+}
+
+TEST_F(Extraction, IsAJobLikeAnyOther) {
+    tree.file("in/f", "first");
+    auto plan = JobPlan::compress({{tree.url("in/f"), std::nullopt}}, tree.url("box"), "made");
+    EXPECT_EQ(plan.destination, tree.url("box"));
+    EXPECT_EQ(plan.work(world.hooks(), {}).overall(), Overall::succeeded);
+    plan = JobPlan::extract({{tree.url("box/made.zip"), std::nullopt}});
+    EXPECT_EQ(plan.destination, tree.url("box"));
+    EXPECT_EQ(plan.work(world.hooks(), {}).overall(), Overall::succeeded);
+    EXPECT_EQ(tree.contents("box/made/f"), "first");
 }
 
 TEST_F(Extraction, GoesOnAfterAnArchiveThatFails) {
