@@ -6,10 +6,10 @@ namespace ombrel::cli {
 
 std::span<const Command* const> commands() {
     static constexpr std::array all = {
-        &listCommand,    &copyCommand,      &moveCommand,      &renameCommand,  &newFolderCommand,
-        &newFileCommand, &trashCommand,     &trashListCommand, &restoreCommand, &emptyTrashCommand,
-        &deleteCommand,  &compressCommand,  &extractCommand,   &findCommand,    &volumesCommand,
-        &grantsCommand,  &parsePathCommand, &settingsCommand};
+        &listCommand,    &copyCommand,     &moveCommand,      &renameCommand,  &newFolderCommand,
+        &newFileCommand, &trashCommand,    &trashListCommand, &restoreCommand, &emptyTrashCommand,
+        &deleteCommand,  &compressCommand, &extractCommand,   &findCommand,    &watchCommand,
+        &volumesCommand, &grantsCommand,   &parsePathCommand, &settingsCommand};
     return all;
 }
 

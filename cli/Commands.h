@@ -19,6 +19,7 @@ extern const Command deleteCommand;
 extern const Command compressCommand;
 extern const Command extractCommand;
 extern const Command findCommand;
+extern const Command watchCommand;
 extern const Command volumesCommand;
 extern const Command grantsCommand;
 extern const Command parsePathCommand;

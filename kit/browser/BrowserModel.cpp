@@ -16,6 +16,9 @@ constexpr std::int64_t firstBatchSize = 200;
 /// More than any folder holds: the whole listing arrives at once.
 constexpr std::int64_t wholeListing = (std::int64_t{1} << 61) - 1;
 
+/// How long a changing folder has to be quiet before it is read again.
+constexpr DirectoryWatcher::Seconds quietTime(0.25);
+
 std::optional<std::size_t> rowOf(const FileItemList& items, ItemRef item) {
     const auto order = items.order();
     const auto found = std::ranges::find(order, item);
@@ -33,7 +36,8 @@ void dispose(ListedItems listed) {
 BrowserModel::BrowserModel(ListingFeed::Source source, QObject* parent)
     : QObject(parent),
       feed_(std::move(source), {.show = [this](ListedItems listed) { apply(std::move(listed)); },
-                                .fail = [this](DirectoryError error) { fail(error); }}) {}
+                                .fail = [this](DirectoryError error) { fail(error); }}),
+      live_([this] { refresh(); }), watcher_(quietTime, [this](auto event) { handleWatcher(event); }) {}
 
 BrowserModel::~BrowserModel() {
     selection_ = {};
@@ -101,24 +105,25 @@ HistoryEntry BrowserModel::currentEntry() const {
 void BrowserModel::load(const Location& to, std::shared_ptr<const SelectionMemory> selecting) {
     ++generation_;
     location_ = to;
-    selection_ = {};
-    marks_ = {};
-    if (auto dropped = std::exchange(held_, std::nullopt)) dispose(std::move(*dropped));
-    dispose(std::exchange(listed_, {}));
+    clear();
+    watcher_.stop();
     hasPendingSelection_ = selecting && !selecting->empty();
     if (const auto& folder = to.folderURL()) {
         state_ = ListingState::Case::loading;
+        watcher_.watch(*folder);
+        live_.listingBegan();
         feed_.start({.request = {.url = *folder,
                                  .generation = generation_,
                                  .sort = wish_.sort,
                                  .directoriesOnly = false,
                                  .firstBatchSize = firstBatchSize},
                      .remembered = hasPendingSelection_ ? std::move(selecting) : nullptr,
-                     .replaced = std::nullopt},
+                     .arming = watcher_.arming()},
                     wish_);
     } else {
         state_ = ListingState::Case::loaded;
         feed_.stop();
+        live_.forget();
     }
     Q_EMIT locationChanged();
     Q_EMIT historyChanged();
@@ -130,18 +135,50 @@ void BrowserModel::load(const Location& to, std::shared_ptr<const SelectionMemor
 
 void BrowserModel::reload(const FileURL& url) {
     ++generation_;
+    watcher_.watch(url);
+    live_.listingBegan();
     feed_.start({.request = {.url = url,
                              .generation = generation_,
                              .sort = wish_.sort,
                              .directoriesOnly = false,
                              .firstBatchSize = wholeListing},
                  .remembered = nullptr,
+                 .arming = watcher_.arming(),
                  .replaced = listed_.arrangement.all},
                 wish_);
 }
 
+void BrowserModel::handleWatcher(DirectoryWatcher::Event event) {
+    switch (event) {
+    case DirectoryWatcher::Event::contentsChanged: return live_.noteChange();
+    case DirectoryWatcher::Event::directoryInvalidated: return invalidate();
+    }
+}
+
+void BrowserModel::invalidate() {
+    ++generation_;
+    watcher_.stop();
+    feed_.stop();
+    live_.forget();
+    clear();
+    hasPendingSelection_ = false;
+    state_ = ListingState::Case::invalidated;
+    Q_EMIT itemsChanged();
+    Q_EMIT selectionChanged();
+    Q_EMIT currentRowChanged();
+    Q_EMIT listingStateChanged();
+}
+
+void BrowserModel::clear() {
+    selection_ = {};
+    marks_ = {};
+    if (auto dropped = std::exchange(held_, std::nullopt)) dispose(std::move(*dropped));
+    dispose(std::exchange(listed_, {}));
+}
+
 void BrowserModel::apply(ListedItems listed) {
     if (isHeld_) {
+        if (listed.isComplete && listed.generation == generation_) live_.listingEnded();
         if (auto outdated = std::exchange(held_, std::move(listed))) dispose(std::move(*outdated));
         return;
     }
@@ -167,12 +204,15 @@ void BrowserModel::apply(ListedItems listed) {
     if (row(Place::current) != currentBefore) Q_EMIT currentRowChanged();
     if (state_ != stateBefore) Q_EMIT listingStateChanged();
     if (restored && row(Place::current)) Q_EMIT revealRequested(*row(Place::current));
+    // Last, because it may begin another listing.
+    if (listed_.isComplete && listed_.generation == generation_) live_.listingEnded();
 }
 
 void BrowserModel::setHeld(bool held) {
     isHeld_ = held;
-    if (held) return;
-    if (auto listed = std::exchange(held_, std::nullopt)) apply(std::move(*listed));
+    if (!held)
+        if (auto listed = std::exchange(held_, std::nullopt)) apply(std::move(*listed));
+    live_.setHeld(held);
 }
 
 void BrowserModel::follow(const FileItemList& before, const ItemSuccession* succession) {
@@ -204,12 +244,14 @@ bool BrowserModel::applyPendingSelection(const ItemSet* remembered) {
 
 void BrowserModel::fail(DirectoryError error) {
     state_ = ListingState::failed(error);
+    const auto generation = generation_;
     const Text text = error.text();
     Log::error(Log::Category::directory,
                "listing of " + (currentURL() ? currentURL()->uri() : std::string()) +
                    " failed: " + std::string(text.key) +
                    (text.arguments.empty() ? "" : " (" + text.arguments.front() + ")"));
     Q_EMIT listingStateChanged();
+    if (generation == generation_) live_.listingEnded();
 }
 
 void BrowserModel::setSort(const FileSort& sort) {

@@ -5,9 +5,11 @@
 #include "browser/ItemArrangement.h"
 #include "browser/ListingFeed.h"
 #include "browser/ListingState.h"
+#include "browser/LiveReload.h"
 #include "browser/Location.h"
 #include "listing/FileItemList.h"
 #include "listing/FileSort.h"
+#include "services/DirectoryWatcher.h"
 
 #include <QObject>
 #include <QString>
@@ -29,6 +31,9 @@ namespace ombrel {
 /// Main thread only, and it never blocks: listings are read, sorted and filtered on workers and arrive whole.
 /// Nothing here takes more than a few milliseconds with a million items. All state has changed before the
 /// first signal of a change is sent.
+///
+/// The folder that is shown is watched, and read again after it has changed (`LiveReload`). When it was
+/// removed or renamed away itself, its items go and the state is `invalidated` until it is refreshed or left.
 ///
 /// What is selected, the current row, the anchor row and the scroll row belong to items, not to row numbers:
 /// they stay with their items while the listing grows, is sorted, filtered or reloaded, and follow a rename.
@@ -141,6 +146,9 @@ private:
     [[nodiscard]] HistoryEntry currentEntry() const;
     void load(const Location& to, std::shared_ptr<const SelectionMemory> selecting);
     void reload(const FileURL& url);
+    void handleWatcher(DirectoryWatcher::Event event);
+    void invalidate();
+    void clear();
     void apply(ListedItems listed);
     void follow(const FileItemList& before, const ItemSuccession* succession);
     [[nodiscard]] bool applyPendingSelection(const ItemSet* remembered);
@@ -159,6 +167,8 @@ private:
     FileSelection selection_;
     std::array<std::optional<Mark>, 3> marks_;
     ListingFeed feed_;
+    LiveReload live_;
+    DirectoryWatcher watcher_;
 };
 
 } // namespace ombrel

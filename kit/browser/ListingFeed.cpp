@@ -105,6 +105,9 @@ private:
 
 namespace {
 
+/// A watch that takes longer reports a change once it stands.
+constexpr std::chrono::milliseconds longestArming(100);
+
 /// The consumer of one listing's stream.
 void consume(DirectoryProvider::Stream stream, const ListingFeed::Order& order,
              const std::function<ItemWish()>& wish, const std::function<void(ListedItems)>& deliver,
@@ -157,6 +160,7 @@ void ListingFeed::Desk::start(Order order, const ItemWish& wish) {
     try {
         worker_ = Worker("ombrel-feed", [wake, outbox = outbox_, source = source_,
                                          order = std::move(order)](const std::stop_token& stop) {
+            order.arming.wait(longestArming, stop);
             consume(
                 source(order.request), order, [&] { return outbox->wish(); },
                 [&](ListedItems listed) {

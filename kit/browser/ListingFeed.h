@@ -4,6 +4,7 @@
 #include "browser/ItemSuccession.h"
 #include "browser/SelectionMemory.h"
 #include "listing/DirectoryProvider.h"
+#include "listing/FolderWatch.h"
 
 #include <cstdint>
 #include <functional>
@@ -43,9 +44,11 @@ public:
     struct Order {
         DirectoryRequest request;
         std::shared_ptr<const SelectionMemory> remembered; ///< to be found again; may be nothing
+        /// Of the watch over the folder; waited for, though not for long, before the folder is read.
+        FolderWatch::Arming arming = {};
         /// What is shown until the new listing is complete, when it replaces it in one step; nothing for a
         /// listing that is shown while it grows.
-        std::optional<FileItemList> replaced;
+        std::optional<FileItemList> replaced = std::nullopt;
     };
 
     ListingFeed(Source source, Consumer consumer);

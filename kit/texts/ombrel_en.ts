@@ -108,6 +108,9 @@
     <message id="cli.volumes.summary"><source></source><translation>Lists the mounted volumes, or tells what is mounted, unmounted and moved.</translation></message>
     <message id="cli.volumes.watch"><source></source><translation>Tell what happens to volumes as it happens, until Ctrl+C.</translation></message>
     <message id="cli.volumes.watching"><source></source><translation>Volumes are watched. Ctrl+C ends it.</translation></message>
+    <message id="cli.watch.gone"><source></source><translation>The folder was moved, renamed or deleted, or its volume was unmounted.</translation></message>
+    <message id="cli.watch.summary"><source></source><translation>Tells what happens to a folder as it happens, until Ctrl+C.</translation></message>
+    <message id="cli.watch.watching"><source></source><translation>The folder is watched. Ctrl+C ends it.</translation></message>
     <message id="conflict.batch.title" numerus="yes"><source></source><translation><numerusform>{n} item is already there</numerusform><numerusform>{n} items are already there</numerusform></translation></message>
     <message id="conflict.decideEach"><source></source><translation>Decide for each</translation></message>
     <message id="conflict.decideEach.detail"><source></source><translation>Asks for every item singly</translation></message>

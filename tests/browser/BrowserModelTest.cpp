@@ -386,6 +386,7 @@ TEST_F(Showing, ReloadOfARemovedFolderFailsAndRecovers) {
     model.navigate(folder);
     ASSERT_TRUE(runUntilLoaded(model));
     ASSERT_EQ(::rmdir(folder.path().c_str()), 0);
+    ASSERT_TRUE(runUntil([&] { return model.listingState() == ListingState::Case::invalidated; }));
     model.refresh();
     ASSERT_TRUE(runUntilQuiet());
     EXPECT_EQ(model.listingState(), ListingState::failed(DirectoryError::Case::notFound));
