@@ -7,6 +7,7 @@
 #include "services/AppSettings.h"
 #include "services/InterfaceLanguage.h"
 #include "services/QtConnections.h"
+#include "services/SettingsFollower.h"
 #include "ui/BrowserWindow.h"
 #include "ui/DesktopAppearance.h"
 #include "ui/OmbrelStyle.h"
@@ -111,7 +112,8 @@ void showWindows(const Shell& shell, std::vector<FileURL> folders) {
 }
 
 int runApplication(QApplication& application, const Arguments& arguments) {
-    const auto language = InterfaceLanguage::choose();
+    AppSettings settings;
+    const auto language = InterfaceLanguage::choose(settings.launchInterfaceLanguage());
     QLocale::setDefault(language.locale);
     const QtConnections connections(language);
 #ifndef NDEBUG
@@ -129,8 +131,8 @@ int runApplication(QApplication& application, const Arguments& arguments) {
     QObject::connect(&theme, &Theme::changed, &application,
                      [&theme] { QApplication::setPalette(theme.palette()); });
     DesktopAppearance desktop(theme);
-    const AppSettings settings;
     const Shell shell{theme, settings};
+    SettingsFollower follower(settings);
     std::unique_ptr<BrowserWindow> pictured;
     if (isPicture) {
         pictured.reset(makeWindow(shell, arguments.folders.empty() ? PathInput::userHomeDirectory()
@@ -140,9 +142,15 @@ int runApplication(QApplication& application, const Arguments& arguments) {
         new Picture(*pictured, QFile::decodeName(arguments.pictureFile.c_str()));
     } else {
         desktop.follow();
+        follower.start();
+        QObject::connect(&application, &QGuiApplication::applicationStateChanged, &follower,
+                         [&follower](Qt::ApplicationState state) {
+                             if (state == Qt::ApplicationActive) follower.refresh();
+                         });
         showWindows(shell, arguments.folders);
     }
     const int status = QApplication::exec();
+    follower.stop();
     pictured.reset();
     const auto windows = QApplication::topLevelWidgets();
     for (QWidget* window : windows)

@@ -105,6 +105,22 @@ TEST_F(Pictures, ShowWhatIsInTheFolder) {
     EXPECT_LT(dark.pixelColor(600, 700).lightness(), 60);
 }
 
+TEST_F(Pictures, SpeakTheLanguageOfTheSettings) {
+    tree.file("dated");
+    for (const char* folder : {"config", "config/HalvaneOmbrel"})
+        out.folder(folder);
+    const auto picture = [&] {
+        const auto file = out.path("language.png");
+        const auto drawn = ombrel({"--screenshot", file, tree.path()},
+                                  {.variables = {"XDG_CONFIG_HOME=" + out.path("config")}});
+        EXPECT_EQ(drawn.status, 0) << drawn.errors;
+        return QImage(QString::fromStdString(file));
+    };
+    const QImage before = picture();
+    out.file("config/HalvaneOmbrel/settings.json", R"({"HalvaneOmbrel": {"AppleLanguages": ["ja"]}})");
+    EXPECT_NE(picture(), before) << "dates, if nothing else, are written in another way";
+}
+
 TEST_F(Pictures, OfAFolderThatCannotBeShownSayWhy) {
     const QImage missing = pictureOf(tree.path("missing"));
     EXPECT_GT(coloursOf(missing), 20U);
