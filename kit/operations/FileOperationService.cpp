@@ -1,5 +1,6 @@
 #include "operations/FileOperationService.h"
 
+#include "operations/FreeNameCopy.h"
 #include "operations/ItemCreation.h"
 #include "operations/ItemRename.h"
 #include "operations/PermanentDeletion.h"
@@ -54,6 +55,16 @@ OperationReport FileOperationService::createEmptyFile(const FileURL& folder,
                                                       std::string_view preferredName) const {
     return {FileOperationKind::newFile,
             {{std::nullopt, createExclusive(folder, preferredName, NewItem::file)}}};
+}
+
+OperationReport FileOperationService::createFromTemplate(const FileReference& source, const FileURL& folder,
+                                                         std::string_view preferredName,
+                                                         const std::stop_token& stop) const {
+    auto outcome = copyUnderFreeName(source, folder, preferredName, *trash, stop);
+    const auto& made = outcome.destination();
+    const bool isFolder = made && made->isMarkedDirectory();
+    return {isFolder ? FileOperationKind::newFolder : FileOperationKind::newFile,
+            {{std::nullopt, std::move(outcome)}}};
 }
 
 OperationReport FileOperationService::moveToTrash(std::span<const FileReference> items,

@@ -53,6 +53,12 @@ struct FileOperationService {
     [[nodiscard]] OperationReport createEmptyFile(const FileURL& folder,
                                                   std::string_view preferredName) const;
 
+    /// Copies an item into a folder under the first free name; see `copyUnderFreeName`. A report of kind
+    /// `newFile`, or `newFolder` for a folder, whose result has no source.
+    [[nodiscard]] OperationReport createFromTemplate(const FileReference& source, const FileURL& folder,
+                                                     std::string_view preferredName,
+                                                     const std::stop_token& stop = {}) const;
+
     [[nodiscard]] OperationReport moveToTrash(std::span<const FileReference> items,
                                               const OperationHooks& hooks, std::stop_token stop = {}) const;
     /// Moves items out of the trash to where they were.

@@ -3,6 +3,7 @@
 #include "support/FaultAt.h"
 #include "support/TempTree.h"
 #include "support/TestMount.h"
+#include "support/TransferWorld.h"
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
@@ -143,6 +144,45 @@ TEST(CreateExclusive, SaysWhatIsInTheWay) {
     const std::string longest(255, 'n');
     EXPECT_TRUE(made("full", longest).isSuccess());
     EXPECT_EQ(made("full", longest), ItemOutcome::failed(Error::invalidName(InvalidNameReason::tooLong)));
+}
+
+TEST(CreateFromTemplate, TakesTheFirstFreeNameAndCopiesEverything) {
+    const TempTree tree;
+    const TempTree templates;
+    const auto letter = templates.file("letter.odt", "Dear");
+    const auto package = templates.folder("Site.app");
+    templates.file("Site.app/index", "<html>");
+    const auto made = [&](const FileURL& source, const char* folder, std::string_view name) {
+        const FileOperationService service{std::make_shared<testing::NoTrash>()};
+        const auto report =
+            service.createFromTemplate(FileReference::sampling(source), tree.url(folder), name);
+        EXPECT_EQ(report.items.size(), 1U);
+        EXPECT_FALSE(report.items[0].source);
+        return report.items[0].outcome;
+    };
+    tree.folder("d");
+    tree.symlink("d/a.odt", "nowhere");
+    EXPECT_EQ(made(letter, "d", "a.odt"), ItemOutcome::completed(tree.url("d/a (2).odt")));
+    EXPECT_EQ(made(letter, "d", "a.odt"), ItemOutcome::completed(tree.url("d/a (3).odt")));
+    EXPECT_EQ(tree.contents("d/a (3).odt"), "Dear");
+    for (const char* name : {"d/S.app", "d/S.app (2)"}) {
+        EXPECT_EQ(made(package, "d", "S.app"),
+                  ItemOutcome::completed(tree.url(name).marked(FileURL::Mark::directory)));
+        EXPECT_EQ(tree.contents(std::string(name) + "/index"), "<html>");
+    }
+    // Its own folder is like any other.
+    const auto own = tree.file("own.txt", "x");
+    EXPECT_EQ(made(own, "", "own.txt"), ItemOutcome::completed(tree.url("own (2).txt")));
+
+    EXPECT_EQ(made(letter, "gone", "a"), ItemOutcome::failed(Error::Case::destinationMissing));
+    EXPECT_EQ(made(templates.url("gone"), "d", "a"), ItemOutcome::failed(Error::Case::sourceMissing));
+    EXPECT_EQ(made(letter, "d", "a/b"),
+              ItemOutcome::failed(Error::invalidName(InvalidNameReason::containsSlash)));
+    tree.folder("full");
+    for (int number = 1; number <= 500; ++number)
+        tree.file("full/n" + (number == 1 ? "" : " (" + std::to_string(number) + ")"));
+    EXPECT_EQ(made(letter, "full", "n"), ItemOutcome::failed(Error::Case::destinationExists));
+    EXPECT_EQ(tree.names("full").size(), 500U);
 }
 
 // ---- Every call fails once
