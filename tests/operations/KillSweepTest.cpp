@@ -42,7 +42,7 @@ enum class Place : std::uint8_t {
     other,        ///< on another one
     refusing,     ///< on another one, whose driver refuses the flags of a rename
     linkless,     ///< the same, without hard links too
-    fromRefusing, ///< with the source on such a one
+    fromRefusing, ///< the volume of the source, whose driver refuses those flags
 };
 
 enum class Existing : std::uint8_t { none, file, folder };

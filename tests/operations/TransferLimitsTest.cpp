@@ -298,9 +298,6 @@ TEST(TransferOfATree, DeeperThanAnyPathMayBeLong) {
     TransferWorld world;
     EXPECT_EQ(world.copy({from.url("top")}, to.url()).overall(), Overall::succeeded);
     EXPECT_EQ(bottomOf(to.path("top")), "gold");
-    world.answers.conflictAnswers = {{ConflictChoice::replace, true}};
-    EXPECT_EQ(world.copy({from.url("top")}, to.url()).overall(),
-              Overall::succeeded); // merged all the way down
     const auto copy = FileReference::sampling(to.url("top"));
     EXPECT_EQ(world.service.deletePermanently({&copy, 1}, {}).overall(), Overall::succeeded);
     EXPECT_THAT(to.names(), IsEmpty());
