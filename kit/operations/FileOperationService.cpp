@@ -23,7 +23,7 @@ OperationReport FileOperationService::transfer(FileOperationKind kind, std::span
 OperationReport FileOperationService::copy(std::span<const FileReference> items, const FileURL& destination,
                                            decltype(OperationHooks::conflicts) conflicts,
                                            decltype(OperationHooks::progress) progress) const {
-    const OperationHooks hooks{std::move(conflicts), {}, std::move(progress), {}};
+    const OperationHooks hooks{std::move(conflicts), {}, std::move(progress), {}, {}};
     return transfer(FileOperationKind::copy, std::vector<TransferItem>(items.begin(), items.end()),
                     destination, hooks);
 }
@@ -31,7 +31,7 @@ OperationReport FileOperationService::copy(std::span<const FileReference> items,
 OperationReport FileOperationService::move(std::span<const FileReference> items, const FileURL& destination,
                                            decltype(OperationHooks::conflicts) conflicts,
                                            decltype(OperationHooks::progress) progress) const {
-    const OperationHooks hooks{std::move(conflicts), {}, std::move(progress), {}};
+    const OperationHooks hooks{std::move(conflicts), {}, std::move(progress), {}, {}};
     return transfer(FileOperationKind::move, std::vector<TransferItem>(items.begin(), items.end()),
                     destination, hooks);
 }

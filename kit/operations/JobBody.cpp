@@ -71,6 +71,7 @@ JobResult runJob(JobPlan& plan, const OperationHooks& hooks, const JobEvents& ev
             return {plan.reportOfAll(ItemOutcome::cancelled())};
         events.begins();
         JobResult result{plan.work(hooks, stop)};
+        if (plan.undo) result.undo = plan.undo(result.report);
         plan.work = nullptr;
         place.leave();
         return result;

@@ -16,6 +16,7 @@ namespace ombrel {
 /// What a job came to.
 struct JobResult {
     OperationReport report;
+    FileUndoStep undo = {}; ///< empty when nothing was done, or what was done cannot be undone
 };
 
 /// What a job tells of itself before its work begins. Called on the job's thread.

@@ -1,7 +1,9 @@
 #include "operations/JobPlan.h"
 
 #include "operations/ArchiveService.h"
+#include "operations/UndoRecording.h"
 
+#include <memory>
 #include <utility>
 
 namespace ombrel {
@@ -29,7 +31,7 @@ using Remove = OperationReport (FileOperationService::*)(std::span<const FileRef
 
 JobPlan removal(FileOperationKind kind, const FileOperationService& service, Remove remove,
                 std::vector<FileReference> items) {
-    JobPlan plan{.kind = kind, .sources = locations(items, itself)};
+    JobPlan plan{.kind = kind, .sources = locations(items, itself), .undo = undoByKind};
     plan.work = [service, remove, items = std::move(items)](const OperationHooks& hooks,
                                                             std::stop_token stop) mutable {
         for (auto& item : items)
@@ -43,7 +45,7 @@ using Create = OperationReport (FileOperationService::*)(const FileURL&, std::st
 
 JobPlan creation(FileOperationKind kind, const FileOperationService& service, Create create,
                  const FileURL& folder, std::string name) {
-    JobPlan plan{.kind = kind, .destination = folder};
+    JobPlan plan{.kind = kind, .destination = folder, .undo = undoByKind};
     plan.work = [service, create, folder, name = std::move(name)](const OperationHooks&,
                                                                   const std::stop_token&) {
         return (service.*create)(folder, name);
@@ -62,12 +64,16 @@ JobPlan JobPlan::transfer(const FileOperationService& service, FileOperationKind
         .destination = destination,
         .data = kind == FileOperationKind::move ? Data::moved : Data::copied,
     };
-    plan.work = [service, kind, items = std::move(items), destination](const OperationHooks& hooks,
-                                                                       std::stop_token stop) mutable {
+    const auto removed = std::make_shared<std::vector<FolderRecord>>();
+    plan.work = [service, kind, items = std::move(items), destination,
+                 removed](const OperationHooks& hooks, std::stop_token stop) mutable {
         for (auto& item : items)
             sample(item.reference);
-        return service.transfer(kind, items, destination, hooks, std::move(stop));
+        auto recording = hooks;
+        recording.removedFolder = [&](const FolderRecord& folder) { removed->push_back(folder); };
+        return service.transfer(kind, items, destination, recording, std::move(stop));
     };
+    plan.undo = [removed](const OperationReport& report) { return undoStepOf(report, *removed); };
     return plan;
 }
 
@@ -86,6 +92,7 @@ JobPlan JobPlan::putBack(const FileOperationService& service, std::vector<PutBac
         .kind = FileOperationKind::move,
         .sources =
             locations(items, [](const PutBackItem& item) -> const FileReference& { return item.item; }),
+        .undo = undoStepOfPuttingBack,
     };
     if (!items.empty() && items.front().original) plan.destination = items.front().original->parent();
     plan.work = [service, items = std::move(items), folders](const OperationHooks& hooks,
@@ -98,7 +105,7 @@ JobPlan JobPlan::putBack(const FileOperationService& service, std::vector<PutBac
 }
 
 JobPlan JobPlan::rename(const FileOperationService& service, const FileReference& item, std::string name) {
-    JobPlan plan{.kind = FileOperationKind::rename, .sources = {item.url}};
+    JobPlan plan{.kind = FileOperationKind::rename, .sources = {item.url}, .undo = undoByKind};
     plan.work = [service, item = FileReference(item),
                  name = std::move(name)](const OperationHooks&, const std::stop_token&) mutable {
         sample(item);
@@ -124,7 +131,8 @@ JobPlan JobPlan::compress(std::vector<FileReference> items, const FileURL& folde
     JobPlan plan{.kind = FileOperationKind::compress,
                  .sources = locations(items, itself),
                  .destination = folder,
-                 .data = Data::copied};
+                 .data = Data::copied,
+                 .undo = undoByKind};
     plan.work = [items = std::move(items), folder,
                  name = std::move(preferredName)](const OperationHooks& hooks, std::stop_token stop) mutable {
         for (auto& item : items)
@@ -135,8 +143,10 @@ JobPlan JobPlan::compress(std::vector<FileReference> items, const FileURL& folde
 }
 
 JobPlan JobPlan::extract(std::vector<FileReference> archives) {
-    JobPlan plan{
-        .kind = FileOperationKind::extract, .sources = locations(archives, itself), .data = Data::copied};
+    JobPlan plan{.kind = FileOperationKind::extract,
+                 .sources = locations(archives, itself),
+                 .data = Data::copied,
+                 .undo = undoByKind};
     if (!archives.empty()) plan.destination = archives.front().url.parent();
     plan.work = [archives = std::move(archives)](const OperationHooks& hooks, std::stop_token stop) mutable {
         for (auto& archive : archives)
@@ -152,6 +162,10 @@ OperationReport JobPlan::reportOfAll(const ItemOutcome& outcome) const {
         report.items.push_back({source, outcome});
     if (sources.empty()) report.items.push_back({std::nullopt, outcome});
     return report;
+}
+
+FileUndoStep undoByKind(const OperationReport& report) {
+    return undoStepOf(report);
 }
 
 } // namespace ombrel

@@ -4,6 +4,7 @@
 #include "listing/FileReference.h"
 #include "operations/FileOperationKind.h"
 #include "operations/FileOperationService.h"
+#include "operations/FileUndoStep.h"
 #include "operations/OperationHooks.h"
 #include "operations/OperationReport.h"
 #include "operations/PuttingBack.h"
@@ -35,6 +36,9 @@ struct JobPlan {
     std::optional<FileURL> destination = std::nullopt; ///< the folder that things come into
     Data data = Data::none;
     Work work = {};
+    /// Called after the work with its report, blocking: the step that undoes it. Without one it cannot be
+    /// undone.
+    std::function<FileUndoStep(const OperationReport&)> undo = {};
 
     /// The plans of the operations there are. References without an identity get one when the job starts, so
     /// that an item that is exchanged for another one meanwhile is noticed.
@@ -61,5 +65,8 @@ struct JobPlan {
     /// A report that says the same of every item; one item without a source when there are none.
     [[nodiscard]] OperationReport reportOfAll(const ItemOutcome& outcome) const;
 };
+
+/// The `undo` of a plan whose report says everything.
+[[nodiscard]] FileUndoStep undoByKind(const OperationReport& report);
 
 } // namespace ombrel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "operations/FolderRecord.h"
 #include "operations/OperationConflict.h"
 #include "operations/OperationControl.h"
 #include "operations/OperationErrorQuestion.h"
@@ -20,6 +21,8 @@ struct OperationHooks {
     std::function<ErrorDecision(const ErrorContext&, std::stop_token)> errors;
     std::function<void(const OperationProgress&)> progress;
     std::shared_ptr<OperationControl> control;
+    /// Told of a folder whose contents were moved into an existing one and that was removed then.
+    std::function<void(const FolderRecord&)> removedFolder;
 };
 
 } // namespace ombrel

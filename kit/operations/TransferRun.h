@@ -46,6 +46,9 @@ public:
     /// that is none. `cancel` also cancels the job.
     [[nodiscard]] ConflictChoice ask(const ConflictContext& context);
     [[nodiscard]] ErrorChoice ask(const ErrorContext& context);
+    void tellRemoved(const FolderRecord& folder) const {
+        if (hooks_.removedFolder) hooks_.removedFolder(folder);
+    }
 
     // ---- The item whose data is being copied
 

@@ -135,8 +135,10 @@ void TransferSettlement::removeMerged() {
     for (const auto& [source, destination] : std::exchange(merged_, {})) {
         const auto item = ConfirmedSource::of({source, std::nullopt});
         if (!item || !item->status().isDirectory()) continue;
+        const auto record = FolderRecord::of(source, item->place());
         const auto removed = POSIX::removeDirectory(item->place());
         const int number = removed ? 0 : removed.error().number;
+        if (removed && record) run_.tellRemoved(*record);
         if (number == 0 || number == ENOTEMPTY || number == EEXIST || number == ENOENT) continue;
         run_.results.push_back(
             {source, ItemOutcome::copiedSourceKept(destination, Error::sourceRemovalFailed(number))});

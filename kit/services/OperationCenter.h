@@ -72,6 +72,7 @@ public:
     void setSlowDrives(SlowDrives drives) { slowDrives_ = std::move(drives); }
     /// While there is one, every operation fails with it before it begins.
     void setRefusal(std::optional<FileOperationError> error) { refusal_ = std::move(error); }
+    [[nodiscard]] bool isRefusing() const noexcept { return refusal_.has_value(); }
 
     /// Asks the user whether the program may end although jobs run. Set by the window side; without it the
     /// program stays.

@@ -217,6 +217,7 @@
     <message id="progress.title.rename" numerus="yes"><source></source><translation><numerusform>Renaming {n} item in {1}</numerusform><numerusform>Renaming {n} items in {1}</numerusform></translation></message>
     <message id="progress.title.trash" numerus="yes"><source></source><translation><numerusform>Moving {n} item from {1} to the trash</numerusform><numerusform>Moving {n} items from {1} to the trash</numerusform></translation></message>
     <message id="progress.waiting"><source></source><translation>Waiting for: {1}</translation></message>
+    <message id="redo.title"><source></source><translation>Redo {1}</translation></message>
     <message id="report.done.compress" numerus="yes"><source></source><translation><numerusform>{n} item was compressed.</numerusform><numerusform>{n} items were compressed.</numerusform></translation></message>
     <message id="report.done.copy" numerus="yes"><source></source><translation><numerusform>{n} item was copied.</numerusform><numerusform>{n} items were copied.</numerusform></translation></message>
     <message id="report.done.delete" numerus="yes"><source></source><translation><numerusform>{n} item was deleted.</numerusform><numerusform>{n} items were deleted.</numerusform></translation></message>
@@ -352,6 +353,12 @@
     <message id="ui.status.unreadable" numerus="yes"><source></source><translation><numerusform>{n} item could not be read</numerusform><numerusform>{n} items could not be read</numerusform></translation></message>
     <message id="ui.tooltip.upTo"><source></source><translation>Up to “{1}”</translation></message>
     <message id="ui.tooltip.withShortcut"><source></source><translation>{1} ({2})</translation></message>
+    <message id="undo.action.copy"><source></source><translation>Copy</translation></message>
+    <message id="undo.action.delete"><source></source><translation>Delete</translation></message>
+    <message id="undo.action.move"><source></source><translation>Move</translation></message>
+    <message id="undo.action.new"><source></source><translation>New</translation></message>
+    <message id="undo.action.rename"><source></source><translation>Rename</translation></message>
+    <message id="undo.title"><source></source><translation>Undo {1}</translation></message>
     <message id="volume.eject.busy"><source></source><translation>“{1}” is still in use. Close the files and programs that use it and try again.</translation></message>
     <message id="volume.eject.failed"><source></source><translation>“{1}” could not be ejected: {2}</translation></message>
     <message id="volume.eject.noAnswer"><source></source><translation>“{1}” could not be ejected because it does not answer.</translation></message>
