@@ -209,8 +209,9 @@ CopyResult<void> CopyEngine::fillFile(Index index, int from, const FileStatus& s
         if (auto begun = beginTop(to.get(), *own); !begun) return begun;
     }
     if (auto copied = content_.copy(from, status, to.get()); !copied) return copied;
-    if (auto carried = EntryMetadata::carry(from, status, to.get(), *settings_.support); !carried)
-        return std::unexpected(CopyFailure::ofMetadata(carried.error()));
+    const auto carried = EntryMetadata::carry(from, status, to.get(), *settings_.support);
+    if (!carried) return std::unexpected(CopyFailure::ofMetadata(carried.error()));
+    fileHasAttributes_ = *carried;
     if (settings_.flushesFiles)
         if (auto flushed = POSIX::flush(to.get()); !flushed)
             return std::unexpected(CopyFailure::ofCopy(flushed.error()));
@@ -270,7 +271,10 @@ void CopyEngine::check(Index index, std::int64_t size) {
         if (!source || !copy) return;
         pair_ = std::make_shared<FolderPair>(FolderPair{std::move(*source), std::move(*copy)});
     }
-    settings_.checker->add(pair_, sourcePlace(index).name, copyPlace(index).name, size);
+    // What does not know its size is looked at anew.
+    FilePairComparison::Known known;
+    if (copiedOfFile_ == size) known = {size, !fileHasAttributes_};
+    settings_.checker->add(pair_, sourcePlace(index).name, copyPlace(index).name, size, known);
 }
 
 } // namespace ombrel

@@ -105,6 +105,7 @@ private:
     const char* copyName_ = nullptr;
     std::shared_ptr<const FolderPair> pair_; // of the folders that the walk is in, once a file needs it
     std::int64_t copiedOfFile_ = 0;
+    bool fileHasAttributes_ = false; // the file that was copied last
     OwnedFd top_;
     bool hasBegun_ = false;
     bool isChecked_ = true; // every file went to the checker

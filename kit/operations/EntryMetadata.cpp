@@ -76,10 +76,11 @@ std::uint32_t modeFor(const FileStatus& source, Ownership copy, const MetadataSu
     return mode;
 }
 
-POSIX::Result<void> carryAttributes(int from, int to, MetadataSupport& support) {
+/// Answers whether there are any.
+POSIX::Result<bool> carryAttributes(int from, int to, MetadataSupport& support) {
     const auto names = POSIX::attributeNames(from);
     if (!names) {
-        if (names.error().number == EOPNOTSUPP) return {};
+        if (names.error().number == EOPNOTSUPP) return false;
         return std::unexpected(names.error());
     }
     for (const auto& name : *names) {
@@ -98,9 +99,9 @@ POSIX::Result<void> carryAttributes(int from, int to, MetadataSupport& support) 
             support.prove(featureOf(sort), kept || !meansAbsent(kept.error()));
         }
         carried = unlessRefused(carried, featureOf(sort), support);
-        if (!carried) return carried;
+        if (!carried) return std::unexpected(carried.error());
     }
-    return {};
+    return !names->empty();
 }
 
 /// Names and values of what is compared.
@@ -120,20 +121,23 @@ POSIX::Result<std::vector<std::string>> comparableNames(int fd, const MetadataSu
 
 } // namespace
 
-POSIX::Result<void> carry(int from, const FileStatus& source, int to, MetadataSupport& support) {
+POSIX::Result<bool> carry(int from, const FileStatus& source, int to, MetadataSupport& support) {
     const auto ownership = carryOwner(source, support, [&](std::uint32_t owner, std::uint32_t group) {
         return POSIX::changeOwner(to, owner, group);
     });
     if (!ownership) return std::unexpected(ownership.error());
-    auto carried = carryAttributes(from, to, support);
-    if (!carried) return carried;
+    const auto hasAttributes = carryAttributes(from, to, support);
+    if (!hasAttributes) return hasAttributes;
+    POSIX::Result<void> carried;
     if (support.holds(Feature::modes)) {
         const auto mode = modeFor(source, *ownership, support);
         carried = unlessRefused(POSIX::changeMode(to, mode), Feature::modes, support);
-        if (!carried) return carried;
     }
-    if (!support.holds(Feature::times)) return {};
-    return unlessRefused(POSIX::changeTimes(to, source.accessed, source.modified), Feature::times, support);
+    if (carried && support.holds(Feature::times))
+        carried =
+            unlessRefused(POSIX::changeTimes(to, source.accessed, source.modified), Feature::times, support);
+    if (!carried) return std::unexpected(carried.error());
+    return hasAttributes;
 }
 
 POSIX::Result<void> carry(const FileStatus& source, POSIX::Place to, MetadataSupport& support) {
@@ -174,6 +178,17 @@ bool haveEqualModes(const FileStatus& source, const FileStatus& copy,
 POSIX::Result<bool> areEqual(int a, const FileStatus& source, int b, const FileStatus& copy,
                              const MetadataSupport& support) {
     if (!haveEqualModes(source, copy, support)) return false;
+    return haveEqualAttributes(a, b, support);
+}
+
+POSIX::Result<bool> hasNoAttributes(int fd, const MetadataSupport& support) {
+    if (!support.holds(Feature::attributes) && !support.holds(Feature::lists)) return true;
+    const auto names = comparableNames(fd, support);
+    if (!names) return std::unexpected(names.error());
+    return names->empty();
+}
+
+POSIX::Result<bool> haveEqualAttributes(int a, int b, const MetadataSupport& support) {
     if (!support.holds(Feature::attributes) && !support.holds(Feature::lists)) return true;
     const auto names = comparableNames(a, support);
     if (!names) return std::unexpected(names.error());

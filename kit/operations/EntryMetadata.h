@@ -10,8 +10,9 @@ namespace ombrel::EntryMetadata {
 
 /// Gives the copy behind `to`, a file or folder, what the source behind `from` has. Set-id bits go along only
 /// with the owner or group that they stand for. What the destination has no place for is passed over and
-/// remembered in `support`; an errno tells that something was lost that it could hold.
-[[nodiscard]] POSIX::Result<void> carry(int from, const FileStatus& source, int to, MetadataSupport& support);
+/// remembered in `support`; an errno tells that something was lost that it could hold. Answers whether the
+/// source has any attributes.
+[[nodiscard]] POSIX::Result<bool> carry(int from, const FileStatus& source, int to, MetadataSupport& support);
 
 /// The same for a copy that cannot be opened: a link or a FIFO.
 [[nodiscard]] POSIX::Result<void> carry(const FileStatus& source, POSIX::Place to, MetadataSupport& support);
@@ -25,6 +26,10 @@ void dropInherited(int fd);
 /// file system has a place for them.
 [[nodiscard]] POSIX::Result<bool> areEqual(int a, const FileStatus& source, int b, const FileStatus& copy,
                                            const MetadataSupport& support);
+/// The attributes and lists alone.
+[[nodiscard]] POSIX::Result<bool> haveEqualAttributes(int a, int b, const MetadataSupport& support);
+/// Whether there is none that would be compared.
+[[nodiscard]] POSIX::Result<bool> hasNoAttributes(int fd, const MetadataSupport& support);
 /// The permission bits alone.
 [[nodiscard]] bool haveEqualModes(const FileStatus& source, const FileStatus& copy,
                                   const MetadataSupport& support) noexcept;

@@ -58,8 +58,9 @@ CopyResult<void> FileContent::checkGrowth(const Files& files) {
 /// From the present position to `end` or to the end of the file.
 CopyResult<void> FileContent::copyRun(Files& files, std::int64_t end) {
     using Clock = std::chrono::steady_clock;
+    const bool isOneChunk = files.status.size < static_cast<std::int64_t>(chunk_);
     while (files.position < end) {
-        const auto start = Clock::now();
+        const auto start = isOneChunk ? Clock::time_point() : Clock::now();
         const auto count = readChunk(files, end - files.position);
         if (!count) return std::unexpected(count.error());
         if (*count == 0) break;
@@ -69,7 +70,7 @@ CopyResult<void> FileContent::copyRun(Files& files, std::int64_t end) {
         if (auto written = writeChunk(files, 0, *count); !written) return written;
         // A read beyond the end that stopped right at it has seen the end.
         if (files.position == files.status.size && end == toTheEnd && *count < chunk_) break;
-        adaptChunk(std::chrono::duration<double>(Clock::now() - start).count());
+        if (!isOneChunk) adaptChunk(std::chrono::duration<double>(Clock::now() - start).count());
     }
     return {};
 }

@@ -72,4 +72,18 @@ Verification FilePairComparison::compare(POSIX::Place source, POSIX::Place copy,
     return *same ? Verification::identical : Verification::metadataDiffers;
 }
 
+Verification FilePairComparison::compareRest(POSIX::Place source, POSIX::Place copy, Range range, Known known,
+                                             const MetadataSupport& support) {
+    const auto a = POSIX::open(source, fileFlags);
+    const auto b = POSIX::open(copy, fileFlags);
+    if (!a || !b) return Verification::different;
+    if (known.size > 0 && !haveEqualContents(a->get(), b->get(), range, known.size))
+        return Verification::different;
+    if (!settings_.comparesMetadata || range.start > 0) return Verification::identical;
+    const auto same = known.hasNoAttributes ? EntryMetadata::hasNoAttributes(b->get(), support)
+                                            : EntryMetadata::haveEqualAttributes(a->get(), b->get(), support);
+    if (!same) return Verification::different;
+    return *same ? Verification::identical : Verification::metadataDiffers;
+}
+
 } // namespace ombrel

@@ -21,6 +21,12 @@ public:
         std::int64_t start = 0;
         std::int64_t end = std::numeric_limits<std::int64_t>::max();
     };
+    /// What is known of a pair because it was copied a moment ago, and is looked at once more when everything
+    /// is copied: then its source must be as it was, and its copy must have the right size, mode and time.
+    struct Known {
+        std::int64_t size = -1;       ///< bytes of both; -1 for a pair of which nothing is known
+        bool hasNoAttributes = false; ///< the source carries none
+    };
     struct Settings {
         /// Reads the copy from its medium where the kernel lets go of what it keeps in memory.
         bool readsPastCache = false;
@@ -32,6 +38,9 @@ public:
 
     [[nodiscard]] Verification compare(POSIX::Place source, POSIX::Place copy, Range range,
                                        const MetadataSupport& support);
+    /// What remains to be compared of a pair of known size: contents and attributes.
+    [[nodiscard]] Verification compareRest(POSIX::Place source, POSIX::Place copy, Range range, Known known,
+                                           const MetadataSupport& support);
 
 private:
     [[nodiscard]] bool haveEqualContents(int source, int copy, Range range, std::int64_t size);

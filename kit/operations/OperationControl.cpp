@@ -3,7 +3,6 @@
 namespace ombrel {
 
 bool OperationControl::isPaused() const {
-    const std::scoped_lock lock(lock_);
     return paused_;
 }
 
@@ -16,8 +15,9 @@ void OperationControl::setPaused(bool paused) {
 }
 
 bool OperationControl::waitWhilePaused(const std::stop_token& stop) {
+    if (!paused_.load(std::memory_order_relaxed)) return !stop.stop_requested();
     std::unique_lock lock(lock_);
-    if (paused_) changed_.wait(lock, stop, [&] { return !paused_; });
+    changed_.wait(lock, stop, [&] { return !paused_; });
     return !stop.stop_requested();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <mutex>
 #include <stop_token>
@@ -17,9 +18,9 @@ public:
     bool waitWhilePaused(const std::stop_token& stop);
 
 private:
-    mutable std::mutex lock_; // guards paused_
+    std::mutex lock_; // guards the change of paused_
     std::condition_variable_any changed_;
-    bool paused_ = false;
+    std::atomic<bool> paused_ = false; // so that a job that is not paused only looks
 };
 
 } // namespace ombrel

@@ -14,33 +14,44 @@ PairChecker::~PairChecker() {
 }
 
 void PairChecker::add(const std::shared_ptr<const FolderPair>& folders, const char* source, const char* copy,
-                      std::int64_t size) {
+                      std::int64_t size, FilePairComparison::Known known) {
     if (open_.folders != folders) handOver();
     open_.folders = folders;
     FilePairComparison::Range range;
     // A large file goes in pieces, so that both threads have their share.
     for (; size - range.start > bytesPerBatch; range.start += bytesPerBatch) {
         range.end = range.start + bytesPerBatch;
-        open_.pairs.push_back({source, copy, range});
+        open_.pairs.push_back({source, copy, range, known});
         handOver();
         open_.folders = folders;
     }
     range.end = FilePairComparison::Range{}.end;
-    open_.pairs.push_back({source, copy, range});
+    open_.pairs.push_back({source, copy, range, known});
     open_.bytes += size - range.start;
     if (open_.pairs.size() >= pairsPerBatch || open_.bytes >= bytesPerBatch) handOver();
 }
 
+void PairChecker::add(Work work) {
+    Batch batch;
+    batch.work = std::move(work);
+    handOver(std::move(batch));
+}
+
 void PairChecker::handOver() {
-    if (open_.pairs.empty()) return;
-    if (!worker_.joinable()) worker_ = std::jthread([this](const std::stop_token& stop) { work(stop); });
-    Batch batch = std::exchange(open_, {});
-    bool isFull = false;
+    if (!open_.pairs.empty()) handOver(std::exchange(open_, {}));
+}
+
+void PairChecker::handOver(Batch batch) {
+    bool isFull = false, isOnly = false;
     {
         const std::scoped_lock lock(lock_);
         isFull = waiting_.size() >= longestQueue;
+        isOnly = waiting_.empty();
         waiting_.push_back(std::move(batch));
     }
+    // One batch may be all there is, and then the other thread is not worth its start.
+    if (!isOnly && !worker_.joinable())
+        worker_ = std::jthread([this](const std::stop_token& stop) { work(stop); });
     changed_.notify_all();
     // The queue bounds the descriptors that wait in it.
     if (isFull) (void)takeOne(own_);
@@ -81,11 +92,14 @@ bool PairChecker::takeOne(FilePairComparison& comparison) {
 }
 
 Verification PairChecker::compare(const Batch& batch, FilePairComparison& comparison) {
+    if (batch.work) return batch.work(comparison);
     Verification worst = Verification::identical;
     const int source = batch.folders->source.get(), copy = batch.folders->copy.get();
     for (const auto& pair : batch.pairs) {
-        worst =
-            worse(worst, comparison.compare({source, pair.source}, {copy, pair.copy}, pair.range, support_));
+        const POSIX::Place from{source, pair.source}, to{copy, pair.copy};
+        worst = worse(worst, pair.known.size < 0
+                                 ? comparison.compare(from, to, pair.range, support_)
+                                 : comparison.compareRest(from, to, pair.range, pair.known, support_));
         if (worst == Verification::different) break;
     }
     return worst;

@@ -33,7 +33,10 @@ public:
 
     /// One more pair of regular files, about `size` bytes each. The names must stay until it is compared.
     void add(const std::shared_ptr<const FolderPair>& folders, const char* source, const char* copy,
-             std::int64_t size);
+             std::int64_t size, FilePairComparison::Known known = {});
+    /// Some other comparison, on whichever thread has the time for it.
+    using Work = std::function<Verification(FilePairComparison&)>;
+    void add(Work work);
 
     /// Compares what is left and answers the worst of all pairs since the last call.
     [[nodiscard]] Verification finish();
@@ -45,15 +48,18 @@ private:
         const char* source;
         const char* copy;
         FilePairComparison::Range range;
+        FilePairComparison::Known known;
     };
-    /// Files of one folder, as much as is worth the handing over.
+    /// Files of one folder, as much as is worth the handing over, or something else.
     struct Batch {
+        Work work;
         std::shared_ptr<const FolderPair> folders;
         std::vector<Pair> pairs;
         std::int64_t bytes = 0;
     };
 
     void handOver();
+    void handOver(Batch batch);
     void work(const std::stop_token& stop);
     [[nodiscard]] bool takeOne(FilePairComparison& comparison);
     [[nodiscard]] Verification compare(const Batch& batch, FilePairComparison& comparison);

@@ -47,6 +47,7 @@ Verification TreeVerification::walk() {
         case ManifestWalk::Event::enter: worst = worse(worst, enter(step->index)); break;
         case ManifestWalk::Event::entry: worst = worse(worst, compareEntry(step->index)); break;
         case ManifestWalk::Event::leave:
+            handOverFiles();
             pair_.reset();
             if (!source_->leave() || !copy_->leave()) return Verification::different;
         }
@@ -55,6 +56,7 @@ Verification TreeVerification::walk() {
 }
 
 Verification TreeVerification::enter(Index index) {
+    handOverFiles();
     pair_.reset();
     if (!source_->enter(sourcePlace(index).name) || !copy_->enter(copyPlace(index).name))
         return Verification::different;
@@ -85,11 +87,18 @@ bool TreeVerification::hasNames(int folder, std::size_t expected) {
 }
 
 Verification TreeVerification::compareEntry(Index index) {
+    // The top has another name than the manifest knows.
+    if (manifest_.type(index) == S_IFREG && index != TreeManifest::root) return addFile(index);
     const auto source = POSIX::lstat(sourcePlace(index));
     const auto copy = POSIX::lstat(copyPlace(index));
     if (!source || !copy || source->type() != copy->type() || source->type() != manifest_.type(index))
         return Verification::different;
-    if (source->isRegular()) return compareFile(index, *source, *copy);
+    if (source->isRegular()) {
+        if (isAsItWas(index, *source, *copy)) return Verification::identical;
+        if (!openPair()) return Verification::different;
+        checker_.add(pair_, sourcePlace(index).name, copyPlace(index).name, source->size);
+        return Verification::identical;
+    }
     if (source->isSymlink()) {
         const auto target = POSIX::readLink(sourcePlace(index));
         const auto copied = POSIX::readLink(copyPlace(index));
@@ -99,19 +108,60 @@ Verification TreeVerification::compareEntry(Index index) {
                                                                    : Verification::metadataDiffers;
 }
 
-Verification TreeVerification::compareFile(Index index, const FileStatus& source, const FileStatus& copy) {
-    const bool isAsItWas = manifest_.isUntouched(index, source, settings_.likeness) &&
-                           copy.size == manifest_.size(index) && copy.modified == manifest_.modified(index) &&
-                           EntryMetadata::haveEqualModes(source, copy, support_);
-    if (settings_.contents == Contents::changed && isAsItWas) return Verification::identical;
-    if (!pair_) {
-        auto from = POSIX::open(POSIX::Place{source_->fd(), "."}, O_PATH | O_DIRECTORY);
-        auto to = POSIX::open(POSIX::Place{copy_->fd(), "."}, O_PATH | O_DIRECTORY);
-        if (!from || !to) return Verification::different;
-        pair_ = std::make_shared<FolderPair>(FolderPair{std::move(*from), std::move(*to)});
+bool TreeVerification::openPair() {
+    if (pair_) return true;
+    auto from = POSIX::open(POSIX::Place{source_->fd(), "."}, O_PATH | O_DIRECTORY);
+    auto to = POSIX::open(POSIX::Place{copy_->fd(), "."}, O_PATH | O_DIRECTORY);
+    if (!from || !to) return false;
+    pair_ = std::make_shared<FolderPair>(FolderPair{std::move(*from), std::move(*to)});
+    return true;
+}
+
+/// Both threads look at files, a few at a time. Contents that must be compared are their own batch.
+Verification TreeVerification::addFile(Index index) {
+    if (!openPair()) return Verification::different;
+    if (settings_.contents == Contents::all) {
+        checker_.add(pair_, manifest_.name(index), manifest_.name(index), manifest_.size(index));
+        return Verification::identical;
     }
-    checker_.add(pair_, sourcePlace(index).name, copyPlace(index).name, source.size);
+    if (files_.end != index || files_.end - files_.first == filesPerBatch) {
+        handOverFiles();
+        files_.first = index;
+    }
+    files_.end = index + 1;
     return Verification::identical;
+}
+
+void TreeVerification::handOverFiles() {
+    const auto files = std::exchange(files_, {});
+    if (files.first == files.end) return;
+    checker_.add([this, folders = pair_, files](FilePairComparison& comparison) {
+        return compareFiles(*folders, files, comparison);
+    });
+}
+
+/// On any thread.
+Verification TreeVerification::compareFiles(const FolderPair& folders, Files files,
+                                            FilePairComparison& comparison) const {
+    Verification worst = Verification::identical;
+    for (Index index = files.first; index < files.end && worst != Verification::different; ++index) {
+        const POSIX::Place from{folders.source.get(), manifest_.name(index)};
+        const POSIX::Place to{folders.copy.get(), manifest_.name(index)};
+        const auto source = POSIX::lstat(from);
+        const auto copy = POSIX::lstat(to);
+        if (!source || !copy || !source->isRegular() || !copy->isRegular()) return Verification::different;
+        if (!isAsItWas(index, *source, *copy))
+            worst = worse(worst, comparison.compare(from, to, {}, support_));
+    }
+    return worst;
+}
+
+/// So that nothing of what the checker has seen can have changed.
+bool TreeVerification::isAsItWas(Index index, const FileStatus& source, const FileStatus& copy) const {
+    return settings_.contents == Contents::changed &&
+           manifest_.isUntouched(index, source, settings_.likeness) && copy.size == manifest_.size(index) &&
+           copy.modified == manifest_.modified(index) &&
+           EntryMetadata::haveEqualModes(source, copy, support_);
 }
 
 Verification verifyTrees(POSIX::Place source, POSIX::Place copy, const MetadataSupport& support) {

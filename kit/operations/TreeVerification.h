@@ -40,11 +40,21 @@ public:
 
 private:
     using Index = TreeManifest::Index;
+    /// Neighbours in one folder.
+    struct Files {
+        Index first = 0, end = 0;
+    };
+    static constexpr Index filesPerBatch = 64;
 
     [[nodiscard]] Verification walk();
     [[nodiscard]] Verification enter(Index index);
     [[nodiscard]] Verification compareEntry(Index index);
-    [[nodiscard]] Verification compareFile(Index index, const FileStatus& source, const FileStatus& copy);
+    [[nodiscard]] bool openPair();
+    [[nodiscard]] Verification addFile(Index index);
+    void handOverFiles();
+    [[nodiscard]] Verification compareFiles(const FolderPair& folders, Files files,
+                                            FilePairComparison& comparison) const;
+    [[nodiscard]] bool isAsItWas(Index index, const FileStatus& source, const FileStatus& copy) const;
     [[nodiscard]] bool hasNames(int folder, std::size_t expected);
     [[nodiscard]] POSIX::Place sourcePlace(Index index) const noexcept;
     [[nodiscard]] POSIX::Place copyPlace(Index index) const noexcept;
@@ -59,6 +69,7 @@ private:
     const char* sourceName_ = nullptr;
     const char* copyName_ = nullptr;
     std::shared_ptr<const FolderPair> pair_;
+    Files files_; // in the present folder, to be looked at on either thread
 };
 
 /// Compares any two trees completely, as it is done after a copy.
