@@ -5,10 +5,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <climits>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 namespace ombrel::bench {
 namespace {
@@ -41,6 +45,26 @@ void removeAll() {
         remove(path);
 }
 
+/// For an end by a signal: only what needs no memory and no lock. A mount goes with all that is in it.
+void removeMounts(int number) {
+    for (const auto& path : standing()) {
+        (void)::umount2(path.c_str(), MNT_DETACH);
+        (void)::rmdir(path.c_str());
+        char image[PATH_MAX];
+        if (path.size() + sizeof ".ext4" > sizeof image) continue;
+        std::memcpy(image, path.data(), path.size());
+        std::memcpy(image + path.size(), ".ext4", sizeof ".ext4");
+        (void)::unlink(image);
+    }
+    ::_exit(128 + number);
+}
+
+void removeAtTheEnd() {
+    std::atexit(removeAll);
+    for (const int number : {SIGINT, SIGTERM, SIGHUP})
+        (void)std::signal(number, removeMounts);
+}
+
 std::string firstLineOf(const std::string& command) {
     std::string line;
     FILE* const child = ::popen(command.c_str(), "r");
@@ -63,7 +87,7 @@ void fail(const std::string& what) {
 
 Workshop::Workshop(const std::string& base, Kind kind) : path_(base + "/ombrel-bench-XXXXXX"), kind_(kind) {
     if (!::mkdtemp(path_.data())) fail("no folder can be made in " + base);
-    if (standing().empty()) std::atexit(removeAll);
+    if (static bool isFirst = true; std::exchange(isFirst, false)) removeAtTheEnd();
     standing().push_back(path_);
     if (kind == Kind::memory && mayMount()) mountMemory();
     if (kind == Kind::ownDisk) mountImage();
