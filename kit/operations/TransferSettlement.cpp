@@ -62,12 +62,13 @@ POSIX::Result<void> TransferSettlement::flush() {
     std::vector<int> files;
     const TransferDestination* last = nullptr;
     for (const auto& placed : placed_) {
-        if (last && placed.destination.get() != last) {
+        const TransferDestination& destination = *placed.destination;
+        if (last && last != &destination) {
             if (auto flushed = last->flush(files); !flushed) return flushed;
             files.clear();
         }
-        last = placed.destination.get();
-        if (areFewFiles || last->volume().flushesFiles)
+        last = &destination;
+        if (areFewFiles || destination.volume().flushesFiles)
             if (placed.top) files.push_back(placed.top.get());
     }
     return last ? last->flush(files) : POSIX::Result<void>();

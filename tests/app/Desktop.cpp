@@ -32,7 +32,9 @@ bool waitFor(const std::function<bool()>& done) {
 std::unique_ptr<Desktop> Desktop::open() {
     if (!isThere(serverPath) || !isThere(managerPath) || !isThere(handPath)) return nullptr;
     auto server = std::make_unique<ChildProcess>(std::vector<std::string>{
-        serverPath, "-displayfd", "2", "-screen", "0", "1600x1000x24", "-nolisten", "tcp"});
+        serverPath, "-displayfd", "2", "-screen", "0", "1600x1000x24", "-nolisten", "tcp",
+        // Else the server starts anew, and drops who is just connecting, when its only client goes.
+        "-noreset"});
     const auto isNumber = [](const std::string& line) {
         return !line.empty() && std::ranges::all_of(line, [](char c) { return c >= '0' && c <= '9'; });
     };
