@@ -2,12 +2,13 @@
 #include "cli/Location.h"
 #include "cli/OperationJob.h"
 #include "cli/Output.h"
-#include "operations/ArchiveService.h"
+#include "operations/JobPlan.h"
 
 #include <array>
 #include <limits>
+#include <optional>
 #include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace ombrel::cli {
@@ -20,7 +21,7 @@ constexpr std::array extractOptions = {AnswerPolicy::errorOption};
 std::vector<FileReference> referencesTo(const std::vector<FileURL>& urls) {
     std::vector<FileReference> items;
     for (const auto& url : urls)
-        items.push_back(FileReference::sampling(url));
+        items.push_back({url, std::nullopt});
     return items;
 }
 
@@ -44,11 +45,9 @@ ExitStatus compress(const Arguments& arguments, const Session& session) {
     if (!urls) return session.output.wrongUsage(urls.error(), &compressCommand);
     const FileURL folder = urls->back();
     urls->pop_back();
-    const auto job = [&](const OperationHooks& hooks, const std::stop_token& stop) {
-        return ArchiveService::compress(referencesTo(*urls), folder, arguments.value("name").value_or(""),
-                                        hooks, stop);
-    };
-    return tell(run(job, *policy, session), arguments, session);
+    auto plan =
+        JobPlan::compress(referencesTo(*urls), folder, std::string(arguments.value("name").value_or("")));
+    return tell(run(std::move(plan), *policy, session), arguments, session);
 }
 
 ExitStatus extract(const Arguments& arguments, const Session& session) {
@@ -56,10 +55,7 @@ ExitStatus extract(const Arguments& arguments, const Session& session) {
     if (!policy) return session.output.wrongUsage(policy.error(), &extractCommand);
     const auto urls = locationsOf(arguments.operands());
     if (!urls) return session.output.wrongUsage(urls.error(), &extractCommand);
-    const auto job = [&](const OperationHooks& hooks, const std::stop_token& stop) {
-        return ArchiveService::extract(referencesTo(*urls), hooks, stop);
-    };
-    return tell(run(job, *policy, session), arguments, session);
+    return tell(run(JobPlan::extract(referencesTo(*urls)), *policy, session), arguments, session);
 }
 
 } // namespace

@@ -5,6 +5,8 @@
 #include "operations/FileOperationService.h"
 
 #include <array>
+#include <utility>
+#include <vector>
 
 namespace ombrel::cli {
 namespace {
@@ -15,13 +17,14 @@ ExitStatus emptyTrash(const Arguments& arguments, const Session& session) {
     const auto policy = AnswerPolicy::from(arguments);
     if (!policy) return session.output.wrongUsage(policy.error(), &emptyTrashCommand);
     std::vector<FileURL> unrecorded, unreadable;
-    const auto job = [&](const OperationHooks& hooks, const std::stop_token& stop) {
+    JobPlan plan{.kind = FileOperationKind::delete_};
+    plan.work = [&](const OperationHooks& hooks, const std::stop_token& stop) {
         auto emptied = FileOperationService().emptyTrash(hooks, stop);
         unrecorded = std::move(emptied.unrecorded);
         unreadable = std::move(emptied.unreadable);
         return std::move(emptied.report);
     };
-    const auto report = run(job, *policy, session);
+    const auto report = run(std::move(plan), *policy, session);
     for (const auto& url : unrecorded)
         session.output.note(Texts::localized(
             "cli.error.item", {FileName::displayText(url.path()), Texts::localized("trash.unrecordedKept")}));

@@ -4,19 +4,20 @@
 #include "cli/Output.h"
 #include "operations/FileOperationService.h"
 
+#include <string>
+#include <utility>
+
 namespace ombrel::cli {
 namespace {
 
-using Create = OperationReport (FileOperationService::*)(const FileURL&, std::string_view) const;
+using Create = JobPlan (*)(const FileOperationService&, const FileURL&, std::string);
 
 /// The name may have been taken and numbered, so the new item's path is printed.
 ExitStatus make(Create create, const Command& command, const Arguments& arguments, const Session& session) {
     const auto folder = locationOf(arguments.operands()[0]);
     if (!folder) return session.output.wrongUsage(folder.error(), &command);
-    const auto job = [&](const OperationHooks&, const std::stop_token&) {
-        return (FileOperationService().*create)(*folder, arguments.operands()[1]);
-    };
-    const auto report = run(job, {}, session);
+    auto plan = create(FileOperationService(), *folder, std::string(arguments.operands()[1]));
+    const auto report = run(std::move(plan), {}, session);
     const auto& outcome = report.items.front().outcome;
     if (outcome.isSuccess() && !arguments.has("json")) {
         session.output.write(outcome.destination()->path());
@@ -26,11 +27,11 @@ ExitStatus make(Create create, const Command& command, const Arguments& argument
 }
 
 ExitStatus newFolder(const Arguments& arguments, const Session& session) {
-    return make(&FileOperationService::createFolder, newFolderCommand, arguments, session);
+    return make(&JobPlan::createFolder, newFolderCommand, arguments, session);
 }
 
 ExitStatus newFile(const Arguments& arguments, const Session& session) {
-    return make(&FileOperationService::createEmptyFile, newFileCommand, arguments, session);
+    return make(&JobPlan::createEmptyFile, newFileCommand, arguments, session);
 }
 
 } // namespace

@@ -2,16 +2,21 @@
 
 #include "base/FileName.h"
 #include "cli/JSONObject.h"
+#include "cli/MainLoop.h"
 #include "cli/Output.h"
 #include "cli/ProgressLine.h"
 #include "cli/Questions.h"
 #include "operations/ReportTexts.h"
+#include "services/OperationCenter.h"
+#include "services/SleepInhibitor.h"
 
 #include <QLocale>
 
 #include <cstring>
+#include <optional>
 #include <string>
-#include <thread>
+#include <utility>
+#include <variant>
 
 namespace ombrel::cli {
 namespace {
@@ -101,22 +106,29 @@ std::expected<AnswerPolicy, Text> AnswerPolicy::from(const Arguments& arguments)
     return AnswerPolicy{*conflict, *error};
 }
 
-OperationReport run(const Job& job, const AnswerPolicy& policy, const Session& session) {
+OperationReport run(JobPlan plan, const AnswerPolicy& policy, const Session& session) {
+    using Answer = OperationCenter::ScriptedAnswer;
     Questions questions(session);
     ErrorAnswers errors(policy.error, questions);
     ProgressLine line(session);
-    OperationHooks hooks;
-    hooks.conflicts = [&](const ConflictContext& context, const std::stop_token&) {
+    OperationCenter center;
+    const SleepInhibitor inhibitor(center);
+    center.scriptedAnswers = [&](const OperationPrompt::Kind& kind) -> std::optional<Answer> {
+        if (const auto* const error = std::get_if<ErrorContext>(&kind)) return errors(*error);
+        const auto& context = std::get<OperationPrompt::Conflict>(kind).context;
         return policy.conflict ? ConflictDecision{*policy.conflict, true} : questions.ask(context);
     };
-    hooks.errors = [&](const ErrorContext& context, const std::stop_token&) { return errors(context); };
+    plan.undo = nullptr; // nobody will
+    std::optional<OperationReport> report;
+    const auto job = center.run(std::move(plan), [&](const JobResult& result) { report = result.report; });
     if (session.output.isWatched())
-        hooks.progress = [&](const OperationProgress& progress) { line.show(progress); };
-
-    // The main thread keeps off the disk; while it waits, the job has the output for itself.
-    OperationReport report{};
-    std::jthread([&] { report = job(hooks, session.stop); }).join();
-    return report;
+        QObject::connect(job.get(), &OperationJob::progressChanged, [&] { line.show(job->progress()); });
+    const auto hasEnded = [&] { return report.has_value(); };
+    if (!runUntil(hasEnded, session.stop)) {
+        job->cancel();
+        (void)runUntil(hasEnded, {});
+    }
+    return *report;
 }
 
 ExitStatus print(const OperationReport& report, const Arguments& arguments, const Session& session) {

@@ -1,13 +1,11 @@
 #pragma once
 
 #include "cli/Command.h"
-#include "operations/OperationHooks.h"
+#include "operations/JobPlan.h"
 #include "operations/OperationReport.h"
 
 #include <expected>
-#include <functional>
 #include <optional>
-#include <stop_token>
 
 namespace ombrel::cli {
 
@@ -25,11 +23,9 @@ struct AnswerPolicy {
     [[nodiscard]] static std::expected<AnswerPolicy, Text> from(const Arguments& arguments);
 };
 
-using Job = std::function<OperationReport(const OperationHooks& hooks, std::stop_token stop)>;
-
-/// Runs a job on a thread of its own until it ends, with its progress shown where somebody watches and its
-/// questions answered by the policy.
-[[nodiscard]] OperationReport run(const Job& job, const AnswerPolicy& policy, const Session& session);
+/// Runs a job until it ends, with its progress shown where somebody watches and its questions answered by the
+/// policy. Ctrl+C cancels it. What the plan works with may be the caller's.
+[[nodiscard]] OperationReport run(JobPlan plan, const AnswerPolicy& policy, const Session& session);
 
 /// Prints a report, as JSON or as one sentence for each item that failed, and answers how the command ends.
 [[nodiscard]] ExitStatus print(const OperationReport& report, const Arguments& arguments,

@@ -10,7 +10,7 @@
 namespace ombrel::cli {
 
 /// The line on a terminal that shows how far a job is: a bar, percent, bytes, speed, time left, name. It
-/// appears when a job has run for half a second. Used on the job's thread.
+/// appears when a job has run for half a second. Main thread, which has nothing else to do.
 class ProgressLine {
 public:
     explicit ProgressLine(const Session& session);

@@ -12,7 +12,8 @@
 namespace ombrel::cli {
 
 /// Puts the questions of a job to the person at the terminal: numbered choices, a star behind the number
-/// makes the answer stand. Ctrl+C and the end of input answer with `cancel`. Used on the job's thread.
+/// makes the answer stand. Ctrl+C and the end of input answer with `cancel`. Main thread, which has nothing
+/// else to do.
 class Questions {
 public:
     explicit Questions(const Session& session) : session_(session) {}

@@ -13,8 +13,7 @@ namespace {
 
 constexpr std::array options = {AnswerPolicy::errorOption};
 
-using Remove = OperationReport (FileOperationService::*)(std::span<const FileReference>,
-                                                         const OperationHooks&, std::stop_token) const;
+using Remove = JobPlan (*)(const FileOperationService&, std::vector<FileReference>);
 
 ExitStatus removeBy(Remove remove, const Command& command, const Arguments& arguments,
                     const Session& session) {
@@ -22,21 +21,18 @@ ExitStatus removeBy(Remove remove, const Command& command, const Arguments& argu
     if (!policy) return session.output.wrongUsage(policy.error(), &command);
     const auto urls = locationsOf(arguments.operands());
     if (!urls) return session.output.wrongUsage(urls.error(), &command);
-    const auto job = [&](const OperationHooks& hooks, const std::stop_token& stop) {
-        std::vector<FileReference> items;
-        for (const auto& url : *urls)
-            items.push_back(FileReference::sampling(url));
-        return (FileOperationService().*remove)(items, hooks, stop);
-    };
-    return print(run(job, *policy, session), arguments, session);
+    std::vector<FileReference> items;
+    for (const auto& url : *urls)
+        items.push_back({url, std::nullopt});
+    return print(run(remove(FileOperationService(), std::move(items)), *policy, session), arguments, session);
 }
 
 ExitStatus trash(const Arguments& arguments, const Session& session) {
-    return removeBy(&FileOperationService::moveToTrash, trashCommand, arguments, session);
+    return removeBy(&JobPlan::moveToTrash, trashCommand, arguments, session);
 }
 
 ExitStatus removeForGood(const Arguments& arguments, const Session& session) {
-    return removeBy(&FileOperationService::deletePermanently, deleteCommand, arguments, session);
+    return removeBy(&JobPlan::deletePermanently, deleteCommand, arguments, session);
 }
 
 } // namespace

@@ -4,16 +4,18 @@
 #include "cli/Output.h"
 #include "operations/FileOperationService.h"
 
+#include <string>
+#include <utility>
+
 namespace ombrel::cli {
 namespace {
 
 ExitStatus rename(const Arguments& arguments, const Session& session) {
     const auto url = locationOf(arguments.operands()[0]);
     if (!url) return session.output.wrongUsage(url.error(), &renameCommand);
-    const auto job = [&](const OperationHooks&, const std::stop_token&) {
-        return FileOperationService().rename(FileReference::sampling(*url), arguments.operands()[1]);
-    };
-    return print(run(job, {}, session), arguments, session);
+    auto plan =
+        JobPlan::rename(FileOperationService(), {*url, std::nullopt}, std::string(arguments.operands()[1]));
+    return print(run(std::move(plan), {}, session), arguments, session);
 }
 
 } // namespace

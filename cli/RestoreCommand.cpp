@@ -23,13 +23,11 @@ ExitStatus restore(const Arguments& arguments, const Session& session) {
     const auto urls = locationsOf(arguments.operands());
     if (!urls) return session.output.wrongUsage(urls.error(), &restoreCommand);
     const auto folders = arguments.has("parents") ? MissingFolders::make : MissingFolders::refuse;
-    const auto job = [&](const OperationHooks& hooks, const std::stop_token& stop) {
-        std::vector<PutBackItem> items;
-        for (const auto& url : *urls)
-            items.push_back({FileReference::sampling(url), std::nullopt});
-        return FileOperationService().putBack(items, folders, hooks, stop);
-    };
-    return print(run(job, *policy, session), arguments, session);
+    std::vector<PutBackItem> items;
+    for (const auto& url : *urls)
+        items.push_back({{url, std::nullopt}, std::nullopt});
+    auto plan = JobPlan::putBack(FileOperationService(), std::move(items), folders);
+    return print(run(std::move(plan), *policy, session), arguments, session);
 }
 
 } // namespace

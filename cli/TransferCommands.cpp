@@ -21,13 +21,11 @@ ExitStatus transfer(FileOperationKind kind, const Command& command, const Argume
     if (!urls) return session.output.wrongUsage(urls.error(), &command);
     const FileURL destination = urls->back();
     urls->pop_back();
-    const auto job = [&](const OperationHooks& hooks, const std::stop_token& stop) {
-        std::vector<TransferItem> items;
-        for (const auto& url : *urls)
-            items.emplace_back(FileReference::sampling(url));
-        return FileOperationService().transfer(kind, items, destination, hooks, stop);
-    };
-    return print(run(job, *policy, session), arguments, session);
+    std::vector<TransferItem> items;
+    for (const auto& url : *urls)
+        items.emplace_back(FileReference{url, std::nullopt});
+    auto plan = JobPlan::transfer(FileOperationService(), kind, std::move(items), destination);
+    return print(run(std::move(plan), *policy, session), arguments, session);
 }
 
 ExitStatus copy(const Arguments& arguments, const Session& session) {
