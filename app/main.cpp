@@ -1,16 +1,16 @@
 #include "app/Arguments.h"
 #include "app/Picture.h"
+#include "app/Services.h"
 #include "base/PathInput.h"
 #include "base/Worker.h"
-#include "listing/DirectoryProvider.h"
 #include "listing/SystemCall.h"
-#include "services/AppSettings.h"
 #include "services/InterfaceLanguage.h"
 #include "services/QtConnections.h"
 #include "services/SettingsFollower.h"
 #include "ui/BrowserWindow.h"
 #include "ui/DesktopAppearance.h"
 #include "ui/OmbrelStyle.h"
+#include "ui/SystemPasteboard.h"
 #include "ui/Theme.h"
 
 #include <QApplication>
@@ -25,6 +25,7 @@
 #include <cstdio>
 #include <memory>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace ombrel {
@@ -75,10 +76,22 @@ void chooseOffscreenLook(QApplication& application) {
 /// What every window is made with.
 struct Shell {
     const Theme& theme;
-    const AppSettings& settings;
+    AppServices& services;
 };
 
-BrowserWindow* makeWindow(const Shell& shell, const FileURL& folder);
+BrowserWindow* makeWindow(const Shell& shell, const FileURL& folder) {
+    auto* const window = new BrowserWindow(
+        {.theme = shell.theme,
+         .settings = shell.services.settings(),
+         .listings = [&directories = shell.services.directories()](
+                         const DirectoryRequest& request) { return directories.snapshots(request); },
+         .home = PathInput::userHomeDirectory()});
+    window->commands().bind(FileCommand::newWindow, {.perform = [&services = shell.services](BrowserModel&) {
+                                services.requestNewWindow();
+                            }});
+    window->model().navigate(folder);
+    return window;
+}
 
 void showNewWindow(const Shell& shell, const FileURL& folder, const QRect& place) {
     auto* const window = makeWindow(shell, folder);
@@ -86,25 +99,23 @@ void showNewWindow(const Shell& shell, const FileURL& folder, const QRect& place
     window->show();
 }
 
-BrowserWindow* makeWindow(const Shell& shell, const FileURL& folder) {
-    auto* const window = new BrowserWindow(
-        {.theme = shell.theme,
-         .settings = shell.settings,
-         .listings = [](const DirectoryRequest& request) { return DirectoryProvider().snapshots(request); },
-         .home = PathInput::userHomeDirectory()});
-    window->commands().bind(FileCommand::newWindow, {.perform = [shell, window](BrowserModel&) {
-                                showNewWindow(shell, PathInput::userHomeDirectory(),
-                                              window->geometry().translated(cascade, cascade));
-                            }});
-    window->model().navigate(folder);
-    return window;
+/// Where a window opens that no other is beside.
+QRect firstPlace(const Theme& theme) {
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    QRect place(QPoint(), BrowserWindow::firstSize(theme, screen.size()));
+    place.moveCenter(screen.center());
+    return place;
+}
+
+void showOneMore(const Shell& shell) {
+    const auto* const active = QApplication::activeWindow();
+    showNewWindow(shell, PathInput::userHomeDirectory(),
+                  active ? active->geometry().translated(cascade, cascade) : firstPlace(shell.theme));
 }
 
 void showWindows(const Shell& shell, std::vector<FileURL> folders) {
     if (folders.empty()) folders.push_back(PathInput::userHomeDirectory());
-    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-    QRect place(QPoint(), BrowserWindow::firstSize(shell.theme, screen.size()));
-    place.moveCenter(screen.center());
+    QRect place = firstPlace(shell.theme);
     for (const FileURL& folder : folders) {
         showNewWindow(shell, folder, place);
         place.translate(cascade, cascade);
@@ -112,8 +123,8 @@ void showWindows(const Shell& shell, std::vector<FileURL> folders) {
 }
 
 int runApplication(QApplication& application, const Arguments& arguments) {
-    AppSettings settings;
-    const auto language = InterfaceLanguage::choose(settings.launchInterfaceLanguage());
+    auto settings = std::make_unique<AppSettings>();
+    const auto language = InterfaceLanguage::choose(settings->launchInterfaceLanguage());
     QLocale::setDefault(language.locale);
     const QtConnections connections(language);
 #ifndef NDEBUG
@@ -131,8 +142,11 @@ int runApplication(QApplication& application, const Arguments& arguments) {
     QObject::connect(&theme, &Theme::changed, &application,
                      [&theme] { QApplication::setPalette(theme.palette()); });
     DesktopAppearance desktop(theme);
-    const Shell shell{theme, settings};
-    SettingsFollower follower(settings);
+    SystemPasteboard pasteboard;
+    const auto services = makeServices(std::move(settings), pasteboard);
+    const Shell shell{theme, *services};
+    services->openNewWindow = [&shell] { showOneMore(shell); };
+    SettingsFollower follower(services->settings());
     std::unique_ptr<BrowserWindow> pictured;
     if (isPicture) {
         pictured.reset(makeWindow(shell, arguments.folders.empty() ? PathInput::userHomeDirectory()
@@ -142,6 +156,7 @@ int runApplication(QApplication& application, const Arguments& arguments) {
         new Picture(*pictured, QFile::decodeName(arguments.pictureFile.c_str()));
     } else {
         desktop.follow();
+        services->start();
         follower.start();
         QObject::connect(&application, &QGuiApplication::applicationStateChanged, &follower,
                          [&follower](Qt::ApplicationState state) {
@@ -151,6 +166,7 @@ int runApplication(QApplication& application, const Arguments& arguments) {
     }
     const int status = QApplication::exec();
     follower.stop();
+    services->stop();
     pictured.reset();
     const auto windows = QApplication::topLevelWidgets();
     for (QWidget* window : windows)

@@ -43,7 +43,7 @@ private:
 
     const OperationCenter& center_;
     const Bus bus_;
-    QTimer start_; // jobs that are over in a moment are not worth a request
+    QTimer start_;              // jobs that are over in a moment are not worth a request
     std::uint64_t request_ = 0; // under way or answered; 0 for none
     std::uint64_t lastRequest_ = 0;
     std::optional<OwnedFd> lock_; // the promise lasts as long as it is open
