@@ -13,7 +13,6 @@
 namespace ombrel {
 namespace {
 
-using ::testing::ElementsAre;
 using Number = DriveQueue::Number;
 
 /// A job that waits for its turn on a thread of its own and keeps the turn until it is told to leave.

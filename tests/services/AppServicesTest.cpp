@@ -18,8 +18,6 @@
 namespace ombrel {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 using testing::KitWorld;
 using testing::MemoryStore;
 using testing::Presenter;

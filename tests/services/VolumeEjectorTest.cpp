@@ -25,7 +25,6 @@ namespace ombrel {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 using testing::KitWorld;
 using testing::PrivateBus;
 using testing::runUntil;
