@@ -57,6 +57,12 @@ std::vector<VolumeInfo> withAnswers(std::vector<VolumeInfo> volumes, const Capac
     return volumes;
 }
 
+void tellOfSilent(const std::vector<VolumeInfo>& volumes, const CapacityQuery& query) {
+    for (std::size_t i = 0; i < volumes.size(); ++i)
+        if (!query.answer(i))
+            Log::error(Log::Category::volumes, "volume does not answer: " + volumes[i].url.path());
+}
+
 } // namespace
 
 /// One refresh, on its worker.
@@ -73,13 +79,10 @@ struct VolumeMonitor::Reading {
         std::vector<VolumeInfo> volumes;
         for (const Mount* mount : mounts)
             volumes.push_back(VolumeInfo::describe(*mount));
-        bool isOver = query.wait(patience, stop);
-        if (!isOver) {
+        if (!query.wait(patience, stop)) {
             publish(withAnswers(volumes, query, false), false);
-            isOver = query.wait(answerLimit - patience, stop);
-            for (std::size_t i = 0; i < volumes.size(); ++i)
-                if (!query.answer(i) && !stop.stop_requested())
-                    Log::error(Log::Category::volumes, "volume does not answer: " + volumes[i].url.path());
+            if (!query.wait(answerLimit - patience, stop) && !stop.stop_requested())
+                tellOfSilent(volumes, query);
         }
         publish(withAnswers(std::move(volumes), query, true), true);
     }
