@@ -63,9 +63,10 @@ TEST(DriveQueue, LetsJobsThatShareADriveRunInTheirOrder) {
     DriveQueue queue;
     WaitingJob first(queue, {1, 2});
     ASSERT_TRUE(first.comesTo(State::works));
-    WaitingJob second(queue, {2, 3}), third(queue, {3});
-    EXPECT_TRUE(second.waitsFor({1}));
-    EXPECT_TRUE(third.comesTo(State::waits) || third.comesTo(State::works));
+    WaitingJob second(queue, {2, 3});
+    ASSERT_TRUE(second.waitsFor({1}));
+    WaitingJob third(queue, {3});
+    EXPECT_TRUE(third.waitsFor({2})) << "it shares no drive with the one that works, but came later";
     WaitingJob elsewhere(queue, {4}), dataless(queue, {});
     EXPECT_TRUE(elsewhere.comesTo(State::works)) << "another drive";
     EXPECT_TRUE(dataless.comesTo(State::works)) << "no drive at all";
