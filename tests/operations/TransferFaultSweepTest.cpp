@@ -42,23 +42,9 @@ constexpr Trouble troubles[] = {
     {"EIORetried", {EIO, false}, Lasting::once, true},
 };
 
-class TransferFaultSweep : public ::testing::TestWithParam<std::tuple<TransferScenario, Trouble>> {
-protected:
-    static inline std::optional<TransferVolumes> volumes;
-    static inline std::string reason;
-
-    static void SetUpTestSuite() {
-        auto made = TransferVolumes::make();
-        if (made)
-            volumes = std::move(*made);
-        else
-            reason = made.error();
-    }
-    static void TearDownTestSuite() { volumes.reset(); }
-    void SetUp() override {
-        if (!volumes) GTEST_SKIP() << reason;
-    }
-};
+class TransferFaultSweep
+    : public OnTransferVolumes<::testing::TestWithParam<std::tuple<TransferScenario, Trouble>>,
+                               class TransferFaultSweep> {};
 
 TEST_P(TransferFaultSweep, LosesNothingAndTellsTheTruth) {
     const auto& [scenario, trouble] = GetParam();

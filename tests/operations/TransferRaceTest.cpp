@@ -144,23 +144,7 @@ std::string stagingNameIn(const std::string& path) {
     return start == std::string::npos ? "" : path.substr(start + 1, path.find('/', start + 1) - start - 1);
 }
 
-class TransferRace : public ::testing::Test {
-protected:
-    static inline std::optional<TransferVolumes> volumes;
-    static inline std::string reason;
-
-    static void SetUpTestSuite() {
-        auto made = TransferVolumes::make();
-        if (made)
-            volumes = std::move(*made);
-        else
-            reason = made.error();
-    }
-    static void TearDownTestSuite() { volumes.reset(); }
-    void SetUp() override {
-        if (!volumes) GTEST_SKIP() << reason;
-    }
-};
+class TransferRace : public OnTransferVolumes<::testing::Test, class TransferRace> {};
 
 class TransferRaceAtEveryCall : public TransferRace,
                                 public ::testing::WithParamInterface<std::tuple<const char*, Strike>> {};

@@ -7,6 +7,8 @@
 #include "support/TestMount.h"
 #include "support/TreeSnapshot.h"
 
+#include <gtest/gtest.h>
+
 #include <expected>
 #include <functional>
 #include <memory>
@@ -14,6 +16,7 @@
 #include <ostream>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace ombrel::testing {
@@ -65,6 +68,27 @@ public:
 
 private:
     std::unique_ptr<TestMount> first_, second_;
+};
+
+/// A fixture over volumes that all tests of one suite share; skips them where none can be made. `Base` is the
+/// fixture to build on, `Suite` the fixture itself.
+template <typename Base, typename Suite>
+class OnTransferVolumes : public Base {
+protected:
+    static inline std::optional<TransferVolumes> volumes;
+    static inline std::string reason;
+
+    static void SetUpTestSuite() {
+        auto made = TransferVolumes::make();
+        if (made)
+            volumes = std::move(*made);
+        else
+            reason = made.error();
+    }
+    static void TearDownTestSuite() { volumes.reset(); }
+    void SetUp() override {
+        if (!volumes) GTEST_SKIP() << reason;
+    }
 };
 
 /// One run of a scenario: what there was before, then what the report and the disk say.
