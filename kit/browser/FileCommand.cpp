@@ -40,6 +40,17 @@ constexpr Traits table[] = {
     {FileCommand::cancelCut, "ui.command.cancelCut"},
     {FileCommand::undo, "ui.command.undo"},
     {FileCommand::redo, "ui.command.redo"},
+    {FileCommand::openInNewTab, "ui.command.openInNewTab", Traits::selection},
+    {FileCommand::openInNewWindow, "ui.command.openInNewWindow", Traits::selection},
+    {FileCommand::openInTerminal, "ui.command.openInTerminal"},
+    {FileCommand::openContainingFolder, "ui.command.openContainingFolder", Traits::selection},
+    {FileCommand::compress, "ui.command.compress", Traits::selection},
+    {FileCommand::extract, "ui.command.extract", Traits::selection},
+    {FileCommand::moveIntoNewFolder, "ui.command.moveIntoNewFolder", Traits::selection},
+    {FileCommand::dissolveFolder, "ui.command.dissolveFolder", Traits::selection},
+    {FileCommand::createShortcut, "ui.command.createShortcut", Traits::selection},
+    {FileCommand::pin, "ui.command.pin"},
+    {FileCommand::unpin, "ui.command.unpin"},
 };
 
 constexpr bool isInOrder() {

@@ -35,6 +35,18 @@ enum class FileCommand : std::uint8_t {
     cancelCut,
     undo,
     redo,
+    // These have no keys.
+    openInNewTab,
+    openInNewWindow,
+    openInTerminal,
+    openContainingFolder,
+    compress,
+    extract,
+    moveIntoNewFolder,
+    dissolveFolder,
+    createShortcut,
+    pin,
+    unpin,
 };
 
 template <>
@@ -66,6 +78,17 @@ struct RawValues<FileCommand> {
         "cancelCut",
         "undo",
         "redo",
+        "openInNewTab",
+        "openInNewWindow",
+        "openInTerminal",
+        "openContainingFolder",
+        "compress",
+        "extract",
+        "moveIntoNewFolder",
+        "dissolveFolder",
+        "createShortcut",
+        "pin",
+        "unpin",
     };
 };
 

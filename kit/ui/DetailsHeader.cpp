@@ -68,6 +68,9 @@ DetailsHeader::DetailsHeader(BrowserModel& model, const Theme& theme, QWidget* p
     resetColumns();
     connect(this, &QHeaderView::sectionClicked, this,
             [this](int section) { sortBy(static_cast<DetailsColumn>(section)); });
+    // The second of two quick clicks is a click like the first.
+    connect(this, &QHeaderView::sectionDoubleClicked, this,
+            [this](int section) { sortBy(static_cast<DetailsColumn>(section)); });
     connect(this, &QHeaderView::sectionResized, this, &DetailsHeader::shareEdge);
     connect(this, &QHeaderView::sectionMoved, this, &DetailsHeader::keepFirstColumns);
     connect(this, &QHeaderView::sectionHandleDoubleClicked, this,
