@@ -3,6 +3,7 @@
 #include "ui/ViewWorld.h"
 
 #include <QAccessible>
+#include <QMouseEvent>
 #include <QScrollBar>
 #include <QSignalSpy>
 
