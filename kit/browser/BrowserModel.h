@@ -114,6 +114,8 @@ public:
     std::function<void()> requestAddressFocus;
     std::function<void()> requestSearchFocus;
     std::function<void()> requestQuickLook;
+    /// Begins to rename the item of the row in place. It is selected, current and has been revealed.
+    std::function<void(std::size_t row)> requestRename;
     /// Opens a tab beside this one: at a folder, or without one at home.
     std::function<void(const std::optional<FileURL>& at)> requestNewTab;
     std::function<void()> requestCloseTab;
