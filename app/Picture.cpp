@@ -2,7 +2,7 @@
 
 #include "base/FileName.h"
 #include "ui/BrowserWindow.h"
-#include "ui/DetailsView.h"
+#include "ui/FileView.h"
 #include "ui/LocalizedText.h"
 
 #include <QApplication>

@@ -80,17 +80,10 @@ struct Shell {
 };
 
 BrowserWindow* makeWindow(const Shell& shell, const FileURL& folder) {
-    auto* const window = new BrowserWindow(
-        {.theme = shell.theme,
-         .settings = shell.services.settings(),
-         .listings = [&directories = shell.services.directories()](
-                         const DirectoryRequest& request) { return directories.snapshots(request); },
-         .home = PathInput::userHomeDirectory()});
-    window->commands().bind(FileCommand::newWindow, {.perform = [&services = shell.services](BrowserModel&) {
-                                services.requestNewWindow();
-                            }});
-    window->model().navigate(folder);
-    return window;
+    return new BrowserWindow({.theme = shell.theme,
+                              .services = shell.services,
+                              .home = PathInput::userHomeDirectory(),
+                              .startingAt = folder});
 }
 
 void showNewWindow(const Shell& shell, const FileURL& folder, const QRect& place) {

@@ -28,6 +28,7 @@ std::optional<std::int64_t> sumOf(const FileSelection& selection, const std::sto
 
 SelectionSize::SelectionSize(BrowserModel& model, QObject* parent) : QObject(parent), model_(&model) {
     connect(&model, &BrowserModel::selectionChanged, this, &SelectionSize::recount);
+    recount();
 }
 
 void SelectionSize::recount() {

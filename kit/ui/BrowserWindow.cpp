@@ -1,56 +1,54 @@
 #include "ui/BrowserWindow.h"
 
-#include "services/AppSettings.h"
-#include "ui/DetailsView.h"
+#include "browser/PaneMaker.h"
+#include "services/AppServices.h"
+#include "ui/FileView.h"
 #include "ui/FocusRing.h"
-#include "ui/KeyStrokes.h"
-#include "ui/LocalizedText.h"
 #include "ui/NavigationRow.h"
 #include "ui/Overlay.h"
+#include "ui/PaneArea.h"
 #include "ui/StatusBar.h"
 #include "ui/Theme.h"
+#include "ui/WindowActions.h"
 #include "ui/WindowKeys.h"
 
-#include <QAction>
+#include <QEvent>
 #include <QMouseEvent>
+#include <QSplitter>
+#include <QStackedWidget>
 #include <QVBoxLayout>
 
 #include <utility>
 
 namespace ombrel {
-BrowserWindow::BrowserWindow(Setting setting)
-    : theme_(&setting.theme), settings_(&setting.settings), model_(std::move(setting.listings)),
-      keys_(commands_, {.preset = [this] { return settings_->keyPreset(); },
-                        .activePane = [this]() -> BrowserModel& { return model_; },
-                        .performTabCommand = {}}),
-      back_(makeAction(FileCommand::goBack)), forward_(makeAction(FileCommand::goForward)),
-      up_(makeAction(FileCommand::goUp)), refresh_(makeAction(FileCommand::refresh)),
-      view_(new DetailsView(model_, *theme_)), overlay_(new Overlay(model_, *theme_, view_->viewport())),
-      statusBar_(new StatusBar(model_, *view_, *theme_)) {
+
+BrowserWindow::BrowserWindow(const Setting& setting)
+    : theme_(&setting.theme), services_(&setting.services),
+      tabs_([&services = setting.services] { return makePane(services); }, setting.startingAt),
+      keys_(commands_, {.preset = [this] { return services_->settings().keyPreset(); },
+                        .activePane = [this]() -> BrowserModel& { return tabs_.activeTab(); },
+                        .performTabCommand = [this](TabCommand command) { tabs_.perform(command); }}),
+      actions_(new WindowActions(*this, tabs_, commands_, setting.services)),
+      navigationRow_(new NavigationRow(tabs_, *theme_, setting.home,
+                                       {.back = actions_->of(FileCommand::goBack),
+                                        .forward = actions_->of(FileCommand::goForward),
+                                        .up = actions_->of(FileCommand::goUp),
+                                        .refresh = actions_->of(FileCommand::refresh)},
+                                       this)),
+      splitter_(new QSplitter(this)), panes_(new QStackedWidget), statusBar_(new StatusBar(*theme_, this)) {
     setAttribute(Qt::WA_DeleteOnClose);
     setMinimumSize(theme_->size(ThemeSize::windowMinimumWidth), theme_->size(ThemeSize::windowMinimumHeight));
-    auto* const column = new QVBoxLayout(this);
-    column->setContentsMargins({});
-    column->setSpacing(0);
-    column->addWidget(new NavigationRow(model_, *theme_, setting.home, {back_, forward_, up_, refresh_}));
-    column->addWidget(view_, 1);
-    column->addWidget(statusBar_);
+    layOut();
     new FocusRing(this);
     new WindowKeys(*this, keys_);
-    view_->setKeys(keys_);
-    view_->setFocus(Qt::OtherFocusReason);
-
-    connect(view_, &FileView::openRequested, this, &BrowserWindow::open);
-    connect(&model_, &BrowserModel::locationChanged, this, &BrowserWindow::refreshTitle);
-    connect(&model_, &BrowserModel::historyChanged, this, &BrowserWindow::refreshCommands);
-    connect(settings_, &AppSettings::changed, this, &BrowserWindow::refreshCommands);
     bindCommands();
-    refreshTitle();
-    refreshCommands();
+    followTabs();
+    actions_->refresh();
+    paneArea().focusContent();
 }
 
 BrowserWindow::~BrowserWindow() {
-    // The widgets look at the model to their end.
+    // The widgets look at the models to their end.
     qDeleteAll(findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly));
 }
 
@@ -60,56 +58,103 @@ QSize BrowserWindow::firstSize(const Theme& theme, const QSize& screen) {
         .boundedTo((QSizeF(screen) * largestShare).toSize());
 }
 
-QAction* BrowserWindow::makeAction(FileCommand command) {
-    // Keys come to commands by another way: actions have no shortcuts of their own.
-    auto* const action = new QAction(localized(FileCommands::textKey(command)), this);
-    connect(action, &QAction::triggered, this, [this, command] { commands_.perform(command, model_); });
-    return action;
+void BrowserWindow::layOut() {
+    auto* const column = new QVBoxLayout(this);
+    column->setContentsMargins({});
+    column->setSpacing(0);
+    column->addWidget(navigationRow_);
+    column->addWidget(splitter_, 1);
+    column->addWidget(statusBar_);
+    splitter_->setHandleWidth(theme_->size(ThemeSize::hairline));
+    splitter_->addWidget(panes_);
+    splitter_->setCollapsible(splitter_->indexOf(panes_), false);
 }
+
+// ---- Commands
 
 void BrowserWindow::bindCommands() {
     commands_.bind(FileCommand::open,
-                   {.perform = [this](BrowserModel& pane) { open(*pane.selection().firstRow()); },
+                   {.perform = [this](BrowserModel& pane) { open(pane, *pane.selection().firstRow()); },
                     .isEnabled = [](const BrowserModel& pane) { return pane.selection().count() == 1; }});
-    commands_.bind(FileCommand::closeTab, {.perform = [this](BrowserModel&) { close(); }});
+    commands_.bind(FileCommand::newWindow,
+                   {.perform = [this](BrowserModel&) { services_->requestNewWindow(&tabs_); }});
 }
 
-void BrowserWindow::refreshCommands() {
-    back_->setEnabled(commands_.canPerform(FileCommand::goBack, model_));
-    forward_->setEnabled(commands_.canPerform(FileCommand::goForward, model_));
-    up_->setEnabled(commands_.canPerform(FileCommand::goUp, model_));
-    refresh_->setEnabled(commands_.canPerform(FileCommand::refresh, model_));
-    back_->setToolTip(withShortcut(back_->text(), FileCommand::goBack));
-    forward_->setToolTip(withShortcut(forward_->text(), FileCommand::goForward));
-    refresh_->setToolTip(withShortcut(refresh_->text(), FileCommand::refresh));
-    QString upText = up_->text();
-    if (model_.canGoUp()) {
-        const FileURL parent = model_.currentURL()->parent();
-        upText = localized("ui.tooltip.upTo", {isolated(parent.isRoot() ? parent.path() : parent.name())});
+void BrowserWindow::open(BrowserModel& pane, std::size_t row) {
+    const FileItemView item = pane.items()[row];
+    // Packages are folders like any other here.
+    if (item.isDirectoryLike() || item.isPackage()) pane.navigate(item.url());
+}
+
+// ---- Tabs
+
+void BrowserWindow::followTabs() {
+    tabs_.onLastTabClosed = [this] { close(); };
+    connect(&tabs_, &BrowserTabsModel::tabAdded, this, &BrowserWindow::addPaneArea);
+    connect(&tabs_, &BrowserTabsModel::tabClosed, this, [this](std::size_t, const BrowserModel* pane) {
+        // It is still shown, and its pane lives, until the event loop runs.
+        if (auto* const area = paneAreaOf(*pane)) area->deleteLater();
+    });
+    connect(&tabs_, &BrowserTabsModel::activeTabChanged, this, &BrowserWindow::showActiveTab);
+    connect(&tabs_, &BrowserTabsModel::titleChanged, this, &BrowserWindow::refreshTitle);
+    for (std::size_t index = 0; index < tabs_.count(); ++index)
+        addPaneArea(index);
+    showActiveTab();
+}
+
+void BrowserWindow::addPaneArea(std::size_t index) {
+    BrowserModel& pane = tabs_.tab(index);
+    auto* const area = new PaneArea(pane, *theme_, keys_);
+    connect(area, &PaneArea::openRequested, this, [this, &pane](std::size_t row) { open(pane, row); });
+    connect(area, &PaneArea::viewChanged, this, [this, area] {
+        if (area == panes_->currentWidget()) statusBar_->follow(area->model(), area->view());
+    });
+    panes_->addWidget(area);
+}
+
+PaneArea* BrowserWindow::paneAreaOf(const BrowserModel& pane) const {
+    for (int i = 0; i < panes_->count(); ++i) {
+        auto* const area = static_cast<PaneArea*>(panes_->widget(i));
+        if (&area->model() == &pane) return area;
     }
-    up_->setToolTip(withShortcut(upText, FileCommand::goUp));
+    return nullptr;
 }
 
-QString BrowserWindow::withShortcut(const QString& text, FileCommand command) const {
-    const QString keys = KeyStrokes::shown(command, settings_->keyPreset());
-    if (keys.isEmpty()) return text;
-    return localized("ui.tooltip.withShortcut", {text.toStdString(), keys.toStdString()});
+void BrowserWindow::showActiveTab() {
+    const bool hadFocus = panes_->isAncestorOf(focusWidget());
+    panes_->setCurrentWidget(&paneArea());
+    statusBar_->follow(model(), view());
+    if (hadFocus) paneArea().focusContent();
+    refreshTitle();
+}
+
+PaneArea& BrowserWindow::paneArea() const {
+    return *paneAreaOf(tabs_.activeTab());
+}
+
+FileView& BrowserWindow::view() const {
+    return paneArea().view();
+}
+
+const Overlay& BrowserWindow::overlay() const {
+    return paneArea().overlay();
 }
 
 void BrowserWindow::refreshTitle() {
-    setWindowTitle(model_.title());
+    setWindowTitle(model().title());
 }
 
-void BrowserWindow::open(std::size_t row) {
-    const FileItemView item = model_.items()[row];
-    // Packages are folders like any other here.
-    if (item.isDirectoryLike() || item.isPackage()) model_.navigate(item.url());
+// ---- Events
+
+bool BrowserWindow::event(QEvent* event) {
+    if (event->type() == QEvent::WindowActivate) services_->setActiveWindowTabs(&tabs_);
+    return QWidget::event(event);
 }
 
 void BrowserWindow::mousePressEvent(QMouseEvent* event) {
     switch (event->button()) {
-    case Qt::BackButton: return model_.goBack();
-    case Qt::ForwardButton: return model_.goForward();
+    case Qt::BackButton: return model().goBack();
+    case Qt::ForwardButton: return model().goForward();
     default: QWidget::mousePressEvent(event);
     }
 }

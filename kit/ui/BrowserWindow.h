@@ -1,70 +1,85 @@
 #pragma once
 
 #include "base/FileURL.h"
-#include "browser/BrowserModel.h"
+#include "browser/BrowserTabsModel.h"
 #include "browser/CommandDispatcher.h"
 #include "browser/KeyRouter.h"
 
 #include <QWidget>
 
-class QAction;
+#include <optional>
+
+class QSplitter;
+class QStackedWidget;
+class QVBoxLayout;
 
 namespace ombrel {
 
-class AppSettings;
-class DetailsView;
+class AppServices;
+class FileView;
+class NavigationRow;
 class Overlay;
+class PaneArea;
 class StatusBar;
 class Theme;
+class WindowActions;
 
-/// One window: it makes a pane's model and the widgets that show it, and connects them. Deletes itself when
-/// closed.
+/// One window: it makes the models of its tabs and the widgets that show them, and connects them. What stands
+/// around the file view follows the active tab. Deletes itself when closed.
 class BrowserWindow final : public QWidget {
     Q_OBJECT
 
 public:
     struct Setting {
-        const Theme& theme;          ///< must outlive the window
-        const AppSettings& settings; ///< likewise
-        ListingFeed::Source listings;
-        FileURL home; ///< where addresses begin
+        const Theme& theme;    ///< must outlive the window
+        AppServices& services; ///< likewise
+        FileURL home;          ///< where addresses begin
+        std::optional<FileURL> startingAt =
+            std::nullopt; ///< the first tab's folder; without one it is at home
     };
 
-    explicit BrowserWindow(Setting setting);
+    explicit BrowserWindow(const Setting& setting);
     ~BrowserWindow() override;
 
-    [[nodiscard]] BrowserModel& model() noexcept { return model_; }
-    /// What the commands do, wherever they come from. Who can do more binds it, then calls `refreshCommands`.
+    [[nodiscard]] BrowserTabsModel& tabs() noexcept { return tabs_; }
+    /// The pane of the active tab.
+    [[nodiscard]] BrowserModel& model() const { return tabs_.activeTab(); }
+    /// What the commands do, wherever they come from. Who can do more binds it, then calls `refresh` of the
+    /// actions.
     [[nodiscard]] CommandDispatcher& commands() noexcept { return commands_; }
-    void refreshCommands();
-    [[nodiscard]] DetailsView& view() noexcept { return *view_; }
+    [[nodiscard]] WindowActions& actions() noexcept { return *actions_; }
+    /// Of the active tab.
+    [[nodiscard]] PaneArea& paneArea() const;
+    [[nodiscard]] FileView& view() const;
+    [[nodiscard]] const Overlay& overlay() const;
     [[nodiscard]] const StatusBar& statusBar() const noexcept { return *statusBar_; }
-    [[nodiscard]] const Overlay& overlay() const noexcept { return *overlay_; }
 
     /// The size of a first window on a screen: as the theme has it, or most of a smaller screen.
     [[nodiscard]] static QSize firstSize(const Theme& theme, const QSize& screen);
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
+    bool event(QEvent* event) override;
 
 private:
-    QAction* makeAction(FileCommand command);
+    void layOut();
     void bindCommands();
+    void followTabs();
+    void addPaneArea(std::size_t index);
+    [[nodiscard]] PaneArea* paneAreaOf(const BrowserModel& pane) const;
+    void showActiveTab();
     void refreshTitle();
-    [[nodiscard]] QString withShortcut(const QString& text, FileCommand command) const;
-    void open(std::size_t row);
+    void open(BrowserModel& pane, std::size_t row);
 
     const Theme* theme_;
-    const AppSettings* settings_;
-    BrowserModel model_;
+    AppServices* services_;
+    BrowserTabsModel tabs_;
     CommandDispatcher commands_;
     KeyRouter keys_;
-    QAction* back_;
-    QAction* forward_;
-    QAction* up_;
-    QAction* refresh_;
-    DetailsView* view_;
-    Overlay* overlay_;
+    WindowActions* actions_;
+    NavigationRow* navigationRow_;
+    QSplitter* splitter_;   ///< tree, file view, details pane
+    QStackedWidget* panes_; ///< one for each tab
     StatusBar* statusBar_;
 };
 

@@ -69,8 +69,14 @@ CrumbBar::CrumbBar(BrowserModel& model, const Theme& theme, FileURL home, QWidge
     collapsed_->setToolTip(localized("ui.address.collapsed"));
     collapsed_->hide();
     connect(collapsed_, &QAbstractButton::clicked, this, &CrumbBar::showCollapsed);
-    connect(&model, &BrowserModel::locationChanged, this, &CrumbBar::rebuild);
     connect(&theme, &Theme::changed, this, &CrumbBar::arrange);
+    setModel(model);
+}
+
+void CrumbBar::setModel(BrowserModel& model) {
+    model_->disconnect(this);
+    model_ = &model;
+    connect(&model, &BrowserModel::locationChanged, this, &CrumbBar::rebuild);
     rebuild();
 }
 

@@ -24,6 +24,9 @@ public:
     /// `model` and `theme` must outlive it.
     CrumbBar(BrowserModel& model, const Theme& theme, FileURL home, QWidget* parent = nullptr);
 
+    /// Shows the address of another pane from now on, which must outlive it too.
+    void setModel(BrowserModel& model);
+
     /// The folders of the crumbs that a location has.
     [[nodiscard]] static std::vector<FileURL> crumbs(const FileURL& location, const FileURL& home);
 

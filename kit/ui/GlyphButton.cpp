@@ -16,7 +16,7 @@ void GlyphButton::follow(QAction* action) {
     const auto update = [this, action] {
         setEnabled(action->isEnabled());
         setToolTip(action->toolTip());
-        setAccessibleName(action->text());
+        setAccessibleName(action->iconText());
     };
     connect(action, &QAction::changed, this, update);
     connect(this, &QAbstractButton::clicked, action, &QAction::trigger);

@@ -1,5 +1,6 @@
 #include "ui/NavigationRow.h"
 
+#include "browser/BrowserTabsModel.h"
 #include "ui/CrumbBar.h"
 #include "ui/GlyphButton.h"
 #include "ui/Theme.h"
@@ -9,7 +10,7 @@
 
 namespace ombrel {
 
-NavigationRow::NavigationRow(BrowserModel& model, const Theme& theme, const FileURL& home,
+NavigationRow::NavigationRow(BrowserTabsModel& tabs, const Theme& theme, const FileURL& home,
                              const Actions& actions, QWidget* parent)
     : QWidget(parent), theme_(&theme) {
     auto* const row = new QHBoxLayout(this);
@@ -23,7 +24,10 @@ NavigationRow::NavigationRow(BrowserModel& model, const Theme& theme, const File
     add(Glyph::up, actions.up);
     add(Glyph::refresh, actions.refresh);
     row->addSpacing(theme.size(ThemeSize::space8));
-    row->addWidget(new CrumbBar(model, theme, home, this), 1);
+    auto* const crumbs = new CrumbBar(tabs.activeTab(), theme, home, this);
+    row->addWidget(crumbs, 1);
+    connect(&tabs, &BrowserTabsModel::activeTabChanged, crumbs,
+            [crumbs, &tabs] { crumbs->setModel(tabs.activeTab()); });
     connect(&theme, &Theme::changed, this, &NavigationRow::takeSizes);
     takeSizes();
 }

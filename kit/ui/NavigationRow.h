@@ -8,10 +8,10 @@ class QAction;
 
 namespace ombrel {
 
-class BrowserModel;
+class BrowserTabsModel;
 class Theme;
 
-/// Back, forward, up, refresh, and the address.
+/// Back, forward, up, refresh, and the address of the active tab.
 class NavigationRow final : public QWidget {
     Q_OBJECT
 
@@ -23,8 +23,8 @@ public:
         QAction* refresh;
     };
 
-    /// `model` and `theme` must outlive it; the actions are the window's.
-    NavigationRow(BrowserModel& model, const Theme& theme, const FileURL& home, const Actions& actions,
+    /// `tabs` and `theme` must outlive it; the actions are the window's.
+    NavigationRow(BrowserTabsModel& tabs, const Theme& theme, const FileURL& home, const Actions& actions,
                   QWidget* parent = nullptr);
 
 protected:

@@ -173,7 +173,7 @@ void Overlay::show(const OverlayContent& content) {
     message_->setVisible(!content.message.isEmpty());
     // A centred label takes the height of a single line by itself.
     for (QLabel* label : {title_, message_})
-        label->setFixedHeight(label->heightForWidth(label->width()));
+        if (!label->text().isEmpty()) label->setFixedHeight(label->heightForWidth(label->width()));
     badge_ = content.badge;
     picture_->update();
     for (QPushButton* button : buttons_)

@@ -1,6 +1,7 @@
 #include "ui/StatusBar.h"
 
 #include "browser/BrowserModel.h"
+#include "browser/SelectionSize.h"
 #include "ui/FileView.h"
 #include "ui/Formats.h"
 #include "ui/LocalizedText.h"
@@ -21,8 +22,7 @@ std::int64_t count(std::size_t items) {
 
 } // namespace
 
-StatusBar::StatusBar(BrowserModel& model, const FileView& view, const Theme& theme, QWidget* parent)
-    : QWidget(parent), model_(&model), view_(&view), theme_(&theme), selectionSize_(model) {
+StatusBar::StatusBar(const Theme& theme, QWidget* parent) : QWidget(parent), theme_(&theme) {
     auto* const row = new QHBoxLayout(this);
     for (std::size_t i = 0; i < mostParts; ++i) {
         auto* const label = new QLabel(this);
@@ -31,16 +31,28 @@ StatusBar::StatusBar(BrowserModel& model, const FileView& view, const Theme& the
         labels_.push_back(label);
     }
     row->addStretch();
-    connect(&model, &BrowserModel::itemsChanged, this, &StatusBar::refresh);
-    connect(&model, &BrowserModel::listingStateChanged, this, &StatusBar::refresh);
-    connect(&selectionSize_, &SelectionSize::changed, this, &StatusBar::refresh);
-    connect(&view.typeAhead(), &TypeAhead::textChanged, this, &StatusBar::refresh);
     connect(&theme, &Theme::changed, this, &StatusBar::takeSizes);
     takeSizes();
 }
 
+StatusBar::~StatusBar() = default;
+
+void StatusBar::follow(BrowserModel& model, const FileView& view) {
+    if (model_) model_->disconnect(this);
+    if (view_) view_->typeAhead().disconnect(this);
+    model_ = &model;
+    view_ = &view;
+    selectionSize_ = std::make_unique<SelectionSize>(model);
+    connect(&model, &BrowserModel::itemsChanged, this, &StatusBar::refresh);
+    connect(&model, &BrowserModel::listingStateChanged, this, &StatusBar::refresh);
+    connect(selectionSize_.get(), &SelectionSize::changed, this, &StatusBar::refresh);
+    connect(&view.typeAhead(), &TypeAhead::textChanged, this, &StatusBar::refresh);
+    refresh();
+}
+
 QStringList StatusBar::parts() const {
     QStringList parts;
+    if (!model_) return parts;
     switch (model_->listingState().which()) {
     case ListingState::Case::loading:
         parts << localized("ui.status.loading", count(model_->items().size()));
@@ -53,7 +65,7 @@ QStringList StatusBar::parts() const {
     case ListingState::Case::noLocation: return {};
     }
     if (const std::size_t selected = model_->selection().count(); selected > 0) {
-        const auto bytes = selectionSize_.bytes();
+        const auto bytes = selectionSize_->bytes();
         parts << (bytes ? localized("ui.status.selectedWithSize", count(selected),
                                     {Formats::size(*bytes).toStdString()})
                         : localized("ui.status.selected", count(selected)));

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "browser/SelectionSize.h"
-
 #include <QWidget>
 
+#include <memory>
 #include <vector>
 
 class QLabel;
@@ -12,6 +11,7 @@ namespace ombrel {
 
 class BrowserModel;
 class FileView;
+class SelectionSize;
 class Theme;
 
 /// What is shown, what is selected and what could not be read, in words.
@@ -19,8 +19,12 @@ class StatusBar final : public QWidget {
     Q_OBJECT
 
 public:
-    /// `model`, `view` and `theme` must outlive it.
-    StatusBar(BrowserModel& model, const FileView& view, const Theme& theme, QWidget* parent = nullptr);
+    /// `theme` must outlive it.
+    explicit StatusBar(const Theme& theme, QWidget* parent = nullptr);
+    ~StatusBar() override;
+
+    /// Speaks of this pane and its view from now on; both must live until it follows others.
+    void follow(BrowserModel& model, const FileView& view);
 
     /// The parts that are shown, from the left.
     [[nodiscard]] QStringList parts() const;
@@ -32,10 +36,10 @@ private:
     void refresh();
     void takeSizes();
 
-    BrowserModel* model_;
-    const FileView* view_;
     const Theme* theme_;
-    SelectionSize selectionSize_;
+    BrowserModel* model_ = nullptr;
+    const FileView* view_ = nullptr;
+    std::unique_ptr<SelectionSize> selectionSize_; ///< of the pane that is followed
     std::vector<QLabel*> labels_;
 };
 

@@ -1,14 +1,16 @@
+
 #include "ui/BrowserWindow.h"
 
 #include "listing/SystemCall.h"
-#include "services/AppSettings.h"
 #include "support/FailingCalls.h"
 #include "ui/CrumbBar.h"
 #include "ui/GlyphButton.h"
 #include "ui/Overlay.h"
 #include "ui/StatusBar.h"
-#include "ui/ViewWorld.h"
+#include "ui/WindowActions.h"
+#include "ui/WindowWorld.h"
 
+#include <QAction>
 #include <QInputMethodEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -23,24 +25,8 @@ using namespace testing;
 using ::testing::Contains;
 using ::testing::ElementsAre;
 
-class Window : public ::testing::Test {
+class Window : public WindowWorld {
 protected:
-    Window()
-        : settings(SettingsFile(tree.url("settings.json")), std::nullopt),
-          window(
-              {.theme = quietTheme(), .settings = settings, .listings = realListings(), .home = tree.url()}) {
-        tree.folder("Projects");
-        tree.folder("Projects/Reports");
-        tree.file("Projects/one.txt", "12345");
-        tree.file("Projects/two.txt", "1234567890");
-        window.setAttribute(Qt::WA_DeleteOnClose, false);
-        window.resize(900, 600);
-        window.show();
-    }
-    void open(const FileURL& folder) {
-        window.model().navigate(folder);
-        ASSERT_TRUE(runUntil([&] { return window.model().listingState() != ListingState::Case::loading; }));
-    }
     [[nodiscard]] std::vector<std::string> status() const {
         std::vector<std::string> parts;
         for (const QString& part : window.statusBar().parts())
@@ -53,19 +39,12 @@ protected:
             texts.push_back(button->text().toStdString());
         return texts;
     }
-    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier, QWidget* on = nullptr) {
-        QTest::keyClick(on ? on : &window.view(), key, modifiers);
-    }
     [[nodiscard]] std::string toolTip(const QString& name) const {
+        QApplication::processEvents();
         for (const auto* button : window.findChildren<GlyphButton*>())
             if (button->accessibleName() == name) return button->toolTip().toStdString();
         return "no button";
     }
-    [[nodiscard]] std::string title() const { return window.windowTitle().toStdString(); }
-
-    TempTree tree;
-    AppSettings settings;
-    BrowserWindow window;
 };
 
 TEST_F(Window, IsNamedAfterItsFolderAndCountsItsItems) {
@@ -101,6 +80,33 @@ TEST_F(Window, EntersFoldersAndFindsBack) {
     EXPECT_EQ(window.windowTitle().toStdString(), "Projects");
     QTest::mouseClick(view.viewport(), Qt::ForwardButton);
     EXPECT_EQ(window.model().currentURL(), tree.url());
+}
+
+TEST_F(Window, ShowsTheActiveTabAndClosesWithTheLast) {
+    open(tree.url("Projects"));
+    select(window.model(), {"one.txt"});
+    press(Qt::Key_T, Qt::ControlModifier);
+    EXPECT_EQ(window.tabs().count(), 2U);
+    EXPECT_TRUE(window.model().selection().empty());
+    open(tree.url("Projects/Reports"));
+    EXPECT_EQ(title(), "Reports");
+    EXPECT_THAT(status(), ElementsAre("0 items"));
+    EXPECT_TRUE(window.view().isVisible());
+    press(Qt::Key_Tab, Qt::ControlModifier);
+    EXPECT_EQ(title(), "Projects");
+    EXPECT_THAT(status(), ElementsAre("3 items", "1 item selected, 5 bytes"));
+    EXPECT_TRUE(window.view().hasFocus());
+    QApplication::processEvents();
+    EXPECT_TRUE(window.actions().of(FileCommand::open)->isEnabled());
+
+    press(Qt::Key_1, Qt::ControlModifier);
+    press(Qt::Key_W, Qt::ControlModifier);
+    QApplication::processEvents();
+    EXPECT_EQ(title(), "Reports");
+    EXPECT_TRUE(window.view().hasFocus());
+    EXPECT_FALSE(window.actions().of(FileCommand::open)->isEnabled());
+    window.tabs().activeTab().requestCloseTab();
+    EXPECT_FALSE(window.isVisible());
 }
 
 // ---- Keys

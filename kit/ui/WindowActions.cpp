@@ -1,0 +1,93 @@
+#include "ui/WindowActions.h"
+
+#include "browser/BrowserTabsModel.h"
+#include "browser/CommandDispatcher.h"
+#include "services/AppServices.h"
+#include "ui/KeyStrokes.h"
+#include "ui/LocalizedText.h"
+
+#include <QAction>
+#include <QWidget>
+
+#include <utility>
+
+namespace ombrel {
+
+WindowActions::WindowActions(QWidget& window, BrowserTabsModel& tabs, const CommandDispatcher& commands,
+                             AppServices& services)
+    : QObject(&window), tabs_(&tabs), commands_(&commands), services_(&services) {
+    for (std::size_t i = 0; i < actions_.size(); ++i) {
+        const auto command = static_cast<FileCommand>(i);
+        auto* const action = new QAction(&window);
+        window.addAction(action);
+        connect(action, &QAction::triggered, this,
+                [this, command] { commands_->perform(command, tabs_->activeTab()); });
+        actions_[i] = action;
+    }
+    connect(&tabs, &BrowserTabsModel::activeTabChanged, this, &WindowActions::followPane);
+    connect(&services.settings(), &AppSettings::changed, this, &WindowActions::refreshLater);
+    connect(&services.clipboard(), &ClipboardService::intentChanged, this, &WindowActions::refreshLater);
+    connect(&services.clipboard(), &ClipboardService::cutURLsChanged, this, &WindowActions::refreshLater);
+    connect(&services.undo(), &FileUndoHistory::changed, this, &WindowActions::refreshLater);
+    followPane();
+    refresh();
+}
+
+QAction* WindowActions::of(FileCommand command) const noexcept {
+    return actions_[std::to_underlying(command)];
+}
+
+void WindowActions::followPane() {
+    delete std::exchange(following_, new QObject(this));
+    const BrowserModel& pane = tabs_->activeTab();
+    for (const auto signal :
+         {&BrowserModel::locationChanged, &BrowserModel::historyChanged, &BrowserModel::listingStateChanged,
+          &BrowserModel::itemsChanged, &BrowserModel::selectionChanged})
+        connect(&pane, signal, following_, [this] { refreshLater(); });
+    refreshLater();
+}
+
+void WindowActions::refreshLater() {
+    // A selection changes many times while a band is drawn or an arrow key is held.
+    if (std::exchange(isRefreshDue_, true)) return;
+    QMetaObject::invokeMethod(this, &WindowActions::refresh, Qt::QueuedConnection);
+}
+
+void WindowActions::refresh() {
+    isRefreshDue_ = false;
+    for (std::size_t i = 0; i < actions_.size(); ++i)
+        refreshOne(static_cast<FileCommand>(i));
+    Q_EMIT refreshed();
+}
+
+void WindowActions::refreshOne(FileCommand command) {
+    QAction& action = *of(command);
+    const QString name = nameOf(command);
+    const QString keys = KeyStrokes::shown(command, services_->settings().keyPreset());
+    QString menuText = name;
+    menuText.replace(QLatin1Char('&'), QLatin1String("&&"));
+    action.setText(keys.isEmpty() ? menuText : menuText + QLatin1Char('\t') + keys);
+    action.setIconText(name);
+    const QString toolTip = toolTipOf(command, name);
+    action.setToolTip(
+        keys.isEmpty() ? toolTip
+                       : localized("ui.tooltip.withShortcut", {toolTip.toStdString(), keys.toStdString()}));
+    action.setEnabled(commands_->canPerform(command, tabs_->activeTab()));
+}
+
+QString WindowActions::nameOf(FileCommand command) const {
+    const FileUndoHistory& undo = services_->undo();
+    const auto title = command == FileCommand::undo   ? undo.undoTitle()
+                       : command == FileCommand::redo ? undo.redoTitle()
+                                                      : std::nullopt;
+    return title ? localized(*title) : localized(FileCommands::textKey(command));
+}
+
+QString WindowActions::toolTipOf(FileCommand command, const QString& name) const {
+    const BrowserModel& pane = tabs_->activeTab();
+    if (command != FileCommand::goUp || !pane.canGoUp()) return name;
+    const FileURL parent = pane.currentURL()->parent();
+    return localized("ui.tooltip.upTo", {isolated(parent.isRoot() ? parent.path() : parent.name())});
+}
+
+} // namespace ombrel
