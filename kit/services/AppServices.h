@@ -5,12 +5,14 @@
 #include "operations/FileOperationService.h"
 #include "services/AccessManager.h"
 #include "services/AppSettings.h"
+#include "services/ApplicationLauncher.h"
 #include "services/ClipboardService.h"
 #include "services/FileUndoHistory.h"
 #include "services/OperationCenter.h"
 #include "services/SleepInhibitor.h"
 #include "services/SoftwareUpdater.h"
 #include "services/Telemetry.h"
+#include "services/VolumeEjector.h"
 #include "services/VolumeMonitor.h"
 
 #include <QMetaObject>
@@ -45,6 +47,9 @@ public:
     [[nodiscard]] const FileOperationService& operations() const noexcept { return operations_; }
     [[nodiscard]] OperationCenter& center() const noexcept { return *center_; }
     [[nodiscard]] FileUndoHistory& undo() const noexcept { return *undo_; }
+    /// Opens items with the desktop's applications.
+    [[nodiscard]] ApplicationLauncher& launcher() const noexcept { return *launcher_; }
+    [[nodiscard]] VolumeEjector& ejector() const noexcept { return *ejector_; }
     [[nodiscard]] const DirectoryProvider& directories() const noexcept { return directories_; }
     [[nodiscard]] const std::shared_ptr<ConcurrencyLimiter>& treeLimiter() const noexcept {
         return treeLimiter_;
@@ -94,6 +99,8 @@ private:
     const FileOperationService operations_;
     const std::unique_ptr<OperationCenter> center_;
     const std::unique_ptr<FileUndoHistory> undo_;
+    const std::unique_ptr<ApplicationLauncher> launcher_ = std::make_unique<ApplicationLauncher>();
+    const std::unique_ptr<VolumeEjector> ejector_ = std::make_unique<VolumeEjector>();
     std::unique_ptr<SleepInhibitor> inhibitor_;
     std::unique_ptr<OperationPresenting> progressWindow_;
     const DirectoryProvider directories_{};

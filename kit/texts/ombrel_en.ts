@@ -171,6 +171,17 @@
     <message id="knownFolder.videos"><source></source><translation>Videos</translation></message>
     <message id="menu.checkForUpdates"><source></source><translation>Check for updates…</translation></message>
     <message id="name.copySuffix"><source></source><translation> - Copy</translation></message>
+    <message id="open.error.applicationGone"><source></source><translation>“{1}” is no longer installed.</translation></message>
+    <message id="open.error.brokenLink"><source></source><translation>“{1}” leads to something that is no longer there.</translation></message>
+    <message id="open.error.defaultNotSaved"><source></source><translation>“{1}” could not be made the default application: {2}.</translation></message>
+    <message id="open.error.denied"><source></source><translation>You don’t have permission to open “{1}”.</translation></message>
+    <message id="open.error.failed"><source></source><translation>“{1}” could not be opened: {2}.</translation></message>
+    <message id="open.error.missing"><source></source><translation>“{1}” no longer exists.</translation></message>
+    <message id="open.error.noApplication"><source></source><translation>No application is set to open “{1}”.</translation></message>
+    <message id="open.error.noTerminal"><source></source><translation>No terminal is installed.</translation></message>
+    <message id="open.error.notExecutable"><source></source><translation>“{1}” is a program, but it is not marked as executable.</translation></message>
+    <message id="open.error.special"><source></source><translation>“{1}” is a special file that can’t be opened.</translation></message>
+    <message id="open.error.terminal"><source></source><translation>A terminal could not be opened in “{1}”: {2}.</translation></message>
     <message id="overlay.empty.title"><source></source><translation>This folder is empty</translation></message>
     <message id="overlay.failed.message"><source></source><translation>{1}</translation></message>
     <message id="overlay.failed.title"><source></source><translation>This folder can’t be shown</translation></message>
