@@ -358,6 +358,10 @@
     <message id="ui.command.undo"><source></source><translation>Undo</translation></message>
     <message id="ui.command.unpin"><source></source><translation>Unpin from quick access</translation></message>
     <message id="ui.command.up"><source></source><translation>Up</translation></message>
+    <message id="ui.home.locations"><source></source><translation>Locations</translation></message>
+    <message id="ui.home.quickAccess"><source></source><translation>Quick access</translation></message>
+    <message id="ui.home.title"><source></source><translation>Home</translation></message>
+    <message id="ui.home.volumes"><source></source><translation>Volumes</translation></message>
     <message id="ui.key.backspace"><source></source><translation>Backspace</translation></message>
     <message id="ui.key.control"><source></source><translation>Ctrl</translation></message>
     <message id="ui.key.delete"><source></source><translation>Delete</translation></message>
@@ -366,6 +370,8 @@
     <message id="ui.key.shift"><source></source><translation>Shift</translation></message>
     <message id="ui.key.space"><source></source><translation>Space</translation></message>
     <message id="ui.key.super"><source></source><translation>Super</translation></message>
+    <message id="ui.location.needsPermission"><source></source><translation>Needs permission</translation></message>
+    <message id="ui.location.unavailable"><source></source><translation>Not available</translation></message>
     <message id="ui.status.failed"><source></source><translation>Can’t show this folder</translation></message>
     <message id="ui.status.items" numerus="yes"><source></source><translation><numerusform>{n} item</numerusform><numerusform>{n} items</numerusform></translation></message>
     <message id="ui.status.jumpTo"><source></source><translation>Jump to: {1}</translation></message>
@@ -375,6 +381,13 @@
     <message id="ui.status.unreadable" numerus="yes"><source></source><translation><numerusform>{n} item could not be read</numerusform><numerusform>{n} items could not be read</numerusform></translation></message>
     <message id="ui.tooltip.upTo"><source></source><translation>Up to “{1}”</translation></message>
     <message id="ui.tooltip.withShortcut"><source></source><translation>{1} ({2})</translation></message>
+    <message id="ui.tree.loading"><source></source><translation>Loading…</translation></message>
+    <message id="ui.volume.ejecting"><source></source><translation>Ejecting…</translation></message>
+    <message id="ui.volume.internal"><source></source><translation>internal</translation></message>
+    <message id="ui.volume.network"><source></source><translation>network</translation></message>
+    <message id="ui.volume.readOnly"><source></source><translation>read-only</translation></message>
+    <message id="ui.volume.removable"><source></source><translation>removable</translation></message>
+    <message id="ui.volume.system"><source></source><translation>System</translation></message>
     <message id="undo.action.copy"><source></source><translation>Copy</translation></message>
     <message id="undo.action.delete"><source></source><translation>Delete</translation></message>
     <message id="undo.action.move"><source></source><translation>Move</translation></message>
@@ -387,5 +400,6 @@
     <message id="volume.eject.noService"><source></source><translation>The service that ejects volumes is not running.</translation></message>
     <message id="volume.eject.notAuthorized"><source></source><translation>You don’t have permission to eject “{1}”.</translation></message>
     <message id="volume.eject.unknown"><source></source><translation>“{1}” can’t be ejected.</translation></message>
+    <message id="volume.readOnlyUnknown"><source></source><translation>read-only state unknown</translation></message>
 </context>
 </TS>
