@@ -1,6 +1,7 @@
 #include "app/Arguments.h"
 #include "app/Picture.h"
 #include "app/Services.h"
+#include "app/Windows.h"
 #include "base/PathInput.h"
 #include "base/Worker.h"
 #include "listing/SystemCall.h"
@@ -16,7 +17,6 @@
 #include <QApplication>
 #include <QFile>
 #include <QIcon>
-#include <QScreen>
 
 #include <unistd.h>
 
@@ -24,6 +24,7 @@
 #include <chrono>
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -32,8 +33,6 @@ namespace ombrel {
 namespace {
 
 constexpr int wrongUsage = 2;
-/// How far a window lies below and beside the one before it, in device-independent pixels.
-constexpr int cascade = 28;
 /// How long an ending program waits for threads that may hang in a dead mount.
 constexpr std::chrono::seconds patience(2);
 
@@ -73,48 +72,6 @@ void chooseOffscreenLook(QApplication& application) {
     QIcon::setThemeName(QStringLiteral("hicolor"));
 }
 
-/// What every window is made with.
-struct Shell {
-    const Theme& theme;
-    AppServices& services;
-};
-
-BrowserWindow* makeWindow(const Shell& shell, const FileURL& folder) {
-    return new BrowserWindow({.theme = shell.theme,
-                              .services = shell.services,
-                              .home = PathInput::userHomeDirectory(),
-                              .startingAt = folder});
-}
-
-void showNewWindow(const Shell& shell, const FileURL& folder, const QRect& place) {
-    auto* const window = makeWindow(shell, folder);
-    window->setGeometry(place);
-    window->show();
-}
-
-/// Where a window opens that no other is beside.
-QRect firstPlace(const Theme& theme) {
-    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-    QRect place(QPoint(), BrowserWindow::firstSize(theme, screen.size()));
-    place.moveCenter(screen.center());
-    return place;
-}
-
-void showOneMore(const Shell& shell) {
-    const auto* const active = QApplication::activeWindow();
-    showNewWindow(shell, PathInput::userHomeDirectory(),
-                  active ? active->geometry().translated(cascade, cascade) : firstPlace(shell.theme));
-}
-
-void showWindows(const Shell& shell, std::vector<FileURL> folders) {
-    if (folders.empty()) folders.push_back(PathInput::userHomeDirectory());
-    QRect place = firstPlace(shell.theme);
-    for (const FileURL& folder : folders) {
-        showNewWindow(shell, folder, place);
-        place.translate(cascade, cascade);
-    }
-}
-
 int runApplication(QApplication& application, const Arguments& arguments) {
     auto settings = std::make_unique<AppSettings>();
     const auto language = InterfaceLanguage::choose(settings->launchInterfaceLanguage());
@@ -137,13 +94,12 @@ int runApplication(QApplication& application, const Arguments& arguments) {
     DesktopAppearance desktop(theme);
     SystemPasteboard pasteboard;
     const auto services = makeServices(std::move(settings), pasteboard);
-    const Shell shell{theme, *services};
-    services->openNewWindow = [&shell] { showOneMore(shell); };
+    std::optional<Windows> windows(std::in_place, theme, *services);
     SettingsFollower follower(services->settings());
     std::unique_ptr<BrowserWindow> pictured;
     if (isPicture) {
-        pictured.reset(makeWindow(shell, arguments.folders.empty() ? PathInput::userHomeDirectory()
-                                                                   : arguments.folders.front()));
+        pictured.reset(windows->make(arguments.folders.empty() ? PathInput::userHomeDirectory()
+                                                               : arguments.folders.front()));
         pictured->resize(theme.size(ThemeSize::windowWidth), theme.size(ThemeSize::windowHeight));
         pictured->show();
         new Picture(*pictured, QFile::decodeName(arguments.pictureFile.c_str()));
@@ -155,15 +111,14 @@ int runApplication(QApplication& application, const Arguments& arguments) {
                          [&follower](Qt::ApplicationState state) {
                              if (state == Qt::ApplicationActive) follower.refresh();
                          });
-        showWindows(shell, arguments.folders);
+        windows->open(arguments.folders.empty() ? std::vector{PathInput::userHomeDirectory()}
+                                                : arguments.folders);
     }
     const int status = QApplication::exec();
     follower.stop();
     services->stop();
     pictured.reset();
-    const auto windows = QApplication::topLevelWidgets();
-    for (QWidget* window : windows)
-        if (qobject_cast<BrowserWindow*>(window)) delete window;
+    windows.reset();
     // A worker that still hangs, in a dead mount say, would meet globals that are gone.
     if (!Worker::waitUntilNoneRuns(patience)) ::_exit(status);
     return status;

@@ -82,6 +82,8 @@ public:
     void setActiveWindowTabs(QObject* tabs) noexcept { activeWindowTabs_ = tabs; }
     /// Opens a browser window; set by the application. Without it requests are ignored.
     std::function<void()> openNewWindow;
+    /// Opens a browser window that begins at a folder. As above.
+    std::function<void(const FileURL& folder)> openWindowAt;
     /// `tabs` of the window that the request comes from, if any.
     void requestNewWindow(QObject* tabs = nullptr);
 

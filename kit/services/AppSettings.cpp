@@ -146,6 +146,15 @@ void AppSettings::rememberFolderApp(const FileURL& url) {
     });
 }
 
+std::optional<WindowState> AppSettings::windowState() const {
+    return values_.windowState;
+}
+
+void AppSettings::setWindowState(const WindowState& state) {
+    if (state == values_.windowState) return;
+    apply([state](QJsonObject& values) { SettingEdits::setWindowState(values, state); });
+}
+
 std::span<const std::string_view> AppSettings::supportedLanguages() noexcept {
     return InterfaceLanguage::supported();
 }

@@ -6,6 +6,7 @@
 #include "listing/KnownFolder.h"
 #include "services/SettingValues.h"
 #include "services/SettingsFile.h"
+#include "services/WindowState.h"
 
 #include <QJsonObject>
 #include <QObject>
@@ -115,6 +116,11 @@ public:
     /// Only while changes persist.
     void rememberDestination(const FileURL& url);
     void rememberFolderApp(const FileURL& url);
+
+    /// How the last window was left; nothing before the first one was.
+    [[nodiscard]] std::optional<WindowState> windowState() const;
+    /// Is not told: nobody follows it.
+    void setWindowState(const WindowState& state);
 
     /// The codes of the languages that the interface speaks, in the order of the menu.
     [[nodiscard]] static std::span<const std::string_view> supportedLanguages() noexcept;

@@ -31,6 +31,7 @@ QString key(Setting setting) {
     return textOf(rawValue(setting));
 }
 
+const QString windowStateKey = QStringLiteral("windowState");
 const QString languagesKey = QStringLiteral("AppleLanguages");
 
 /// The strings of an array; nothing when the member is no array.
@@ -81,6 +82,7 @@ SettingValues SettingValues::of(const QJsonObject& values, const std::optional<s
     typed.pinnedFolders = pins(values);
     typed.recentDestinations = locations(values.value(key(Setting::recentDestinations)));
     typed.recentFolderApps = locations(values.value(key(Setting::recentFolderApps)));
+    typed.windowState = WindowState::fromStored(values.value(windowStateKey).toObject());
     if (languageDomain) {
         const auto domain = values.value(textOf(*languageDomain)).toObject();
         const auto first = domain.value(languagesKey).toArray().at(0);
@@ -144,6 +146,10 @@ void remember(QJsonObject& values, Setting list, const std::string& entry, std::
     entries.insert(entries.begin(), entry);
     if (entries.size() > limit) entries.resize(limit);
     values.insert(key(list), arrayOf(entries));
+}
+
+void setWindowState(QJsonObject& values, const WindowState& state) {
+    values.insert(windowStateKey, state.stored());
 }
 
 void setInterfaceLanguage(QJsonObject& values, const std::string& domain,

@@ -3,6 +3,7 @@
 #include "base/FileURL.h"
 #include "listing/PinnedFolder.h"
 #include "services/KeyPreset.h"
+#include "services/WindowState.h"
 
 #include <QJsonObject>
 
@@ -57,6 +58,7 @@ struct SettingValues {
     std::vector<FileURL> recentDestinations; ///< the latest first
     std::vector<FileURL> recentFolderApps;   ///< the latest first
     std::optional<std::string> interfaceLanguage;
+    std::optional<WindowState> windowState; ///< how the last window was left
 
     /// `languageDomain` names the member whose "AppleLanguages" begins with the interface language; without
     /// one there is no such setting.
@@ -80,6 +82,7 @@ void pin(QJsonObject& values, const std::vector<PinnedFolder>& folders, const Kn
 void unpin(QJsonObject& values, const std::vector<FileURL>& urls, const KnownFolders& known);
 /// Puts `entry` in front of a list of texts and cuts it to `limit`.
 void remember(QJsonObject& values, Setting list, const std::string& entry, std::size_t limit);
+void setWindowState(QJsonObject& values, const WindowState& state);
 /// Nothing follows the desktop.
 void setInterfaceLanguage(QJsonObject& values, const std::string& domain,
                           const std::optional<std::string>& code);

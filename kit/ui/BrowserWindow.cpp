@@ -1,20 +1,23 @@
 #include "ui/BrowserWindow.h"
 
+#include "base/FileName.h"
 #include "browser/PaneMaker.h"
 #include "services/AppServices.h"
 #include "ui/FileView.h"
 #include "ui/FocusRing.h"
+#include "ui/LocalizedText.h"
 #include "ui/NavigationRow.h"
 #include "ui/Overlay.h"
 #include "ui/PaneArea.h"
+#include "ui/PaneSplitter.h"
 #include "ui/StatusBar.h"
 #include "ui/Theme.h"
 #include "ui/WindowActions.h"
 #include "ui/WindowKeys.h"
 
+#include <QCloseEvent>
 #include <QEvent>
 #include <QMouseEvent>
-#include <QSplitter>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -35,7 +38,8 @@ BrowserWindow::BrowserWindow(const Setting& setting)
                                         .up = actions_->of(FileCommand::goUp),
                                         .refresh = actions_->of(FileCommand::refresh)},
                                        this)),
-      splitter_(new QSplitter(this)), panes_(new QStackedWidget), statusBar_(new StatusBar(*theme_, this)) {
+      panes_(new QStackedWidget), splitter_(new PaneSplitter(*theme_, panes_, this)),
+      statusBar_(new StatusBar(*theme_, this)) {
     setAttribute(Qt::WA_DeleteOnClose);
     setMinimumSize(theme_->size(ThemeSize::windowMinimumWidth), theme_->size(ThemeSize::windowMinimumHeight));
     layOut();
@@ -65,9 +69,31 @@ void BrowserWindow::layOut() {
     column->addWidget(navigationRow_);
     column->addWidget(splitter_, 1);
     column->addWidget(statusBar_);
-    splitter_->setHandleWidth(theme_->size(ThemeSize::hairline));
-    splitter_->addWidget(panes_);
-    splitter_->setCollapsible(splitter_->indexOf(panes_), false);
+}
+
+void BrowserWindow::applySettings() {
+    const AppSettings& settings = services_->settings();
+    statusBar_->setVisible(settings.showStatusBar());
+    // There is nothing at home that it could say more about.
+    splitter_->setWanted(PaneSplitter::Side::details,
+                         settings.showsDetailsPane() && model().currentURL().has_value());
+    refreshTitle();
+}
+
+WindowState BrowserWindow::state() const {
+    const QSize size = isMaximized() ? normalGeometry().size() : this->size();
+    return {.width = size.width(),
+            .height = size.height(),
+            .isMaximized = isMaximized(),
+            .treeWidth = splitter_->width(PaneSplitter::Side::tree),
+            .detailsWidth = splitter_->width(PaneSplitter::Side::details)};
+}
+
+void BrowserWindow::setState(const WindowState& state) {
+    splitter_->setWidth(PaneSplitter::Side::tree, state.treeWidth);
+    splitter_->setWidth(PaneSplitter::Side::details, state.detailsWidth);
+    resize(state.width, state.height);
+    setWindowState(windowState().setFlag(Qt::WindowMaximized, state.isMaximized));
 }
 
 // ---- Commands
@@ -78,6 +104,11 @@ void BrowserWindow::bindCommands() {
                     .isEnabled = [](const BrowserModel& pane) { return pane.selection().count() == 1; }});
     commands_.bind(FileCommand::newWindow,
                    {.perform = [this](BrowserModel&) { services_->requestNewWindow(&tabs_); }});
+    commands_.bind(FileCommand::toggleDetailsPane, {.perform = [this](BrowserModel&) {
+                       AppSettings& settings = services_->settings();
+                       settings.setShowsDetailsPane(!settings.showsDetailsPane());
+                   }});
+    connect(&services_->settings(), &AppSettings::changed, this, &BrowserWindow::applySettings);
 }
 
 void BrowserWindow::open(BrowserModel& pane, std::size_t row) {
@@ -96,7 +127,7 @@ void BrowserWindow::followTabs() {
         if (auto* const area = paneAreaOf(*pane)) area->deleteLater();
     });
     connect(&tabs_, &BrowserTabsModel::activeTabChanged, this, &BrowserWindow::showActiveTab);
-    connect(&tabs_, &BrowserTabsModel::titleChanged, this, &BrowserWindow::refreshTitle);
+    connect(&tabs_, &BrowserTabsModel::titleChanged, this, &BrowserWindow::applySettings);
     for (std::size_t index = 0; index < tabs_.count(); ++index)
         addPaneArea(index);
     showActiveTab();
@@ -125,7 +156,7 @@ void BrowserWindow::showActiveTab() {
     panes_->setCurrentWidget(&paneArea());
     statusBar_->follow(model(), view());
     if (hadFocus) paneArea().focusContent();
-    refreshTitle();
+    applySettings();
 }
 
 PaneArea& BrowserWindow::paneArea() const {
@@ -141,7 +172,13 @@ const Overlay& BrowserWindow::overlay() const {
 }
 
 void BrowserWindow::refreshTitle() {
-    setWindowTitle(model().title());
+    const auto& folder = model().currentURL();
+    if (!folder)
+        setWindowTitle(localized("ui.home.title"));
+    else if (services_->settings().showFullPathInTitle())
+        setWindowTitle(QString::fromStdString(FileName::displayText(folder->path())));
+    else
+        setWindowTitle(model().title());
 }
 
 // ---- Events
@@ -149,6 +186,11 @@ void BrowserWindow::refreshTitle() {
 bool BrowserWindow::event(QEvent* event) {
     if (event->type() == QEvent::WindowActivate) services_->setActiveWindowTabs(&tabs_);
     return QWidget::event(event);
+}
+
+void BrowserWindow::closeEvent(QCloseEvent* event) {
+    Q_EMIT closing();
+    QWidget::closeEvent(event);
 }
 
 void BrowserWindow::mousePressEvent(QMouseEvent* event) {

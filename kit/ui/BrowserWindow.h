@@ -4,14 +4,13 @@
 #include "browser/BrowserTabsModel.h"
 #include "browser/CommandDispatcher.h"
 #include "browser/KeyRouter.h"
+#include "services/WindowState.h"
 
 #include <QWidget>
 
 #include <optional>
 
-class QSplitter;
 class QStackedWidget;
-class QVBoxLayout;
 
 namespace ombrel {
 
@@ -20,6 +19,7 @@ class FileView;
 class NavigationRow;
 class Overlay;
 class PaneArea;
+class PaneSplitter;
 class StatusBar;
 class Theme;
 class WindowActions;
@@ -54,12 +54,23 @@ public:
     [[nodiscard]] const Overlay& overlay() const;
     [[nodiscard]] const StatusBar& statusBar() const noexcept { return *statusBar_; }
 
+    [[nodiscard]] PaneSplitter& splitter() const noexcept { return *splitter_; }
+
     /// The size of a first window on a screen: as the theme has it, or most of a smaller screen.
     [[nodiscard]] static QSize firstSize(const Theme& theme, const QSize& screen);
+    /// What another window can begin with.
+    [[nodiscard]] WindowState state() const;
+    /// The widths of the sides are taken at once, size and maximising when the window is next shown.
+    void setState(const WindowState& state);
+
+Q_SIGNALS:
+    /// It is about to be closed, and still as the user left it.
+    void closing();
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
     bool event(QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
 
 private:
     void layOut();
@@ -69,6 +80,7 @@ private:
     [[nodiscard]] PaneArea* paneAreaOf(const BrowserModel& pane) const;
     void showActiveTab();
     void refreshTitle();
+    void applySettings();
     void open(BrowserModel& pane, std::size_t row);
 
     const Theme* theme_;
@@ -78,8 +90,8 @@ private:
     KeyRouter keys_;
     WindowActions* actions_;
     NavigationRow* navigationRow_;
-    QSplitter* splitter_;   ///< tree, file view, details pane
     QStackedWidget* panes_; ///< one for each tab
+    PaneSplitter* splitter_;
     StatusBar* statusBar_;
 };
 

@@ -121,8 +121,20 @@ constexpr SizeRow sizeTable[] = {
     {ThemeSize::windowHeight, 800},
     {ThemeSize::windowMinimumWidth, 640},
     {ThemeSize::windowMinimumHeight, 420},
+    {ThemeSize::cascade, 28},
+    {ThemeSize::commandBar, 44},
+    {ThemeSize::tree, 232},
+    {ThemeSize::treeMinimum, 160},
+    {ThemeSize::treeFoldsBelow, 120},
+    {ThemeSize::detailsPane, 284},
+    {ThemeSize::detailsPaneMinimum, 220},
+    {ThemeSize::sideMaximum, 480},
+    {ThemeSize::fileViewMinimum, 320},
+    {ThemeSize::splitterGrab, 7},
+    {ThemeSize::roomForTree, 720},
+    {ThemeSize::roomForDetails, 900},
 };
-static_assert(std::size(sizeTable) == static_cast<std::size_t>(ThemeSize::windowMinimumHeight) + 1);
+static_assert(std::size(sizeTable) == themeSizeCount);
 
 template <typename Row, std::size_t count>
 constexpr bool isInTokenOrder(const Row (&table)[count]) {

@@ -109,7 +109,20 @@ enum class ThemeSize : std::uint8_t {
     windowHeight,
     windowMinimumWidth,
     windowMinimumHeight,
+    cascade, ///< how far a new window lies below and beside the one before it
+    commandBar,
+    tree,
+    treeMinimum,
+    treeFoldsBelow, ///< when it is dragged to that width
+    detailsPane,
+    detailsPaneMinimum,
+    sideMaximum, ///< of tree and details pane
+    fileViewMinimum,
+    splitterGrab,
+    roomForTree,    ///< the least width of a window with a tree
+    roomForDetails, ///< the least width of a window with a details pane
 };
+inline constexpr std::size_t themeSizeCount = static_cast<std::size_t>(ThemeSize::roomForDetails) + 1;
 
 /// How a text is set, relative to the interface font.
 enum class ThemeFont : std::uint8_t { caption, body, bodyStrong, subtitle, title, display };
