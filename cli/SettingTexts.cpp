@@ -44,6 +44,13 @@ std::optional<Text> setPreset(AppSettings& settings, std::string_view word) {
     return std::nullopt;
 }
 
+std::optional<Text> setIconSize(AppSettings& settings, std::string_view word) {
+    const auto size = fromRawValue<IconSize>(word);
+    if (!size) return unknown(Setting::iconSize, word, "small, medium, large, extraLarge");
+    settings.setIconSize(*size);
+    return std::nullopt;
+}
+
 std::optional<Text> setPins(AppSettings& settings, std::span<const std::string_view> words) {
     std::vector<PinnedFolder> folders;
     for (const auto word : words) {
@@ -82,6 +89,8 @@ std::vector<std::string> wordsOf(const AppSettings& settings, Setting setting) {
         for (const auto& folder : settings.pinnedFolders())
             words.push_back(folder.stored());
         return words;
+    case Setting::iconSize: return {std::string(rawValue(settings.iconSize()))};
+    case Setting::detailsColumns: return settings.detailsColumns();
     case Setting::recentDestinations: return pathsOf(settings.recentDestinations());
     case Setting::recentFolderApps: return pathsOf(settings.recentFolderApps());
     case Setting::interfaceLanguage:
@@ -97,19 +106,22 @@ std::string jsonOf(const AppSettings& settings, Setting setting) {
     QJsonArray array;
     for (const auto& word : words)
         array.append(QString::fromStdString(word));
-    const bool isOne = setting == Setting::keyPreset || setting == Setting::interfaceLanguage;
+    const bool isOne = setting == Setting::keyPreset || setting == Setting::iconSize ||
+                       setting == Setting::interfaceLanguage;
     if (isOne && array.isEmpty()) return "null";
     const auto json = QJsonDocument(array).toJson(QJsonDocument::Compact).toStdString();
     return isOne ? json.substr(1, json.size() - 2) : json;
 }
 
 std::optional<Text> set(AppSettings& settings, Setting setting, std::span<const std::string_view> words) {
-    if (setting == Setting::recentDestinations || setting == Setting::recentFolderApps)
+    if (setting == Setting::recentDestinations || setting == Setting::recentFolderApps ||
+        setting == Setting::detailsColumns)
         return Text{"cli.settings.keptByItself", {std::string(rawValue(setting))}};
     if (setting == Setting::pinnedFolders) return setPins(settings, words);
     if (words.size() > 1) return Text{"cli.error.tooManyOperands", {FileName::displayText(words[1])}};
     if (setting == Setting::interfaceLanguage) return setLanguage(settings, words);
     if (words.empty()) return Text{"cli.error.missingOperand", {"VALUE"}};
+    if (setting == Setting::iconSize) return setIconSize(settings, words.front());
     return isSwitch(setting) ? setSwitch(settings, setting, words.front())
                              : setPreset(settings, words.front());
 }

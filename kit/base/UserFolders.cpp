@@ -35,6 +35,10 @@ FileURL data() {
     return folder("XDG_DATA_HOME", ".local/share");
 }
 
+FileURL cache() {
+    return folder("XDG_CACHE_HOME", ".cache");
+}
+
 FileURL ours(const FileURL& folder) {
     return folder.appending("HalvaneOmbrel", FileURL::Mark::directory);
 }

@@ -12,6 +12,9 @@ namespace ombrel::UserFolders {
 /// $XDG_DATA_HOME, otherwise ~/.local/share.
 [[nodiscard]] FileURL data();
 
+/// $XDG_CACHE_HOME, otherwise ~/.cache.
+[[nodiscard]] FileURL cache();
+
 /// The program's own folder in one of these.
 [[nodiscard]] FileURL ours(const FileURL& folder);
 

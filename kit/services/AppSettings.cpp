@@ -90,6 +90,18 @@ void AppSettings::setFolderOptions(const FolderOptions& options) {
     setShowFullPathInTitle(options.showFullPathInTitle);
 }
 
+void AppSettings::setIconSize(IconSize size) {
+    if (size == iconSize()) return;
+    apply([size](QJsonObject& values) { SettingEdits::setIconSize(values, size); });
+}
+
+void AppSettings::setDetailsColumns(std::vector<std::string> columns) {
+    if (columns == values_.detailsColumns) return;
+    apply([columns = std::move(columns)](QJsonObject& values) {
+        SettingEdits::setDetailsColumns(values, columns);
+    });
+}
+
 void AppSettings::setPinnedFolders(std::vector<PinnedFolder> folders) {
     if (folders == values_.pinnedFolders) return;
     apply([folders = std::move(folders)](QJsonObject& values) {

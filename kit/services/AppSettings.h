@@ -72,6 +72,14 @@ public:
     [[nodiscard]] bool showStatusBar() const noexcept { return isOn(Setting::showStatusBar); }
     [[nodiscard]] bool showFullPathInTitle() const noexcept { return isOn(Setting::showFullPathInTitle); }
 
+    /// Whether new tabs begin as icons and not as details.
+    [[nodiscard]] bool showsIcons() const noexcept { return isOn(Setting::showsIcons); }
+    [[nodiscard]] IconSize iconSize() const noexcept { return values_.iconSize; }
+    /// The columns of details, which all windows share; empty as long as nobody has changed them.
+    [[nodiscard]] const std::vector<std::string>& detailsColumns() const noexcept {
+        return values_.detailsColumns;
+    }
+
     void setKeyPreset(KeyPreset preset);
     void setShowHiddenFiles(bool on) { set(Setting::showHiddenFiles, on); }
     void setConfirmMoveToTrash(bool on) { set(Setting::confirmMoveToTrash, on); }
@@ -84,6 +92,10 @@ public:
     void setShowItemCheckBoxes(bool on) { set(Setting::showItemCheckBoxes, on); }
     void setShowStatusBar(bool on) { set(Setting::showStatusBar, on); }
     void setShowFullPathInTitle(bool on) { set(Setting::showFullPathInTitle, on); }
+
+    void setShowsIcons(bool on) { set(Setting::showsIcons, on); }
+    void setIconSize(IconSize size);
+    void setDetailsColumns(std::vector<std::string> columns);
 
     /// By name; `setting` is one of the switches.
     [[nodiscard]] bool isOn(Setting setting) const noexcept {

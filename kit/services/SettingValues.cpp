@@ -21,6 +21,7 @@ constexpr std::array<bool, SettingValues::switchCount> defaults = {
     true,  // showItemCheckBoxes
     true,  // showStatusBar
     false, // showFullPathInTitle
+    false, // showsIcons
 };
 
 QString textOf(std::string_view text) {
@@ -83,6 +84,10 @@ SettingValues SettingValues::of(const QJsonObject& values, const std::optional<s
     typed.recentDestinations = locations(values.value(key(Setting::recentDestinations)));
     typed.recentFolderApps = locations(values.value(key(Setting::recentFolderApps)));
     typed.windowState = WindowState::fromStored(values.value(windowStateKey).toObject());
+    const auto icons = fromRawValue<IconSize>(values.value(key(Setting::iconSize)).toString().toStdString());
+    typed.iconSize = icons.value_or(IconSize::large);
+    typed.detailsColumns =
+        texts(values.value(key(Setting::detailsColumns))).value_or(std::vector<std::string>());
     if (languageDomain) {
         const auto domain = values.value(textOf(*languageDomain)).toObject();
         const auto first = domain.value(languagesKey).toArray().at(0);
@@ -99,6 +104,8 @@ std::vector<Setting> SettingValues::differences(const SettingValues& a, const Se
     if (a.pinnedFolders != b.pinnedFolders) found.push_back(Setting::pinnedFolders);
     if (a.recentDestinations != b.recentDestinations) found.push_back(Setting::recentDestinations);
     if (a.recentFolderApps != b.recentFolderApps) found.push_back(Setting::recentFolderApps);
+    if (a.iconSize != b.iconSize) found.push_back(Setting::iconSize);
+    if (a.detailsColumns != b.detailsColumns) found.push_back(Setting::detailsColumns);
     if (a.interfaceLanguage != b.interfaceLanguage) found.push_back(Setting::interfaceLanguage);
     return found;
 }
@@ -111,6 +118,14 @@ void setSwitch(QJsonObject& values, Setting setting, bool on) {
 
 void setKeyPreset(QJsonObject& values, KeyPreset preset) {
     values.insert(key(Setting::keyPreset), textOf(rawValue(preset)));
+}
+
+void setIconSize(QJsonObject& values, IconSize size) {
+    values.insert(key(Setting::iconSize), textOf(rawValue(size)));
+}
+
+void setDetailsColumns(QJsonObject& values, const std::vector<std::string>& columns) {
+    values.insert(key(Setting::detailsColumns), arrayOf(columns));
 }
 
 void setPinnedFolders(QJsonObject& values, const std::vector<PinnedFolder>& folders) {

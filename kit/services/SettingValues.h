@@ -2,6 +2,7 @@
 
 #include "base/FileURL.h"
 #include "listing/PinnedFolder.h"
+#include "services/IconSize.h"
 #include "services/KeyPreset.h"
 #include "services/WindowState.h"
 
@@ -17,7 +18,7 @@
 
 namespace ombrel {
 
-/// What can be set. The first eleven are switches; the raw values are the keys under which they are stored,
+/// What can be set. The first twelve are switches; the raw values are the keys under which they are stored,
 /// but that of `interfaceLanguage`, which lies elsewhere (see `SettingValues`).
 enum class Setting : std::uint8_t {
     showHiddenFiles,
@@ -31,32 +32,51 @@ enum class Setting : std::uint8_t {
     showItemCheckBoxes,
     showStatusBar,
     showFullPathInTitle,
+    showsIcons,
     keyPreset,
     pinnedFolders,
     recentDestinations,
     recentFolderApps,
+    iconSize,
+    detailsColumns,
     interfaceLanguage,
 };
 
 template <>
 struct RawValues<Setting> {
-    static constexpr std::string_view names[] = {
-        "showHiddenFiles",         "confirmMoveToTrash", "showsDetailsPane",         "didCompleteOnboarding",
-        "productNoticesDismissed", "compactView",        "hideProtectedSystemFiles", "hideKnownExtensions",
-        "showItemCheckBoxes",      "showStatusBar",      "showFullPathInTitle",      "keyPreset",
-        "pinnedFolders",           "recentDestinations", "recentFolderApps",         "interfaceLanguage"};
+    static constexpr std::string_view names[] = {"showHiddenFiles",
+                                                 "confirmMoveToTrash",
+                                                 "showsDetailsPane",
+                                                 "didCompleteOnboarding",
+                                                 "productNoticesDismissed",
+                                                 "compactView",
+                                                 "hideProtectedSystemFiles",
+                                                 "hideKnownExtensions",
+                                                 "showItemCheckBoxes",
+                                                 "showStatusBar",
+                                                 "showFullPathInTitle",
+                                                 "showsIcons",
+                                                 "keyPreset",
+                                                 "pinnedFolders",
+                                                 "recentDestinations",
+                                                 "recentFolderApps",
+                                                 "iconSize",
+                                                 "detailsColumns",
+                                                 "interfaceLanguage"};
 };
 
 /// The settings as the file has them, each of its type. What is absent, or of another type, has its default;
 /// what no setting is named after is not looked at. A plain value.
 struct SettingValues {
-    static constexpr std::size_t switchCount = 11;
+    static constexpr std::size_t switchCount = 12;
 
     std::array<bool, switchCount> switches{};
     KeyPreset keyPreset = KeyPreset::windows;
     std::vector<PinnedFolder> pinnedFolders; ///< entries of no known form are left out
     std::vector<FileURL> recentDestinations; ///< the latest first
     std::vector<FileURL> recentFolderApps;   ///< the latest first
+    IconSize iconSize = IconSize::large;
+    std::vector<std::string> detailsColumns; ///< in their order, each as the details view writes it
     std::optional<std::string> interfaceLanguage;
     std::optional<WindowState> windowState; ///< how the last window was left
 
@@ -75,6 +95,8 @@ namespace SettingEdits {
 
 void setSwitch(QJsonObject& values, Setting setting, bool on);
 void setKeyPreset(QJsonObject& values, KeyPreset preset);
+void setIconSize(QJsonObject& values, IconSize size);
+void setDetailsColumns(QJsonObject& values, const std::vector<std::string>& columns);
 /// Entries of forms that only a later version knows stay, behind the others.
 void setPinnedFolders(QJsonObject& values, const std::vector<PinnedFolder>& folders);
 /// Appends those that the file's list does not have.

@@ -155,6 +155,12 @@ void DetailsHeader::resetColumns() {
     fitInto(available_);
 }
 
+void DetailsHeader::setShowsCheckBoxes(bool on) {
+    if (isShown(DetailsColumn::checkBox) == on) return;
+    setSectionHidden(index(DetailsColumn::checkBox), !on);
+    fitInto(available_);
+}
+
 void DetailsHeader::shareEdge(int logicalIndex, int before, int after) {
     if (isArranging_ || before == 0 || after == 0) return;
     const auto column = static_cast<DetailsColumn>(logicalIndex);

@@ -35,6 +35,7 @@ public:
     /// Makes a column as wide as `content`, its margins not counted.
     void fit(DetailsColumn column, int content);
     void resetColumns();
+    void setShowsCheckBoxes(bool on);
 
     [[nodiscard]] static QString label(DetailsColumn column);
 

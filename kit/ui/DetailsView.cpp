@@ -1,6 +1,7 @@
 #include "ui/DetailsView.h"
 
-#include "ui/OmbrelStyle.h"
+#include "services/AppSettings.h"
+#include "ui/ItemPainting.h"
 #include "ui/Theme.h"
 
 #include <QPainter>
@@ -18,14 +19,22 @@ DetailsView::DetailsView(BrowserModel& model, const Theme& theme, QWidget* paren
     connect(header_, &DetailsHeader::columnsChanged, this, &DetailsView::relayout);
     connect(header_, &DetailsHeader::toggleAllRequested, this, [this] { toggleAll(); });
     connect(header_, &DetailsHeader::fitRequested, this, &DetailsView::fitColumn);
-    connect(&theme, &Theme::changed, this, &DetailsView::placeHeader);
-    placeHeader();
+    layOut();
 }
 
 // ---- Layout
 
-int DetailsView::rowHeight() const {
-    return theme().size(ThemeSize::row);
+void DetailsView::layOut() {
+    const auto* const settings = sources().settings;
+    const bool isCompact = settings && settings->compactView();
+    rowHeight_ = theme().size(isCompact ? ThemeSize::compactRow : ThemeSize::row);
+    header_->setShowsCheckBoxes(hasCheckBoxes());
+    placeHeader();
+}
+
+int DetailsView::iconSize() const {
+    const bool isCompact = rowHeight_ < theme().size(ThemeSize::row);
+    return theme().size(isCompact ? ThemeSize::smallIcon : ThemeSize::listIcon);
 }
 
 int DetailsView::inset() const {
@@ -33,7 +42,7 @@ int DetailsView::inset() const {
 }
 
 qint64 DetailsView::contentHeight() const {
-    return static_cast<qint64>(model().items().size()) * rowHeight() + 2 * inset();
+    return static_cast<qint64>(model().items().size()) * rowHeight_ + 2 * inset();
 }
 
 int DetailsView::contentWidth() const {
@@ -42,9 +51,9 @@ int DetailsView::contentWidth() const {
 
 FileView::ContentRect DetailsView::contentRect(std::size_t row) const {
     return {.x = inset(),
-            .y = inset() + static_cast<qint64>(row) * rowHeight(),
+            .y = inset() + static_cast<qint64>(row) * rowHeight_,
             .width = std::max(contentWidth(), viewport()->width()) - 2 * inset(),
-            .height = rowHeight()};
+            .height = rowHeight_};
 }
 
 std::vector<RowRange> DetailsView::rowsTouching(const ContentRect& area) const {
@@ -52,8 +61,8 @@ std::vector<RowRange> DetailsView::rowsTouching(const ContentRect& area) const {
     const ContentRect first = contentRect(std::size_t{0});
     if (area.x >= first.x + first.width || area.x + area.width <= first.x) return {};
     const qint64 top = area.y - inset(), bottom = area.bottom() - inset();
-    const qint64 begin = std::clamp<qint64>(top / rowHeight(), 0, count);
-    const qint64 end = std::clamp<qint64>((bottom + rowHeight() - 1) / rowHeight(), 0, count);
+    const qint64 begin = std::clamp<qint64>(top / rowHeight_, 0, count);
+    const qint64 end = std::clamp<qint64>((bottom + rowHeight_ - 1) / rowHeight_, 0, count);
     if (begin >= end) return {};
     return {{static_cast<std::size_t>(begin), static_cast<std::size_t>(end)}};
 }
@@ -69,7 +78,7 @@ std::size_t DetailsView::stepped(std::size_t row, Step step) const {
 }
 
 std::size_t DetailsView::rowsPerPage() const {
-    return static_cast<std::size_t>(std::max(1, viewport()->height() / rowHeight() - 1));
+    return static_cast<std::size_t>(std::max(1, viewport()->height() / rowHeight_ - 1));
 }
 
 QRect DetailsView::cell(const QRect& row, DetailsColumn column) const {
@@ -85,7 +94,7 @@ QRect DetailsView::mirrored(const QRect& in, const QRect& rect) const {
 
 QRect DetailsView::nameTextRect(const QRect& row) const {
     const QRect name = cell(row, DetailsColumn::name);
-    const int margin = theme().size(ThemeSize::space8), icon = theme().size(ThemeSize::listIcon);
+    const int margin = theme().size(ThemeSize::space8), icon = iconSize();
     return mirrored(name, name.adjusted(margin + icon + margin, 0, -margin, 0));
 }
 
@@ -97,6 +106,7 @@ FileView::Part DetailsView::partAt(std::size_t row, QPoint viewportPoint) {
     const QRect written = mirrored(text, QRect(text.left(), text.top(), width, text.height()));
     const bool isBesideName = layoutDirection() == Qt::RightToLeft ? viewportPoint.x() < written.left()
                                                                    : viewportPoint.x() > written.right();
+    if (written.contains(viewportPoint)) return Part::name;
     return name.contains(viewportPoint) && isBesideName ? Part::emptiness : Part::content;
 }
 
@@ -125,7 +135,7 @@ void DetailsView::fitColumn(DetailsColumn column) {
     int widest = 0;
     for (std::size_t row = rows.begin; row < rows.end; ++row) {
         const auto& shown = facts(row);
-        const int aside = theme().size(ThemeSize::listIcon) + theme().size(ThemeSize::space8);
+        const int aside = iconSize() + theme().size(ThemeSize::space8);
         switch (column) {
         case DetailsColumn::checkBox: return;
         case DetailsColumn::name:
@@ -147,52 +157,39 @@ void DetailsView::fitColumn(DetailsColumn column) {
 
 // ---- Painting
 
-void DetailsView::paintBackground(QPainter& painter, const QRect& rect, const RowState& state) const {
-    const int radius = theme().size(ThemeSize::radiusRow);
-    if (state.isSelected || state.isHovered) {
-        const auto color = !state.isSelected ? ThemeColor::hover
-                           : !state.isActive ? ThemeColor::selectionInactive
-                           : state.isHovered ? ThemeColor::selectionHover
-                                             : ThemeColor::selection;
-        const bool isOutlined = state.isHovered && theme().appearance().isHighContrast;
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(isOutlined
-                           ? QPen(theme().color(ThemeColor::borderStrong), theme().size(ThemeSize::hairline))
-                           : QPen(Qt::NoPen));
-        painter.setBrush(theme().color(color));
-        painter.drawRoundedRect(isOutlined ? QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5) : QRectF(rect),
-                                radius, radius);
-        painter.setRenderHint(QPainter::Antialiasing, false);
+void DetailsView::paintIcon(QPainter& painter, std::size_t row, const QRect& rect) {
+    const auto& shown = facts(row);
+    const QRect name = cell(rect, DetailsColumn::name);
+    const int side = iconSize();
+    const QRect box = mirrored(name, QRect(name.left() + theme().size(ThemeSize::space8),
+                                           rect.top() + (rect.height() - side) / 2, side, side));
+    painter.setOpacity(ItemPainting::opacityOf(shown));
+    const QImage image = shown.fileClass == FileClass::image ? thumbnailOf(row, box.size()) : QImage();
+    if (image.isNull()) {
+        icons().draw(painter, shown.fileClass, shown.badge, box);
+    } else {
+        ItemPainting::thumbnail(painter, theme(), image, box);
+        icons().drawBadge(painter, shown.badge, box);
     }
-    if (state.isCurrent) OmbrelStyle::drawInnerRing(painter, theme(), rect, radius);
+    painter.setOpacity(1);
 }
 
 void DetailsView::paintRow(QPainter& painter, std::size_t row, const QRect& rect, const RowState& state) {
-    paintBackground(painter, rect, state);
+    ItemPainting::background(painter, theme(), rect, state);
     if (state.showsCheckBox) {
         const QRect column = cell(rect, DetailsColumn::checkBox);
         const int side = theme().size(ThemeSize::checkBox);
-        QStyleOptionButton box;
-        box.initFrom(this);
-        box.state.setFlag(QStyle::State_On, state.isSelected);
-        box.rect = mirrored(column, QRect(column.left() + theme().size(ThemeSize::checkBoxLeft),
-                                          rect.top() + (rect.height() - side) / 2, side, side));
-        style()->drawPrimitive(QStyle::PE_IndicatorCheckBox, &box, &painter, this);
+        const QRect box = mirrored(column, QRect(column.left() + theme().size(ThemeSize::checkBoxLeft),
+                                                 rect.top() + (rect.height() - side) / 2, side, side));
+        ItemPainting::checkBox(painter, *this, box.topLeft(), state.isSelected);
     }
+    paintIcon(painter, row, rect);
     const auto& shown = facts(row);
-    const QRect name = cell(rect, DetailsColumn::name);
-    const int icon = theme().size(ThemeSize::listIcon);
-    const QRect iconRect(name.left() + theme().size(ThemeSize::space8),
-                         rect.top() + (rect.height() - icon) / 2, icon, icon);
-    constexpr double hiddenOpacity = 0.6;
-    if (shown.isHidden) painter.setOpacity(hiddenOpacity);
-    icons().draw(painter, shown.fileClass, shown.badge, mirrored(name, iconRect));
-    painter.setOpacity(1);
 
     const bool isOnSelection = state.isSelected && state.isActive;
     const QRect text = nameTextRect(rect);
     painter.setFont(font());
-    painter.setPen(theme().color(isOnSelection ? ThemeColor::onSelection : ThemeColor::text));
+    painter.setPen(ItemPainting::nameColor(theme(), shown, state));
     painter.drawText(text,
                      QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft) | Qt::AlignVCenter |
                          Qt::TextSingleLine,
@@ -216,8 +213,8 @@ void DetailsView::paintText(QPainter& painter, const QRect& row, DetailsColumn c
 }
 
 void DetailsView::paintPlaceholder(QPainter& painter, int index) {
-    const QRect rect(inset(), inset() + index * rowHeight(), viewport()->width() - 2 * inset(), rowHeight());
-    const int icon = theme().size(ThemeSize::listIcon), bar = theme().size(ThemeSize::space12);
+    const QRect rect(inset(), inset() + index * rowHeight_, viewport()->width() - 2 * inset(), rowHeight_);
+    const int icon = iconSize(), bar = theme().size(ThemeSize::space12);
     const QRect name = cell(rect, DetailsColumn::name), text = nameTextRect(rect);
     // Widths that look like names of different length.
     constexpr int widths[] = {62, 48, 70, 40, 55, 66, 44, 58};

@@ -14,6 +14,7 @@ public:
 
     [[nodiscard]] DetailsHeader& header() const noexcept { return *header_; }
 
+    void layOut() override;
     [[nodiscard]] qint64 contentHeight() const override;
     [[nodiscard]] int contentWidth() const override;
     using FileView::contentRect;
@@ -22,7 +23,7 @@ public:
     [[nodiscard]] Part partAt(std::size_t row, QPoint viewportPoint) override;
     [[nodiscard]] std::size_t stepped(std::size_t row, Step step) const override;
     [[nodiscard]] std::size_t rowsPerPage() const override;
-    [[nodiscard]] int scrollStep() const override { return rowHeight(); }
+    [[nodiscard]] int scrollStep() const override { return rowHeight_; }
 
 protected:
     void paintRow(QPainter& painter, std::size_t row, const QRect& rect, const RowState& state) override;
@@ -34,15 +35,16 @@ protected:
 private:
     void placeHeader();
     void fitColumn(DetailsColumn column);
-    [[nodiscard]] int rowHeight() const;
+    [[nodiscard]] int iconSize() const;
     [[nodiscard]] int inset() const;
     /// A column's part of a row, in the viewport.
     [[nodiscard]] QRect cell(const QRect& row, DetailsColumn column) const;
     [[nodiscard]] QRect mirrored(const QRect& in, const QRect& rect) const;
     [[nodiscard]] QRect nameTextRect(const QRect& row) const;
-    void paintBackground(QPainter& painter, const QRect& rect, const RowState& state) const;
+    void paintIcon(QPainter& painter, std::size_t row, const QRect& rect);
     void paintText(QPainter& painter, const QRect& row, DetailsColumn column, const QString& text) const;
 
+    int rowHeight_ = 1;
     DetailsHeader* header_;
     QWidget* besideHeader_; ///< keeps the vertical scroll bar below the header
 };

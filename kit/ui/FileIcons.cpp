@@ -6,31 +6,16 @@
 
 #include <QPainter>
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
 namespace ombrel {
 namespace {
 
-/// The badge's side in parts of the icon's.
-constexpr double badgePart = 0.5;
-
-void drawBadge(QPainter& painter, const Theme& theme, IconBadge badge, double side) {
-    if (badge == IconBadge::none) return;
-    const double size = side * badgePart, top = side - size;
-    const QRectF box(badge == IconBadge::lock ? side - size : 0, top, size, size);
-    const bool isBroken = badge == IconBadge::brokenLink;
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(theme.color(ThemeColor::pageEdge), side / 20));
-    painter.setBrush(theme.color(isBroken ? ThemeColor::dangerSoft : ThemeColor::surface));
-    const QRectF plate = box.adjusted(0.5, 0.5, -0.5, -0.5);
-    painter.drawRoundedRect(plate, size / 4, size / 4);
-    const auto glyph = badge == IconBadge::lock ? Glyph::lock : Glyph::link;
-    const auto color = isBroken                   ? ThemeColor::danger
-                       : badge == IconBadge::lock ? ThemeColor::warning
-                                                  : ThemeColor::text;
-    Glyphs::draw(painter, glyph, box.adjusted(size / 8, size / 8, -size / 8, -size / 8), theme.color(color));
-}
+/// The badge's side in parts of a small icon's; of large ones it takes less.
+constexpr double badgePart = 0.5, largeBadgePart = 0.28;
+constexpr double smallIcon = 32;
 
 } // namespace
 
@@ -46,6 +31,26 @@ IconBadge FileIcons::badgeOf(FileItemView item) {
     case SymlinkTarget::Case::loop: return IconBadge::brokenLink;
     }
     std::unreachable();
+}
+
+void FileIcons::drawBadge(QPainter& painter, IconBadge badge, const QRectF& picture) const {
+    if (badge == IconBadge::none) return;
+    const double side = std::min(picture.width(), picture.height());
+    const double size = std::max(std::min(side, smallIcon) * badgePart, side * largeBadgePart);
+    const double left = badge == IconBadge::lock ? picture.right() - size : picture.left();
+    const QRectF box(left, picture.bottom() - size, size, size);
+    const bool isBroken = badge == IconBadge::brokenLink;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(theme_->color(ThemeColor::pageEdge), size / 10));
+    painter.setBrush(theme_->color(isBroken ? ThemeColor::dangerSoft : ThemeColor::surface));
+    painter.drawRoundedRect(box.adjusted(0.5, 0.5, -0.5, -0.5), size / 4, size / 4);
+    const auto glyph = badge == IconBadge::lock ? Glyph::lock : Glyph::link;
+    const auto color = isBroken                   ? ThemeColor::danger
+                       : badge == IconBadge::lock ? ThemeColor::warning
+                                                  : ThemeColor::text;
+    Glyphs::draw(painter, glyph, box.adjusted(size / 8, size / 8, -size / 8, -size / 8),
+                 theme_->color(color));
+    painter.setRenderHint(QPainter::Antialiasing, false);
 }
 
 void FileIcons::draw(QPainter& painter, FileClass fileClass, IconBadge badge, const QRect& box) {
@@ -69,7 +74,7 @@ QPixmap FileIcons::make(FileClass fileClass, IconBadge badge, int side, double r
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
     FileIconDrawing::draw(painter, *theme_, fileClass, QRectF(0, 0, side, side));
-    drawBadge(painter, *theme_, badge, side);
+    drawBadge(painter, badge, QRectF(0, 0, side, side));
     return pixmap;
 }
 

@@ -30,7 +30,9 @@ public:
 
     /// Draws the icon into the square `box`, which is in device-independent pixels.
     void draw(QPainter& painter, FileClass fileClass, IconBadge badge, const QRect& box);
-    /// The same without keeping anything: for sizes that are drawn once.
+    /// Draws the badge alone, as it lies on a picture of that place.
+    void drawBadge(QPainter& painter, IconBadge badge, const QRectF& picture) const;
+    /// The icon alone, without keeping anything: for sizes that are drawn once.
     void drawLarge(QPainter& painter, FileClass fileClass, const QRectF& box) const;
     /// To be called when the theme has changed.
     void forget() { kept_.clear(); }

@@ -1,6 +1,8 @@
 #include "ui/FileView.h"
 
 #include "browser/ListNavigationKey.h"
+#include "services/AppSettings.h"
+#include "services/ClipboardService.h"
 #include "ui/FileViewAccessible.h"
 #include "ui/KeyStrokes.h"
 #include "ui/LoadingLine.h"
@@ -13,6 +15,7 @@
 #include <QFocusEvent>
 #include <QHelpEvent>
 #include <QKeyEvent>
+#include <QNativeGestureEvent>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScrollBar>
@@ -21,6 +24,9 @@
 
 #include <algorithm>
 #include <chrono>
+#include <climits>
+#include <cstdlib>
+#include <utility>
 
 namespace ombrel {
 namespace {
@@ -99,11 +105,72 @@ void FileView::connectModel() {
     });
     connect(theme_, &Theme::changed, this, [this] {
         icons_.forget();
-        relayout();
+        relayoutAround([this] { layOut(); });
     });
 }
 
+void FileView::setSources(const Sources& sources) {
+    for (const QObject* before :
+         {static_cast<const QObject*>(sources_.settings), static_cast<const QObject*>(sources_.clipboard),
+          static_cast<const QObject*>(sources_.thumbnails)})
+        if (before) before->disconnect(this);
+    sources_ = sources;
+    facts_.setSources(sources.settings, sources.clipboard);
+    const auto formatAgain = [this] {
+        facts_.forget();
+        viewport()->update();
+    };
+    if (sources.settings) connect(sources.settings, &AppSettings::changed, this, &FileView::takeSetting);
+    if (sources.clipboard) connect(sources.clipboard, &ClipboardService::cutURLsChanged, this, formatAgain);
+    if (sources.thumbnails)
+        connect(sources.thumbnails, &ThumbnailStore::changed, this, [this] { viewport()->update(); });
+    formatAgain();
+    relayout();
+}
+
+void FileView::takeSetting(Setting setting) {
+    switch (setting) {
+    case Setting::hideKnownExtensions: facts_.forget(); [[fallthrough]];
+    case Setting::showItemCheckBoxes:
+    case Setting::compactView: relayoutAround([this] { layOut(); }); break;
+    default: break;
+    }
+}
+
+bool FileView::hasCheckBoxes() const {
+    return !sources_.settings || sources_.settings->showItemCheckBoxes();
+}
+
 // ---- Where things are
+
+std::optional<FileView::Anchor> FileView::anchorAt(QPoint viewportPoint) const {
+    const auto ranges = rowsTouching(contentRect(QRect(0, viewportPoint.y(), viewport()->width(), 1)));
+    if (ranges.empty()) return std::nullopt;
+    Anchor nearest;
+    int least = INT_MAX;
+    for (std::size_t row = ranges.front().begin; row < ranges.back().end; ++row) {
+        const QRect rect = rowRect(row);
+        const int distance = std::abs(rect.center().x() - viewportPoint.x());
+        if (distance < least) nearest = {.row = row, .y = rect.center().y()};
+        least = std::min(least, distance);
+    }
+    return nearest;
+}
+
+std::optional<FileView::Anchor> FileView::anchorToKeep() const {
+    if (offset() == 0 && !isTouched_) return std::nullopt;
+    const RowRange visible = visibleRows();
+    if (visible.empty()) return std::nullopt;
+    const auto current = model_->row(Place::current);
+    const std::size_t row = current && visible.contains(*current) ? *current : visible.begin;
+    return Anchor{.row = row, .y = rowRect(row).center().y()};
+}
+
+void FileView::restore(const Anchor& anchor) {
+    if (anchor.row >= model_->items().size()) return;
+    const ContentRect rect = contentRect(anchor.row);
+    scrollTo(rect.y + (rect.height - 1) / 2 - anchor.y);
+}
 
 void FileView::relayout() {
     extent_.setHeights(contentHeight(), viewport()->height());
@@ -210,6 +277,8 @@ void FileView::beginLocation() {
 }
 
 void FileView::keepPlace() {
+    // Of two views of a pane only the one that is shown has a place to keep.
+    if (isHidden()) return;
     std::optional<std::size_t> kept;
     const RowRange visible = visibleRows();
     if (isTouched_ && !visible.empty()) {
@@ -228,7 +297,7 @@ void FileView::takeItems() {
     facts_.forget();
     showsPlaceholders_ = false;
     extent_.setHeights(contentHeight(), viewport()->height());
-    if (const auto kept = model_->row(Place::scroll)) {
+    if (const auto kept = model_->row(Place::scroll); kept && !isHidden()) {
         // Who sorts wants to see the beginning, unless there is an item to stay with.
         const bool isSorted = sortShown_ != model_->itemsSort();
         const bool stays = !isSorted || kept == model_->row(Place::current);
@@ -282,27 +351,62 @@ FileView::RowState FileView::stateOf(std::size_t row) const {
     state.isActive = hasFocus();
     state.isCurrent = state.isActive && model_->row(Place::current) == row;
     state.isHovered = pointer_.hoveredRow() == row;
-    state.showsCheckBox = state.isSelected || state.isHovered || pointer_.hasTickedBoxes();
+    state.showsCheckBox =
+        hasCheckBoxes() && (state.isSelected || state.isHovered || pointer_.hasTickedBoxes());
     return state;
 }
 
 void FileView::paintEvent(QPaintEvent* event) {
     QPainter painter(viewport());
     painter.fillRect(event->rect(), theme_->color(ThemeColor::surface));
+    paintsAll_ = event->rect().contains(viewport()->rect());
+    std::vector<std::size_t> raised;
     for (const RowRange& range : rowsTouching(contentRect(event->rect())))
-        for (std::size_t row = range.begin; row < range.end; ++row)
-            paintRow(painter, row, rowRect(row), stateOf(row));
+        for (std::size_t row = range.begin; row < range.end; ++row) {
+            const RowState state = stateOf(row);
+            if (isRaised(row, state))
+                raised.push_back(row);
+            else
+                paintRow(painter, row, rowRect(row), state);
+        }
+    for (const std::size_t row : raised)
+        paintRow(painter, row, rowRect(row), stateOf(row));
     if (showsPlaceholders_ && model_->items().empty())
         for (int index = 0; index < placeholderCount; ++index)
             paintPlaceholder(painter, index);
-    if (const QRect band = pointer_.band(); !band.isEmpty()) {
-        QColor inside = theme_->color(ThemeColor::accent);
-        constexpr float bandOpacity = 0.15F;
-        inside.setAlphaF(bandOpacity);
-        painter.setPen(theme_->color(ThemeColor::accent));
-        painter.setBrush(inside);
-        painter.drawRect(band.adjusted(0, 0, -1, -1));
-    }
+    paintBand(painter);
+    askForThumbnails();
+}
+
+void FileView::paintBand(QPainter& painter) const {
+    const QRect band = pointer_.band();
+    if (band.isEmpty()) return;
+    QColor inside = theme_->color(ThemeColor::accent);
+    constexpr float bandOpacity = 0.15F;
+    inside.setAlphaF(bandOpacity);
+    painter.setPen(theme_->color(ThemeColor::accent));
+    painter.setBrush(inside);
+    painter.drawRect(band.adjusted(0, 0, -1, -1));
+}
+
+QImage FileView::thumbnailOf(std::size_t row, QSize box) {
+    if (!sources_.thumbnails) return {};
+    const FileItemView item = model_->items()[row];
+    if (!ThumbnailStore::mayHave(item)) return {};
+    const double ratio = devicePixelRatioF();
+    const QSize pixels = (QSizeF(box) * ratio).toSize();
+    QImage image = sources_.thumbnails->thumbnail(item, pixels);
+    image.setDevicePixelRatio(ratio);
+    painted_.push_back({.item = model_->items().item(row), .box = pixels});
+    return image;
+}
+
+void FileView::askForThumbnails() {
+    auto painted = std::exchange(painted_, {});
+    // A part that is painted anew says nothing of the rest of the screen.
+    if (!sources_.thumbnails || !paintsAll_ || painted == wanted_) return;
+    sources_.thumbnails->want(*this, painted);
+    wanted_ = std::move(painted);
 }
 
 QString FileView::toolTipAt(std::size_t row, QPoint) {
@@ -321,6 +425,16 @@ void FileView::resizeEvent(QResizeEvent* event) {
 bool FileView::viewportEvent(QEvent* event) {
     switch (event->type()) {
     case QEvent::Leave: pointer_.leave(); break;
+    case QEvent::NativeGesture: {
+        auto* const gesture = static_cast<QNativeGestureEvent*>(event);
+        if (gesture->gestureType() != Qt::ZoomNativeGesture) break;
+        constexpr double step = 0.25; // of the size before
+        pinch_ += gesture->value();
+        if (std::abs(pinch_) < step) return true;
+        Q_EMIT zoomRequested(pinch_ > 0 ? 1 : -1, gesture->position().toPoint());
+        pinch_ = 0;
+        return true;
+    }
     case QEvent::ToolTip: {
         auto* help = static_cast<QHelpEvent*>(event);
         const auto row = rowAt(help->pos());
@@ -336,8 +450,25 @@ bool FileView::viewportEvent(QEvent* event) {
     return QAbstractScrollArea::viewportEvent(event);
 }
 
+void FileView::changeEvent(QEvent* event) {
+    QAbstractScrollArea::changeEvent(event);
+    if (event->type() == QEvent::LayoutDirectionChange || event->type() == QEvent::FontChange)
+        relayoutAround([this] { layOut(); });
+}
+
+void FileView::zoomByWheel(const QWheelEvent& event) {
+    constexpr int notch = 120;
+    zoomRest_ += event.angleDelta().y();
+    for (; std::abs(zoomRest_) >= notch; zoomRest_ -= zoomRest_ > 0 ? notch : -notch)
+        Q_EMIT zoomRequested(zoomRest_ > 0 ? 1 : -1, event.position().toPoint());
+}
+
 void FileView::wheelEvent(QWheelEvent* event) {
     touch();
+    if (event->modifiers() & Qt::ControlModifier) {
+        zoomByWheel(*event);
+        return event->accept();
+    }
     if (event->modifiers() & (Qt::ShiftModifier | Qt::AltModifier) || event->pixelDelta().x() != 0)
         return QAbstractScrollArea::wheelEvent(event);
     if (const int pixels = event->pixelDelta().y(); pixels != 0) {

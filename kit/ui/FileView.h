@@ -4,6 +4,7 @@
 #include "browser/KeyRouter.h"
 #include "browser/RowRange.h"
 #include "browser/SelectionGestures.h"
+#include "browser/ThumbnailStore.h"
 #include "browser/TypeAhead.h"
 #include "ui/FileIcons.h"
 #include "ui/FileViewPointer.h"
@@ -11,6 +12,7 @@
 #include "ui/ScrollExtent.h"
 
 #include <QAbstractScrollArea>
+#include <QImage>
 #include <QPoint>
 #include <QRect>
 #include <QTimer>
@@ -21,6 +23,9 @@
 
 namespace ombrel {
 
+class AppSettings;
+enum class Setting : std::uint8_t;
+class ClipboardService;
 class LoadingLine;
 class Theme;
 
@@ -48,9 +53,16 @@ public:
         bool isHovered = false;
         bool isActive = false; ///< the view has the focus
         bool showsCheckBox = false;
+        bool isDropTarget = false;
+    };
+    /// What a view looks at besides its pane. Each may be missing and must outlive the view.
+    struct Sources {
+        const AppSettings* settings = nullptr;       ///< check boxes, compact rows, hidden endings
+        const ClipboardService* clipboard = nullptr; ///< what is cut
+        ThumbnailStore* thumbnails = nullptr;
     };
     /// What of a row lies under the pointer.
-    enum class Part : std::uint8_t { content, emptiness, checkBox };
+    enum class Part : std::uint8_t { content, name, emptiness, checkBox };
     enum class Step : std::uint8_t { up, down, left, right };
 
     /// `model` and `theme` must outlive it.
@@ -60,6 +72,10 @@ public:
     [[nodiscard]] BrowserModel& model() const noexcept { return *model_; }
     [[nodiscard]] const Theme& theme() const noexcept { return *theme_; }
     [[nodiscard]] const TypeAhead& typeAhead() const noexcept { return typeAhead_; }
+
+    void setSources(const Sources& sources);
+    [[nodiscard]] const Sources& sources() const noexcept { return sources_; }
+    [[nodiscard]] bool hasCheckBoxes() const;
 
     /// Where keys that mean commands go, before what the view does with keys itself: moving, selecting and
     /// typing. Without it they mean nothing. `keys` must outlive the view.
@@ -78,6 +94,16 @@ public:
     [[nodiscard]] std::optional<std::size_t> rowAt(QPoint viewportPoint) const;
     [[nodiscard]] ContentRect contentRect(QRect viewportRect) const;
 
+    /// An item and how far down the screen its middle is.
+    struct Anchor {
+        std::size_t row = 0;
+        int y = 0;
+    };
+    /// The item under a point of the viewport, or the nearest one in its line; nothing when there is none.
+    [[nodiscard]] std::optional<Anchor> anchorAt(QPoint viewportPoint) const;
+    /// Scrolls so that the item is where the anchor says.
+    void restore(const Anchor& anchor);
+
     /// What a row shows.
     [[nodiscard]] const RowFacts::Facts& facts(std::size_t row) { return facts_.of(model_->items(), row); }
     /// How a row is read out.
@@ -86,6 +112,9 @@ public:
     [[nodiscard]] bool isSettled() const noexcept { return !facts_.isWaiting(); }
 
     // ---- The layout, which a view gives
+
+    /// Takes sizes from the theme and the settings again.
+    virtual void layOut() {}
     [[nodiscard]] virtual qint64 contentHeight() const = 0;
     [[nodiscard]] virtual int contentWidth() const { return 0; }
     [[nodiscard]] virtual ContentRect contentRect(std::size_t row) const = 0;
@@ -100,12 +129,17 @@ public:
     [[nodiscard]] virtual int scrollStep() const = 0;
 
 Q_SIGNALS:
+    /// Ctrl and the wheel, or two fingers, ask for larger (1) or smaller (-1) items at a point of the
+    /// viewport.
+    void zoomRequested(int step, QPoint at);
     /// A double click on a row.
     void openRequested(std::size_t row);
     void scrolled();
 
 protected:
     virtual void paintRow(QPainter& painter, std::size_t row, const QRect& rect, const RowState& state) = 0;
+    /// Whether the row reaches over others, so that it is painted after them.
+    [[nodiscard]] virtual bool isRaised(std::size_t, const RowState&) { return false; }
     /// A row's stand-in while nothing of a slow folder is there yet.
     virtual void paintPlaceholder(QPainter& painter, int index) = 0;
     /// What a row says under a resting pointer; nothing for most.
@@ -113,11 +147,23 @@ protected:
 
     /// To be called when heights or widths have changed.
     void relayout();
+    /// Runs `change`, after which items may lie elsewhere, and keeps what the user looks at in its place: the
+    /// item of `anchor`, else the current one, else the first on the screen.
+    template <typename Change>
+    void relayoutAround(const Change& change, std::optional<Anchor> anchor = std::nullopt) {
+        if (!anchor) anchor = anchorToKeep();
+        change();
+        relayout();
+        if (anchor) restore(*anchor);
+    }
+    /// The row's thumbnail as far as there is one, fitting into `box` pixels. Asks for it otherwise.
+    [[nodiscard]] QImage thumbnailOf(std::size_t row, QSize box);
     /// Selects or clears all, as the header's box does.
     void toggleAll() { gestures_.toggleAll(); }
     FileIcons& icons() noexcept { return icons_; }
 
     bool viewportEvent(QEvent* event) override;
+    void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
@@ -145,6 +191,11 @@ private:
     void placeBars();
     [[nodiscard]] QRect onScreen(const ContentRect& rect) const;
     [[nodiscard]] RowState stateOf(std::size_t row) const;
+    [[nodiscard]] std::optional<Anchor> anchorToKeep() const;
+    void paintBand(QPainter& painter) const;
+    void askForThumbnails();
+    void zoomByWheel(const QWheelEvent& event);
+    void takeSetting(Setting setting);
     bool endByKey(const KeyStroke& stroke);
     bool moveByKey(const KeyStroke& stroke);
     bool typeByKey(const KeyStroke& stroke, const QString& text);
@@ -171,6 +222,12 @@ private:
     FileSort sortShown_;
     QTimer placeholderDelay_;
     bool showsPlaceholders_ = false;
+    Sources sources_;
+    std::vector<ThumbnailStore::Request> painted_; ///< the thumbnails of this painting
+    std::vector<ThumbnailStore::Request> wanted_;  ///< and those that were asked for last
+    bool paintsAll_ = false;
+    int zoomRest_ = 0; ///< of Ctrl and a wheel's turning, too little for a step
+    double pinch_ = 0;
     int wheelRest_ = 0; ///< of a wheel's turning, too little for a pixel
 };
 

@@ -74,7 +74,8 @@ void FileViewPointer::pressRow(std::size_t row, const QMouseEvent& event) {
         view_->viewport()->update();
         return;
     case FileView::Part::emptiness: press_->mayBand = true; break;
-    case FileView::Part::content: break;
+    case FileView::Part::content:
+    case FileView::Part::name: break;
     }
     const How how = howOf(event.modifiers());
     if (how == How::only && isSelected && view_->model().selection().count() > 1) {

@@ -4,6 +4,8 @@
 #include "base/MainThread.h"
 #include "listing/FileTypeNames.h"
 #include "listing/TypeDatabase.h"
+#include "services/AppSettings.h"
+#include "services/ClipboardService.h"
 #include "ui/Formats.h"
 
 #include <QPointer>
@@ -18,9 +20,14 @@ namespace {
 /// Some screens full; what lies beyond is formatted again when it is looked at again.
 constexpr std::size_t keptRows = 1000;
 
-RowFacts::Facts formatted(FileItemView item) {
-    RowFacts::Facts facts;
-    facts.name = QString::fromStdString(FileName::displayText(item.name()));
+} // namespace
+
+RowFacts::Facts RowFacts::formatted(FileItemView item) const {
+    Facts facts;
+    const std::string_view name = settings_ ? settings_->displayName(item) : item.name();
+    facts.name = QString::fromStdString(FileName::displayText(name));
+    const bool isAnythingCut = clipboard_ && !clipboard_->cutURLs().empty();
+    facts.isCut = isAnythingCut && clipboard_->cutURLs().contains(item.url());
     facts.badge = FileIcons::badgeOf(item);
     facts.isHidden = item.isHidden();
     if (const auto date = item.modificationDate(); date.hasValue())
@@ -29,8 +36,6 @@ RowFacts::Facts formatted(FileItemView item) {
     if (const auto size = item.size(); isFile && size.hasValue()) facts.size = Formats::size(size.value());
     return facts;
 }
-
-} // namespace
 
 const RowFacts::Facts& RowFacts::of(const FileItemList& items, std::size_t row) {
     const ItemRef ref = items.order()[row];

@@ -14,6 +14,9 @@
 
 namespace ombrel {
 
+class AppSettings;
+class ClipboardService;
+
 /// What a row of a file view shows, formatted once. Only rows that are looked at are formatted; the type's
 /// words, for which the type database may have to be read, are asked for on a worker when nobody has asked
 /// before.
@@ -29,10 +32,18 @@ public:
         FileClass fileClass = FileClass::other;
         IconBadge badge = IconBadge::none;
         bool isHidden = false;
+        bool isCut = false;
         bool isTypeKnown = false;
     };
 
     using QObject::QObject;
+
+    /// How names are shown and what is cut; each may be missing and must outlive this. What is kept already
+    /// is not formatted again.
+    void setSources(const AppSettings* settings, const ClipboardService* clipboard) noexcept {
+        settings_ = settings;
+        clipboard_ = clipboard;
+    }
 
     /// Valid until the next call of anything here.
     [[nodiscard]] const Facts& of(const FileItemList& items, std::size_t row);
@@ -47,7 +58,10 @@ Q_SIGNALS:
 
 private:
     void ask();
+    [[nodiscard]] Facts formatted(FileItemView item) const;
 
+    const AppSettings* settings_ = nullptr;
+    const ClipboardService* clipboard_ = nullptr;
     std::unordered_map<ItemRef, Facts> kept_;
     std::vector<FileItem> unasked_;
     bool isAsking_ = false;

@@ -40,6 +40,9 @@ enum class ThemeColor : std::uint8_t {
     folderFrontBottom,
     folderBack,
     folderPaper,
+    thumbnailEdge, ///< the outline of thumbnails, over them
+    badgeGround,   ///< behind the glyph on a thumbnail, and behind a count
+    onBadge,
     pageFill, ///< file icons: the sheet, its outline, its folded corner, and the emblems
     pageEdge,
     pageFold,
@@ -89,7 +92,29 @@ enum class ThemeSize : std::uint8_t {
     scrollThumb,
     scrollThumbMinimum,
     loadingLine,
-    listInset, ///< between the edge of a list and its rows
+    listInset,       ///< between the edge of a list and its rows
+    smallImageWidth, ///< the icons view by size: what an image fits into, and the cell
+    smallImageHeight,
+    smallCellWidth,
+    smallCellHeight,
+    mediumImageWidth,
+    mediumImageHeight,
+    mediumCellWidth,
+    mediumCellHeight,
+    largeImageWidth,
+    largeImageHeight,
+    largeCellWidth,
+    largeCellHeight,
+    extraLargeImageWidth,
+    extraLargeImageHeight,
+    extraLargeCellWidth,
+    extraLargeCellHeight,
+    cellGap,      ///< least space between cells
+    cellInset,    ///< above the first cells and below the last
+    cellCheckBox, ///< of a cell's box from its corner
+    hitTarget,    ///< of what is clicked, at least
+    dragEdge,     ///< within which a drag scrolls
+    thumbnailBadge,
     checkBoxColumn,
     checkBoxLeft, ///< of the box in its column
     nameColumnMinimum,
