@@ -1,17 +1,13 @@
 #include "browser/ThumbnailCache.h"
 
-#include "listing/POSIXEntries.h"
+#include "listing/CacheFile.h"
 
 #include <QBuffer>
 #include <QCryptographicHash>
 #include <QImageReader>
 #include <QImageWriter>
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <atomic>
 #include <utility>
 
 namespace ombrel {
@@ -25,30 +21,9 @@ constexpr std::size_t largestThumbnail = std::size_t{16} << 20;
 /// Photographs of large cameras are some 100 MB; what is larger is not worth a picture the size of a stamp.
 constexpr std::size_t largestOriginal = std::size_t{128} << 20;
 constexpr qint64 mostPixels = 200'000'000;
-constexpr std::uint32_t folderMode = 0700, fileMode = 0600;
 
 const QString uriKey = QStringLiteral("Thumb::URI"), modifiedKey = QStringLiteral("Thumb::MTime"),
               sizeKey = QStringLiteral("Thumb::Size");
-
-std::optional<std::string> contentsOf(const FileURL& url, std::size_t limit) {
-    const auto fd = POSIX::open(url, O_RDONLY | O_NONBLOCK | O_NOCTTY);
-    if (!fd) return std::nullopt;
-    const auto status = POSIX::status(fd->get());
-    if (!status || !status->isRegular()) return std::nullopt;
-    auto bytes = POSIX::readAll(fd->get(), limit);
-    return bytes ? std::optional(*std::move(bytes)) : std::nullopt;
-}
-
-void makeFolders(const FileURL& folder) {
-    const auto make = [&] {
-        return POSIX::withPath<void>(
-            folder, [](POSIX::Place place) { return POSIX::makeDirectory(place, folderMode); });
-    };
-    const auto made = make();
-    if (made || made.error().number != ENOENT || folder.isRoot()) return;
-    makeFolders(folder.parent());
-    (void)make();
-}
 
 } // namespace
 
@@ -75,7 +50,7 @@ FileURL ThumbnailCache::place(const Original& original, const std::string& below
 }
 
 std::optional<QImage> ThumbnailCache::read(const Original& original, const std::string& below) const {
-    const auto bytes = contentsOf(place(original, below), largestThumbnail);
+    const auto bytes = CacheFile::read(place(original, below), largestThumbnail);
     if (!bytes) return std::nullopt;
     QImage image;
     image.loadFromData(QByteArrayView(bytes->data(), static_cast<qsizetype>(bytes->size())), "PNG");
@@ -112,20 +87,8 @@ void ThumbnailCache::write(const Original& original, const std::string& below, c
     QBuffer buffer(&bytes);
     if (!marked.save(&buffer, "PNG")) return;
 
-    static std::atomic<unsigned> drafts = 0;
-    const FileURL target = place(original, below);
-    const FileURL draft =
-        target.parent().appending("." + std::string(target.name()) + "." + std::to_string(::getpid()) + "-" +
-                                  std::to_string(drafts.fetch_add(1)));
-    makeFolders(target.parent());
-    auto fd = POSIX::open(draft, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, fileMode);
-    if (!fd) return;
-    const bool isWritten =
-        POSIX::writeAll(fd->get(), {bytes.constData(), static_cast<std::size_t>(bytes.size())}) &&
-        POSIX::close(std::move(*fd));
-    const auto from = POSIX::Anchor::of(draft), to = POSIX::Anchor::of(target);
-    if (!from || !to) return;
-    if (!isWritten || !POSIX::rename(from->place(), to->place())) (void)POSIX::unlink(from->place());
+    (void)CacheFile::replace(place(original, below),
+                             {bytes.constData(), static_cast<std::size_t>(bytes.size())});
 }
 
 void ThumbnailCache::keep(const Original& original, Size size, QImage image, QSize dimensions) const {
@@ -149,17 +112,10 @@ bool ImageThumbnails::canMake(const std::string& type) {
 
 std::optional<ImageThumbnails::Made> ImageThumbnails::make(const ThumbnailCache::Original& original,
                                                            int pixels) {
-    const auto fd = POSIX::open(original.url, O_RDONLY | O_NONBLOCK | O_NOCTTY);
-    if (!fd) return std::nullopt;
-    const auto isAsListed = [&] {
-        const auto status = POSIX::status(fd->get());
-        return status && status->isRegular() && status->size == original.size &&
-               status->modified.seconds == original.modified;
-    };
-    if (!isAsListed()) return std::nullopt;
     if (std::cmp_greater(original.size, largestOriginal)) return Made{};
-    const auto bytes = POSIX::readAll(fd->get(), largestOriginal);
-    if (!bytes || !isAsListed()) return std::nullopt;
+    const auto bytes = CacheFile::readInState(
+        original.url, {.size = original.size, .modified = original.modified}, largestOriginal);
+    if (!bytes) return std::nullopt;
 
     QByteArray data = QByteArray::fromRawData(bytes->data(), static_cast<qsizetype>(bytes->size()));
     QBuffer buffer(&data);
