@@ -313,6 +313,7 @@
     <message id="ui.accessible.address"><source></source><translation>Address</translation></message>
     <message id="ui.accessible.columns"><source></source><translation>Columns</translation></message>
     <message id="ui.accessible.files"><source></source><translation>Files</translation></message>
+    <message id="ui.accessible.tabs"><source></source><translation>Tabs</translation></message>
     <message id="ui.address.collapsed"><source></source><translation>Folders further up</translation></message>
     <message id="ui.column.dateModified"><source></source><translation>Date modified</translation></message>
     <message id="ui.column.name"><source></source><translation>Name</translation></message>
@@ -358,6 +359,7 @@
     <message id="ui.command.undo"><source></source><translation>Undo</translation></message>
     <message id="ui.command.unpin"><source></source><translation>Unpin from quick access</translation></message>
     <message id="ui.command.up"><source></source><translation>Up</translation></message>
+    <message id="ui.home"><source></source><translation>Home</translation></message>
     <message id="ui.home.locations"><source></source><translation>Locations</translation></message>
     <message id="ui.home.quickAccess"><source></source><translation>Quick access</translation></message>
     <message id="ui.home.title"><source></source><translation>Home</translation></message>
@@ -379,6 +381,11 @@
     <message id="ui.status.selected" numerus="yes"><source></source><translation><numerusform>{n} item selected</numerusform><numerusform>{n} items selected</numerusform></translation></message>
     <message id="ui.status.selectedWithSize" numerus="yes"><source></source><translation><numerusform>{n} item selected, {1}</numerusform><numerusform>{n} items selected, {1}</numerusform></translation></message>
     <message id="ui.status.unreadable" numerus="yes"><source></source><translation><numerusform>{n} item could not be read</numerusform><numerusform>{n} items could not be read</numerusform></translation></message>
+    <message id="ui.tabs.closeOthers"><source></source><translation>Close other tabs</translation></message>
+    <message id="ui.tabs.closeToTheRight"><source></source><translation>Close tabs to the right</translation></message>
+    <message id="ui.tabs.duplicate"><source></source><translation>Duplicate tab</translation></message>
+    <message id="ui.tabs.scrollBack"><source></source><translation>Earlier tabs</translation></message>
+    <message id="ui.tabs.scrollOn"><source></source><translation>Later tabs</translation></message>
     <message id="ui.tooltip.upTo"><source></source><translation>Up to “{1}”</translation></message>
     <message id="ui.tooltip.withShortcut"><source></source><translation>{1} ({2})</translation></message>
     <message id="ui.tree.loading"><source></source><translation>Loading…</translation></message>

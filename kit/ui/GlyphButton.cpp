@@ -12,6 +12,12 @@ GlyphButton::GlyphButton(const Theme& theme, Glyph glyph, ThemeSize side, QWidge
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
+void GlyphButton::setGlyph(Glyph glyph) {
+    if (glyph == glyph_) return;
+    glyph_ = glyph;
+    update();
+}
+
 void GlyphButton::follow(QAction* action) {
     const auto update = [this, action] {
         setEnabled(action->isEnabled());

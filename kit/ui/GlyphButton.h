@@ -18,6 +18,7 @@ public:
     /// `theme` must outlive it.
     GlyphButton(const Theme& theme, Glyph glyph, ThemeSize side, QWidget* parent = nullptr);
 
+    void setGlyph(Glyph glyph);
     /// The button follows `action` from now on and triggers it.
     void follow(QAction* action);
 

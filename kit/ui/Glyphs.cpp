@@ -48,6 +48,12 @@ constexpr PathStep chevronUpSteps[] = {to(4.25, 9.75), line(8, 6.25), line(11.75
 constexpr PathStep chevronDownSteps[] = {to(4.25, 6.25), line(8, 9.75), line(11.75, 6.25)};
 constexpr PathStep collapsedSteps[] = {to(7.5, 4.5), line(4, 8),   line(7.5, 11.5),
                                        to(12, 4.5),  line(8.5, 8), line(12, 11.5)};
+constexpr PathStep closeSteps[] = {to(4.25, 4.25), line(11.75, 11.75), to(11.75, 4.25), line(4.25, 11.75)};
+constexpr PathStep plusSteps[] = {to(8, 2.75), line(8, 13.25), to(2.75, 8), line(13.25, 8)};
+constexpr PathStep homeSteps[] = {to(1.75, 8),      line(8, 2.25),     line(14.25, 8),  to(3.5, 6.5),
+                                  line(3.5, 13.75), line(6.5, 13.75),  line(6.5, 9.75), line(9.5, 9.75),
+                                  line(9.5, 13.75), line(12.5, 13.75), line(12.5, 6.5)};
+constexpr PathStep searchSteps[] = {circle(7, 7, 4.5), to(10.35, 10.35), line(14, 14)};
 constexpr PathStep checkSteps[] = {to(3.5, 8.25), line(6.75, 11.5), line(12.5, 5)};
 constexpr PathStep dashSteps[] = {to(4, 8), line(12, 8)};
 constexpr PathStep linkSteps[] = {to(4, 12), line(11.5, 4.5), to(5.5, 4.5), line(11.5, 4.5),
@@ -76,6 +82,10 @@ std::span<const PathStep> stepsOf(Glyph glyph) {
     case Glyph::chevronUp: return chevronUpSteps;
     case Glyph::chevronDown: return chevronDownSteps;
     case Glyph::collapsed: return collapsedSteps;
+    case Glyph::close: return closeSteps;
+    case Glyph::plus: return plusSteps;
+    case Glyph::home: return homeSteps;
+    case Glyph::search: return searchSteps;
     case Glyph::check: return checkSteps;
     case Glyph::dash: return dashSteps;
     case Glyph::link: return linkSteps;

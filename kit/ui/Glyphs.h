@@ -20,6 +20,10 @@ enum class Glyph : std::uint8_t {
     chevronUp,
     chevronDown,
     collapsed, ///< crumbs that do not fit
+    close,
+    plus,
+    home,
+    search,
     check,
     dash, ///< some, but not all
     link,

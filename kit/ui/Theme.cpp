@@ -90,11 +90,17 @@ constexpr SizeRow sizeTable[] = {
     {ThemeSize::compactRow, 24},
     {ThemeSize::menuRow, 30},
     {ThemeSize::header, 32},
+    {ThemeSize::tabStrip, 40},
+    {ThemeSize::tab, 34},
+    {ThemeSize::tabMinimumWidth, 120},
+    {ThemeSize::tabMaximumWidth, 216},
+    {ThemeSize::tabWithCloseButton, 140},
     {ThemeSize::navigationRow, 48},
     {ThemeSize::statusBar, 28},
     {ThemeSize::button, 32},
     {ThemeSize::buttonMinimumWidth, 88},
     {ThemeSize::navigationButton, 32},
+    {ThemeSize::smallButton, 24},
     {ThemeSize::field, 34},
     {ThemeSize::checkBox, 16},
     {ThemeSize::glyph, 16},
@@ -241,10 +247,15 @@ QFont Theme::font(ThemeFont token) const {
     return font;
 }
 
-int Theme::duration(ThemeDuration) const {
-    // Progress lines and fades happen to take equally long.
-    constexpr int shortMotion = 100;
-    return appearance_.isMotionReduced ? 0 : shortMotion;
+int Theme::duration(ThemeDuration token) const {
+    if (appearance_.isMotionReduced) return 0;
+    switch (token) {
+    case ThemeDuration::progress:
+    case ThemeDuration::fade: return 100;
+    case ThemeDuration::tab: return 120;
+    case ThemeDuration::springFlash: return 150;
+    }
+    std::unreachable();
 }
 
 QPalette Theme::palette() const {

@@ -78,11 +78,17 @@ enum class ThemeSize : std::uint8_t {
     compactRow,
     menuRow,
     header,
+    tabStrip,
+    tab,
+    tabMinimumWidth,
+    tabMaximumWidth,
+    tabWithCloseButton, ///< the narrowest inactive tab that shows its button
     navigationRow,
     statusBar,
     button,
     buttonMinimumWidth,
     navigationButton,
+    smallButton, ///< inside something else: a tab, a field
     field,
     checkBox,
     glyph,
@@ -153,7 +159,12 @@ inline constexpr std::size_t themeSizeCount = static_cast<std::size_t>(ThemeSize
 enum class ThemeFont : std::uint8_t { caption, body, bodyStrong, subtitle, title, display };
 
 /// How long something moves.
-enum class ThemeDuration : std::uint8_t { progress, fade };
+enum class ThemeDuration : std::uint8_t {
+    progress,
+    fade,
+    tab,         ///< opening and closing
+    springFlash, ///< of what opens because something is dragged over it
+};
 
 /// What the desktop says about how things should look.
 struct Appearance {

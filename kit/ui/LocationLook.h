@@ -1,0 +1,24 @@
+#pragma once
+
+#include "ui/Theme.h"
+
+#include <QRectF>
+#include <QString>
+
+class QPainter;
+
+namespace ombrel {
+
+class BrowserModel;
+
+/// What the place that a pane shows is called, and its small picture.
+namespace LocationLook {
+
+/// As tabs and windows are called: the folder's name, or "Home".
+[[nodiscard]] QString title(const BrowserModel& pane);
+/// Draws a folder, or the glyph of the place in the colour `ink`.
+void drawIcon(QPainter& painter, const Theme& theme, const BrowserModel& pane, const QRectF& box,
+              ThemeColor ink);
+
+} // namespace LocationLook
+} // namespace ombrel
