@@ -359,7 +359,6 @@
     <message id="ui.command.undo"><source></source><translation>Undo</translation></message>
     <message id="ui.command.unpin"><source></source><translation>Unpin from quick access</translation></message>
     <message id="ui.command.up"><source></source><translation>Up</translation></message>
-    <message id="ui.home"><source></source><translation>Home</translation></message>
     <message id="ui.home.locations"><source></source><translation>Locations</translation></message>
     <message id="ui.home.quickAccess"><source></source><translation>Quick access</translation></message>
     <message id="ui.home.title"><source></source><translation>Home</translation></message>

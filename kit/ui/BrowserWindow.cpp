@@ -1,16 +1,18 @@
 #include "ui/BrowserWindow.h"
 
 #include "base/FileName.h"
+#include "browser/DroppedFolders.h"
 #include "browser/PaneMaker.h"
 #include "services/AppServices.h"
 #include "ui/FileView.h"
 #include "ui/FocusRing.h"
-#include "ui/LocalizedText.h"
+#include "ui/LocationLook.h"
 #include "ui/NavigationRow.h"
 #include "ui/Overlay.h"
 #include "ui/PaneArea.h"
 #include "ui/PaneSplitter.h"
 #include "ui/StatusBar.h"
+#include "ui/TabStrip.h"
 #include "ui/Theme.h"
 #include "ui/WindowActions.h"
 #include "ui/WindowKeys.h"
@@ -32,6 +34,7 @@ BrowserWindow::BrowserWindow(const Setting& setting)
                         .activePane = [this]() -> BrowserModel& { return tabs_.activeTab(); },
                         .performTabCommand = [this](TabCommand command) { tabs_.perform(command); }}),
       actions_(new WindowActions(*this, tabs_, commands_, setting.services)),
+      tabStrip_(new TabStrip(tabs_, *theme_, setting.services.settings(), this)),
       navigationRow_(new NavigationRow(tabs_, *theme_, setting.home,
                                        {.back = actions_->of(FileCommand::goBack),
                                         .forward = actions_->of(FileCommand::goForward),
@@ -66,6 +69,7 @@ void BrowserWindow::layOut() {
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins({});
     column->setSpacing(0);
+    column->addWidget(tabStrip_);
     column->addWidget(navigationRow_);
     column->addWidget(splitter_, 1);
     column->addWidget(statusBar_);
@@ -128,6 +132,10 @@ void BrowserWindow::followTabs() {
     });
     connect(&tabs_, &BrowserTabsModel::activeTabChanged, this, &BrowserWindow::showActiveTab);
     connect(&tabs_, &BrowserTabsModel::titleChanged, this, &BrowserWindow::applySettings);
+    connect(tabStrip_, &TabStrip::copyPathRequested, this,
+            [this](const FileURL& folder) { services_->clipboard().copyPaths({folder}); });
+    connect(tabStrip_, &TabStrip::openFoldersRequested, this,
+            [this](const std::vector<FileURL>& items) { DroppedFolders::openAsTabs(&tabs_, items); });
     for (std::size_t index = 0; index < tabs_.count(); ++index)
         addPaneArea(index);
     showActiveTab();
@@ -173,12 +181,9 @@ const Overlay& BrowserWindow::overlay() const {
 
 void BrowserWindow::refreshTitle() {
     const auto& folder = model().currentURL();
-    if (!folder)
-        setWindowTitle(localized("ui.home.title"));
-    else if (services_->settings().showFullPathInTitle())
-        setWindowTitle(QString::fromStdString(FileName::displayText(folder->path())));
-    else
-        setWindowTitle(model().title());
+    const bool showsPath = folder && services_->settings().showFullPathInTitle();
+    setWindowTitle(showsPath ? QString::fromStdString(FileName::displayText(folder->path()))
+                             : LocationLook::title(model()));
 }
 
 // ---- Events

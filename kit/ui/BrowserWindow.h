@@ -21,6 +21,7 @@ class Overlay;
 class PaneArea;
 class PaneSplitter;
 class StatusBar;
+class TabStrip;
 class Theme;
 class WindowActions;
 
@@ -89,6 +90,7 @@ private:
     CommandDispatcher commands_;
     KeyRouter keys_;
     WindowActions* actions_;
+    TabStrip* tabStrip_;
     NavigationRow* navigationRow_;
     QStackedWidget* panes_; ///< one for each tab
     PaneSplitter* splitter_;

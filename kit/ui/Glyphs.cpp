@@ -48,7 +48,7 @@ constexpr PathStep chevronUpSteps[] = {to(4.25, 9.75), line(8, 6.25), line(11.75
 constexpr PathStep chevronDownSteps[] = {to(4.25, 6.25), line(8, 9.75), line(11.75, 6.25)};
 constexpr PathStep collapsedSteps[] = {to(7.5, 4.5), line(4, 8),   line(7.5, 11.5),
                                        to(12, 4.5),  line(8.5, 8), line(12, 11.5)};
-constexpr PathStep closeSteps[] = {to(4.25, 4.25), line(11.75, 11.75), to(11.75, 4.25), line(4.25, 11.75)};
+constexpr PathStep closeSteps[] = {to(4.5, 4.5), line(11.5, 11.5), to(11.5, 4.5), line(4.5, 11.5)};
 constexpr PathStep plusSteps[] = {to(8, 2.75), line(8, 13.25), to(2.75, 8), line(13.25, 8)};
 constexpr PathStep homeSteps[] = {to(1.75, 8),      line(8, 2.25),     line(14.25, 8),  to(3.5, 6.5),
                                   line(3.5, 13.75), line(6.5, 13.75),  line(6.5, 9.75), line(9.5, 9.75),

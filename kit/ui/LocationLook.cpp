@@ -8,7 +8,7 @@
 namespace ombrel {
 
 QString LocationLook::title(const BrowserModel& pane) {
-    return pane.currentURL() ? pane.title() : localized("ui.home");
+    return pane.currentURL() ? pane.title() : localized("ui.home.title");
 }
 
 void LocationLook::drawIcon(QPainter& painter, const Theme& theme, const BrowserModel& pane,
