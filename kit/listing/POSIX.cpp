@@ -176,6 +176,10 @@ Result<std::size_t> read(int fd, void* buffer, std::size_t size) {
     return moved(Kind::read, size, [&](std::size_t count) { return ::read(fd, buffer, count); });
 }
 
+Result<std::size_t> readAt(int fd, void* buffer, std::size_t size, std::int64_t offset) {
+    return moved(Kind::read, size, [&](std::size_t count) { return ::pread(fd, buffer, count, offset); });
+}
+
 Result<std::string> readLink(Place place) {
     std::string target(256, '\0');
     for (;;) {

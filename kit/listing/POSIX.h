@@ -88,6 +88,8 @@ struct DirectoryEntry {
 
 /// Up to `size` bytes; 0 at the end of the file.
 [[nodiscard]] Result<std::size_t> read(int fd, void* buffer, std::size_t size);
+/// The same from `offset`; where the next read begins stays as it was.
+[[nodiscard]] Result<std::size_t> readAt(int fd, void* buffer, std::size_t size, std::int64_t offset);
 
 /// The target of a symbolic link, as bytes.
 [[nodiscard]] Result<std::string> readLink(Place place);

@@ -4,6 +4,7 @@
 #include "listing/POSIXFiles.h"
 #include "listing/POSIXLock.h"
 #include "operations/EntryMetadata.h"
+#include "operations/SmallFiles.h"
 #include "operations/TargetNames.h"
 
 #include <fcntl.h>
@@ -70,6 +71,10 @@ CopyResult<void> CopyEngine::run() {
 CopyResult<void> CopyEngine::take(ManifestWalk& walk, ManifestWalk::Step step) {
     using Event = ManifestWalk::Event;
     const auto index = step.index;
+    // Below a folder that is entered later numbers are higher.
+    if (step.event == Event::entry && index >= firstAhead_ && index - firstAhead_ < copiedAhead_.size() &&
+        copiedAhead_[index - firstAhead_])
+        return {};
     for (;;) {
         if (step.event != Event::leave && !observer_.begins(sourcePlace(index).name)) return cancelled();
         auto done = attempt(step);
@@ -114,7 +119,7 @@ CopyResult<void> CopyEngine::enterFolder(Index index) {
         made = std::unexpected(CopyFailure{Error::posix(ELOOP)});
     else
         made = makeFolder(index);
-    if (made) return made;
+    if (made) return copySmallFiles(index);
     if (auto left = source_->leave(); !left) return lostWay(left.error());
     return made;
 }
@@ -138,6 +143,38 @@ CopyResult<void> CopyEngine::makeFolder(Index index) {
     if (!own) return std::unexpected(CopyFailure::ofCopy(own.error()));
     top_ = std::move(*own);
     return beginTop(top_.get(), copy_->status());
+}
+
+/// Those that make no trouble, on both threads.
+CopyResult<void> CopyEngine::copySmallFiles(Index folder) {
+    copiedAhead_.clear();
+    if (!settings_.checker || settings_.flushesFiles || settings_.keepsPace ||
+        settings_.support->mayPretend())
+        return {};
+    const TreeManifest::Children children = manifest_.children(folder);
+    const Index first = children.first, end = first + children.count;
+    std::vector<SmallFiles::File> files;
+    std::vector<Index> indices;
+    for (Index index = first; index < end; ++index) {
+        if (manifest_.type(index) != S_IFREG) continue;
+        files.push_back({manifest_.name(index)});
+        indices.push_back(index);
+    }
+    if (files.size() < fewestForTwo) return {};
+    if (!observer_.begins(files.front().name)) return cancelled();
+    SmallFiles small({source_->fd(), copy_->fd(), settings_.target, settings_.support}, std::move(files),
+                     settings_.checker->goesOn());
+    const auto copied =
+        small.run(*settings_.checker, [this](std::int64_t bytes) { return observer_.copied(bytes); });
+    copiedAhead_.resize(children.count);
+    firstAhead_ = first;
+    for (std::size_t i = 0; i < indices.size(); ++i) {
+        const auto& status = small.files()[i].copied;
+        if (!status) continue;
+        manifest_.record(indices[i], *status);
+        copiedAhead_[indices[i] - first] = true;
+    }
+    return copied;
 }
 
 /// The first thing that was made at the destination: what others must know of it, and what is to be learned

@@ -18,6 +18,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace ombrel {
 
@@ -84,6 +85,7 @@ private:
     [[nodiscard]] CopyResult<void> enterFolder(Index index);
     [[nodiscard]] CopyResult<void> makeFolder(Index index);
     [[nodiscard]] CopyResult<void> beginTop(int fd, const FileStatus& status);
+    [[nodiscard]] CopyResult<void> copySmallFiles(Index folder);
     [[nodiscard]] CopyResult<void> leaveFolder();
     [[nodiscard]] CopyResult<void> copyEntry(Index index);
     [[nodiscard]] CopyResult<void> copyFile(Index index);
@@ -95,6 +97,9 @@ private:
     [[nodiscard]] POSIX::Place sourcePlace(Index index) const noexcept;
     [[nodiscard]] POSIX::Place copyPlace(Index index) const noexcept;
 
+    /// As many files are worth a second thread.
+    static constexpr std::size_t fewestForTwo = 12;
+
     Settings settings_;
     CopyObserver& observer_;
     FileContent content_;
@@ -104,6 +109,9 @@ private:
     const char* sourceName_ = nullptr;
     const char* copyName_ = nullptr;
     std::shared_ptr<const FolderPair> pair_; // of the folders that the walk is in, once a file needs it
+    /// Of the folder that was entered last, from its first child on: what is copied already.
+    std::vector<bool> copiedAhead_;
+    Index firstAhead_ = 0;
     std::int64_t copiedOfFile_ = 0;
     bool fileHasAttributes_ = false; // the file that was copied last
     OwnedFd top_;

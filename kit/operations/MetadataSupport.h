@@ -32,6 +32,8 @@ public:
     [[nodiscard]] bool needsProof(Feature feature) const noexcept {
         return mayPretend_ && (proven_ & bit(feature)) == 0;
     }
+    /// Whether anything may need proof.
+    [[nodiscard]] bool mayPretend() const noexcept { return mayPretend_; }
     void prove(Feature feature, bool isKept) noexcept {
         proven_ |= bit(feature);
         if (!isKept) refuse(feature);

@@ -113,11 +113,20 @@ Verification PairChecker::finish() {
     } else {
         handOver();
     }
-    while (takeOne(own_)) {
+    while (compareSome()) {
     }
+    waitUntilIdle();
+    const std::scoped_lock lock(lock_);
+    return std::exchange(worst_, Verification::identical);
+}
+
+bool PairChecker::compareSome() {
+    return takeOne(own_);
+}
+
+void PairChecker::waitUntilIdle() {
     std::unique_lock lock(lock_);
     changed_.wait(lock, [&] { return !isBusy_ && waiting_.empty(); });
-    return std::exchange(worst_, Verification::identical);
 }
 
 void PairChecker::abandon() {

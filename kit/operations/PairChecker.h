@@ -38,10 +38,17 @@ public:
     using Work = std::function<Verification(FilePairComparison&)>;
     void add(Work work);
 
+    /// Does one piece of what waits, on this thread; answers whether there was any.
+    bool compareSome();
+    /// Waits until the other thread has done what it is at; nothing is left when `compareSome` found nothing.
+    void waitUntilIdle();
     /// Compares what is left and answers the worst of all pairs since the last call.
     [[nodiscard]] Verification finish();
     /// Drops what is left; the answers so far are forgotten.
     void abandon();
+
+    /// What was given when it was made.
+    [[nodiscard]] const std::function<bool()>& goesOn() const noexcept { return goesOn_; }
 
 private:
     struct Pair {

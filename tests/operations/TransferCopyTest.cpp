@@ -60,5 +60,29 @@ TEST(TransferCopy, CarriesEverything) {
     EXPECT_THAT(world.answers.errors, IsEmpty());
 }
 
+TEST(TransferCopy, CarriesEverythingOfFoldersThatTwoThreadsCopy) {
+    const TempTree tree;
+    tree.folder("source");
+    fill(tree, "source/deep");
+    for (int i = 0; i < 300; ++i) {
+        const auto name = "source/deep/file" + std::to_string(i);
+        tree.fileOfSize(name, i * 331); // the last ones are too large for the short way
+        const struct timespec times[2] = {{i, 7}, {1'000'000'000 + i, i}};
+        ::chmod(tree.path(name).c_str(), i % 2 == 0 ? 0640 : 0444);
+        if (i % 3 == 0) ::chown(tree.path(name).c_str(), 1000 + i, 2000);
+        if (i % 5 == 0) ::setxattr(tree.path(name).c_str(), "user.number", &i, sizeof i, 0);
+        ::utimensat(AT_FDCWD, tree.path(name).c_str(), times, 0);
+    }
+    const auto target = tree.folder("target");
+    TransferWorld world;
+    const auto report = world.copy({tree.url("source")}, target);
+    EXPECT_EQ(report.overall(), OperationReport::Overall::succeeded);
+    EXPECT_THAT(differences(snapshotOf(tree.url("source")), snapshotOf(tree.url("target/source"))),
+                IsEmpty());
+    EXPECT_THAT(tree.names("target"), ElementsAre("source"));
+    const auto& last = world.answers.reports.back();
+    EXPECT_EQ(last.completedBytes, last.totalBytes);
+}
+
 } // namespace
 } // namespace ombrel

@@ -66,6 +66,15 @@ void makeSourceTree(const TransferStage& stage) {
     makeTree(stage.from, "item");
 }
 
+/// Files enough to be copied by two threads, all but the large one and the sparse one.
+void makeWideTree(const TransferStage& stage) {
+    makeTree(stage.from, "item");
+    for (int i = 0; i < 12; ++i)
+        makeFile(stage.from, "item/file" + std::to_string(i));
+    stage.from.file("item/empty", "");
+    stage.from.file("item/large", std::string(70'000, 'x'));
+}
+
 void makeFileOverFile(const TransferStage& stage) {
     makeFile(stage.from, "item");
     stage.to.file("target/item", oldContents);
@@ -110,6 +119,7 @@ std::vector<TransferScenario> allScenarios() {
     return {
         {"CopyFile", Kind::copy, false, skip, {"item"}, single, makeSourceFile},
         {"CopyTree", Kind::copy, false, skip, {"item"}, single, makeSourceTree},
+        {"CopyWideTree", Kind::copy, false, skip, {"item"}, single, makeWideTree},
         {"CopyFileReplacing", Kind::copy, false, replace, {"item"}, single, makeFileOverFile},
         {"CopyTreeReplacingFile", Kind::copy, false, replace, {"item"}, single, makeTreeOverFile},
         {"CopyFileReplacingFolder", Kind::copy, false, replace, {"item"}, single, makeFileOverTree},
