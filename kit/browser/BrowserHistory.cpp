@@ -32,7 +32,7 @@ std::shared_ptr<const SelectionMemory> BrowserHistory::selectionOnReturn(const H
     const auto& folder = entry.location.folderURL();
     if (!folder || !left) return nullptr;
     const auto through = child(*folder, *left);
-    return through ? SelectionMemory::of({*through}, *folder) : nullptr;
+    return through ? SelectionMemory::of(std::vector<FileURL>{*through}) : nullptr;
 }
 
 } // namespace ombrel

@@ -21,6 +21,10 @@ public:
     enum class Direction : unsigned char { back, forward };
 
     [[nodiscard]] bool canGo(Direction to) const noexcept { return !stack(to).empty(); }
+    /// Where it can go that way; nothing when it cannot.
+    [[nodiscard]] std::optional<Location> nearest(Direction to) const {
+        return canGo(to) ? std::optional(stack(to).back().location) : std::nullopt;
+    }
     /// A new way is taken from `left`; what lay ahead is forgotten.
     void record(HistoryEntry left);
     /// The nearest entry that way; `left` becomes the nearest the other way. Nothing when there is none.

@@ -5,8 +5,10 @@
 #include "base/PathInput.h"
 #include "base/Text.h"
 #include "browser/Disposal.h"
+#include "services/AppServices.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace ombrel {
@@ -18,6 +20,9 @@ constexpr std::int64_t wholeListing = (std::int64_t{1} << 61) - 1;
 
 /// How long a changing folder has to be quiet before it is read again.
 constexpr DirectoryWatcher::Seconds quietTime(0.25);
+
+/// Up to so many items are looked through for names without a worker.
+constexpr std::size_t lookedThroughInNoTime = 2000;
 
 std::optional<std::size_t> rowOf(const FileItemList& items, ItemRef item) {
     const auto order = items.order();
@@ -34,14 +39,24 @@ void dispose(ListedItems listed) {
 } // namespace
 
 BrowserModel::BrowserModel(ListingFeed::Source source, QObject* parent)
-    : QObject(parent),
-      feed_(std::move(source), {.show = [this](ListedItems listed) { apply(std::move(listed)); },
-                                .fail = [this](DirectoryError error) { fail(error); }}),
+    : BrowserModel(std::move(source), SearchProvider::results, parent) {}
+
+BrowserModel::BrowserModel(ListingFeed::Source source, ListingFeed::SearchSource searchSource,
+                           QObject* parent)
+    : QObject(parent), feed_(std::move(source),
+                             {.show = [this](ListedItems listed) { apply(std::move(listed)); },
+                              .fail = [this](DirectoryError error) { fail(error); }},
+                             std::move(searchSource)),
       live_([this] { refresh(); }), watcher_(quietTime, [this](auto event) { handleWatcher(event); }) {}
 
 BrowserModel::~BrowserModel() {
     selection_ = {};
     dispose(std::move(listed_));
+}
+
+void BrowserModel::setServices(AppServices& services) {
+    services_ = &services;
+    connect(&services.volumes(), &VolumeMonitor::observed, this, &BrowserModel::handleVolumeEvent);
 }
 
 QString BrowserModel::title() const {
@@ -52,6 +67,11 @@ QString BrowserModel::title() const {
 
 bool BrowserModel::canGoUp() const noexcept {
     return currentURL() && !currentURL()->isRoot();
+}
+
+bool BrowserModel::hasReachedSearchLimit() const noexcept {
+    return showsSearch() && state_ == ListingState::Case::loaded &&
+           allItems().size() >= SearchProvider::resultLimit;
 }
 
 // ---- Navigation
@@ -76,7 +96,7 @@ std::optional<std::string> BrowserModel::navigateToTypedPath(std::string_view te
 
 void BrowserModel::go(const Location& to, bool recordHistory, const std::vector<FileURL>& selecting) {
     if (recordHistory && to != location_) history_.record(currentEntry());
-    load(to, to.folderURL() ? SelectionMemory::of(selecting, *to.folderURL()) : nullptr);
+    load(to, SelectionMemory::of(selecting));
 }
 
 void BrowserModel::goAlong(BrowserHistory::Direction direction) {
@@ -93,11 +113,47 @@ void BrowserModel::goUp() {
 }
 
 void BrowserModel::refresh() {
-    if (const auto& folder = currentURL()) reload(*folder);
+    if (services_) services_->clipboard().revalidateCut();
+    switch (location_.which()) {
+    case Location::Case::folder: return reload(*currentURL());
+    case Location::Case::search:
+        return load(location_, selection_.empty() ? pendingMemory() : SelectionMemory::of(selection_));
+    case Location::Case::home:
+        if (services_) services_->volumes().refreshCapacities();
+        return;
+    }
 }
 
 HistoryEntry BrowserModel::currentEntry() const {
     return {location_, SelectionMemory::of(selection_)};
+}
+
+// ---- Searches
+
+void BrowserModel::search(const std::string& text) {
+    if (!currentURL() || text.empty()) return;
+    go(Location::search(*currentURL(), text), !showsSearch(), {});
+}
+
+void BrowserModel::stopSearch() {
+    if (!isSearching()) return;
+    feed_.halt();
+    listed_.isComplete = true;
+    state_ = ListingState::Case::loaded;
+    bool restored = false;
+    if (pending_) {
+        const ItemSet found = pending_->memory->find(allItems());
+        restored = applyPendingSelection(&found);
+    }
+    if (restored) Q_EMIT selectionChanged();
+    Q_EMIT listingStateChanged();
+}
+
+void BrowserModel::leaveSearch() {
+    if (!showsSearch()) return;
+    const Location folder = Location::folder(*currentURL());
+    if (history_.nearest(BrowserHistory::Direction::back) == folder) return goBack();
+    go(folder, true, {});
 }
 
 // ---- Listings
@@ -107,30 +163,46 @@ void BrowserModel::load(const Location& to, std::shared_ptr<const SelectionMemor
     location_ = to;
     clear();
     watcher_.stop();
-    hasPendingSelection_ = selecting && !selecting->empty();
-    if (const auto& folder = to.folderURL()) {
-        state_ = ListingState::Case::loading;
-        watcher_.watch(*folder);
+    pending_.reset();
+    if (selecting && !selecting->empty()) pending_ = PendingSelection{.memory = std::move(selecting)};
+    state_ = startListing();
+    Q_EMIT locationChanged();
+    Q_EMIT historyChanged();
+    publishEmptiness();
+}
+
+/// Of the present location; answers with the state that it begins in.
+ListingState BrowserModel::startListing() {
+    switch (location_.which()) {
+    case Location::Case::folder:
+        watcher_.watch(*currentURL());
         live_.listingBegan();
-        feed_.start({.request = {.url = *folder,
+        feed_.start({.request = {.url = *currentURL(),
                                  .generation = generation_,
                                  .sort = wish_.sort,
                                  .directoriesOnly = false,
                                  .firstBatchSize = firstBatchSize},
-                     .remembered = hasPendingSelection_ ? std::move(selecting) : nullptr,
+                     .sought = pendingMemory(),
                      .arming = watcher_.arming()},
                     wish_);
-    } else {
-        state_ = ListingState::Case::loaded;
-        feed_.stop();
+        return ListingState::Case::loading;
+    case Location::Case::search:
         live_.forget();
+        feed_.start({.request = {.folder = *currentURL(),
+                                 .text = searchQuery(),
+                                 .generation = generation_,
+                                 .includesHidden = wish_.filter.showsHidden,
+                                 .includesProtected = wish_.filter.showsProtected},
+                     .sought = pendingMemory()},
+                    wish_);
+        return ListingState::Case::loading;
+    case Location::Case::home:
+        live_.forget();
+        feed_.stop();
+        if (services_) services_->volumes().refreshCapacities();
+        return ListingState::Case::loaded;
     }
-    Q_EMIT locationChanged();
-    Q_EMIT historyChanged();
-    Q_EMIT itemsChanged();
-    Q_EMIT selectionChanged();
-    Q_EMIT currentRowChanged();
-    Q_EMIT listingStateChanged();
+    std::unreachable();
 }
 
 void BrowserModel::reload(const FileURL& url) {
@@ -142,7 +214,7 @@ void BrowserModel::reload(const FileURL& url) {
                              .sort = wish_.sort,
                              .directoriesOnly = false,
                              .firstBatchSize = wholeListing},
-                 .remembered = nullptr,
+                 .sought = pendingMemory(),
                  .arming = watcher_.arming(),
                  .replaced = listed_.arrangement.all},
                 wish_);
@@ -151,22 +223,49 @@ void BrowserModel::reload(const FileURL& url) {
 void BrowserModel::handleWatcher(DirectoryWatcher::Event event) {
     switch (event) {
     case DirectoryWatcher::Event::contentsChanged: return live_.noteChange();
-    case DirectoryWatcher::Event::directoryInvalidated: return invalidate();
+    case DirectoryWatcher::Event::directoryInvalidated: return abandon(ListingState::Case::invalidated);
     }
 }
 
-void BrowserModel::invalidate() {
+/// The place stays, what it listed goes.
+void BrowserModel::abandon(ListingState state) {
     ++generation_;
     watcher_.stop();
     feed_.stop();
     live_.forget();
     clear();
-    hasPendingSelection_ = false;
-    state_ = ListingState::Case::invalidated;
+    pending_.reset();
+    state_ = state;
+    publishEmptiness();
+}
+
+void BrowserModel::publishEmptiness() {
     Q_EMIT itemsChanged();
     Q_EMIT selectionChanged();
     Q_EMIT currentRowChanged();
     Q_EMIT listingStateChanged();
+}
+
+void BrowserModel::handleVolumeEvent(const VolumeMonitor::Event& event) {
+    using Kind = VolumeMonitor::Event::Kind;
+    if (isHome()) {
+        if (services_) services_->volumes().refreshCapacities();
+        return;
+    }
+    if (event.url.isRoot() || !currentURL()->standardized().isWithin(event.url.standardized())) return;
+    const auto unavailable = ListingState::failed(DirectoryError::Case::volumeUnavailable);
+    if (event.kind == Kind::unmounted) abandon(unavailable);
+    // The pane has said that the folder will come back.
+    if (event.kind == Kind::mounted && state_ == unavailable) refresh();
+}
+
+void BrowserModel::requestAccess() {
+    if (!services_ || !currentURL()) return;
+    services_->access().requestAccess(
+        *currentURL(), "access.panel.message", nullptr,
+        [self = QPointer(this), asked = location_](const AccessManager::Grant& grant) {
+            if (self && grant && self->location_ == asked) self->refresh();
+        });
 }
 
 void BrowserModel::clear() {
@@ -177,6 +276,8 @@ void BrowserModel::clear() {
 }
 
 void BrowserModel::apply(ListedItems listed) {
+    // A search that was stopped does not go on because what it found is sorted anew.
+    if (showsSearch() && state_ == ListingState::Case::loaded) listed.isComplete = true;
     if (isHeld_) {
         if (listed.isComplete && listed.generation == generation_) live_.listingEnded();
         if (auto outdated = std::exchange(held_, std::move(listed))) dispose(std::move(*outdated));
@@ -186,7 +287,7 @@ void BrowserModel::apply(ListedItems listed) {
     // A rearrangement of what is shown says nothing new about the listing.
     const bool isNews = listed.generation != listed_.generation || listed.step != listed_.step;
     const auto succession = std::exchange(listed.succession, nullptr);
-    const auto remembered = std::exchange(listed.remembered, nullptr);
+    const auto found = std::exchange(listed.found, nullptr);
     ListedItems before = std::exchange(listed_, std::move(listed));
     const auto stateBefore = state_;
     if (isNews) state_ = listed_.isComplete ? ListingState::Case::loaded : ListingState::Case::loading;
@@ -196,7 +297,8 @@ void BrowserModel::apply(ListedItems listed) {
                                succession ? succession->successors(selection_.set()) : selection_.set());
     const auto currentBefore = row(Place::current);
     follow(before.arrangement.items, succession.get());
-    const bool restored = isNews && listed_.isComplete && applyPendingSelection(remembered.get());
+    const bool isSought = pending_ && listed_.isComplete && listed_.sought == pending_->memory;
+    const bool restored = isSought && applyPendingSelection(found.get());
     dispose(std::move(before));
 
     Q_EMIT itemsChanged();
@@ -233,12 +335,39 @@ void BrowserModel::follow(const FileItemList& before, const ItemSuccession* succ
     }
 }
 
-bool BrowserModel::applyPendingSelection(const ItemSet* remembered) {
-    if (!std::exchange(hasPendingSelection_, false) || !selection_.empty() || !remembered) return false;
-    selection_ = FileSelection(items(), listed_.arrangement.members, *remembered);
-    const auto first = selection_.firstRow();
-    if (!first) return false;
-    mark(Place::current) = mark(Place::anchor) = Mark{items().order()[*first], *first};
+std::shared_ptr<const SelectionMemory> BrowserModel::pendingMemory() const {
+    return pending_ ? pending_->memory : nullptr;
+}
+
+void BrowserModel::selectWhenListed(const std::vector<FileURL>& urls, Insistence insistence) {
+    std::vector<FileURL> here;
+    std::ranges::copy_if(urls, std::back_inserter(here),
+                         [&](const FileURL& url) { return location_.mayList(url); });
+    if (here.empty()) return;
+    pending_ = PendingSelection{
+        .memory = SelectionMemory::of(std::move(here)), .insistence = insistence, .isForOneListing = false};
+    if (listed_.isComplete && items().size() <= lookedThroughInNoTime) {
+        const ItemSet found = pending_->memory->find(items());
+        if (applyPendingSelection(&found)) {
+            Q_EMIT selectionChanged();
+            Q_EMIT currentRowChanged();
+            if (row(Place::current)) Q_EMIT revealRequested(*row(Place::current));
+        }
+    }
+    if (pending_) feed_.seek(listed_, pending_->memory);
+}
+
+bool BrowserModel::applyPendingSelection(const ItemSet* found) {
+    PendingSelection& pending = *pending_;
+    const bool isOverruled = pending.isOverruled && pending.insistence == Insistence::yields;
+    FileSelection restored(items(), listed_.arrangement.members, found ? *found : ItemSet());
+    const bool isMore = restored.count() > std::exchange(pending.foundCount, restored.count());
+    if (isOverruled || pending.isForOneListing || restored.count() == pending.memory->count())
+        pending_.reset();
+    if (isOverruled || !isMore) return false;
+    selection_ = std::move(restored);
+    const std::size_t first = *selection_.firstRow();
+    mark(Place::current) = mark(Place::anchor) = Mark{items().order()[first], first};
     return true;
 }
 
@@ -262,8 +391,29 @@ void BrowserModel::setSort(const FileSort& sort) {
 
 void BrowserModel::setFilter(const ItemFilter& filter) {
     if (filter == wish_.filter) return;
+    const bool findsMore = (filter.showsHidden && !wish_.filter.showsHidden) ||
+                           (filter.showsProtected && !wish_.filter.showsProtected);
     changeWish({wish_.sort, filter});
     Q_EMIT filterChanged();
+    // What a search was not to find it has not kept.
+    if (showsSearch() && findsMore) refresh();
+}
+
+void BrowserModel::setViewMode(ViewMode mode) {
+    if (std::exchange(viewMode_, mode) != mode) Q_EMIT viewModeChanged();
+}
+
+void BrowserModel::setTextEditing(bool editing) {
+    if (std::exchange(isTextEditing_, editing) != editing) Q_EMIT focusChanged();
+}
+
+void BrowserModel::setFileViewHasFocus(bool has) {
+    if (std::exchange(fileViewHasFocus_, has) != has) Q_EMIT focusChanged();
+}
+
+void BrowserModel::setLastReport(std::optional<OperationReport> report) {
+    lastReport_ = std::move(report);
+    Q_EMIT lastReportChanged();
 }
 
 void BrowserModel::changeWish(const ItemWish& wish) {
@@ -274,6 +424,7 @@ void BrowserModel::changeWish(const ItemWish& wish) {
 // ---- Selection and rows
 
 void BrowserModel::setSelection(FileSelection selection) {
+    if (pending_) pending_->isOverruled = !selection.empty() || pending_->foundCount > 0;
     if (selection == selection_) return;
     selection_ = std::move(selection);
     Q_EMIT selectionChanged();

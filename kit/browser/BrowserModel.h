@@ -1,18 +1,24 @@
 #pragma once
 
 #include "browser/BrowserHistory.h"
+#include "browser/BrowserPrompter.h"
 #include "browser/FileSelection.h"
 #include "browser/ItemArrangement.h"
 #include "browser/ListingFeed.h"
 #include "browser/ListingState.h"
 #include "browser/LiveReload.h"
 #include "browser/Location.h"
+#include "browser/ViewMode.h"
 #include "listing/FileItemList.h"
 #include "listing/FileSort.h"
+#include "operations/OperationReport.h"
 #include "services/DirectoryWatcher.h"
+#include "services/VolumeMonitor.h"
 
 #include <QObject>
+#include <QPointer>
 #include <QString>
+#include <QUuid>
 
 #include <array>
 #include <cstdint>
@@ -25,6 +31,8 @@
 
 namespace ombrel {
 
+class AppServices;
+
 /// The model of one browser pane: where it is, its history, the listing it shows, what is selected and how it
 /// is sorted.
 ///
@@ -34,6 +42,7 @@ namespace ombrel {
 ///
 /// The folder that is shown is watched, and read again after it has changed (`LiveReload`). When it was
 /// removed or renamed away itself, its items go and the state is `invalidated` until it is refreshed or left.
+/// What a search finds is shown as a listing that grows; it is not watched.
 ///
 /// What is selected, the current row, the anchor row and the scroll row belong to items, not to row numbers:
 /// they stay with their items while the listing grows, is sorted, filtered or reloaded, and follow a rename.
@@ -44,11 +53,30 @@ class BrowserModel final : public QObject {
 public:
     /// Starts at `home`, loaded, sorted by name.
     explicit BrowserModel(ListingFeed::Source source, QObject* parent = nullptr);
+    BrowserModel(ListingFeed::Source source, ListingFeed::SearchSource searchSource,
+                 QObject* parent = nullptr);
     ~BrowserModel() override;
+
+    /// Of the pane, and of its tab.
+    [[nodiscard]] const QUuid& id() const noexcept { return id_; }
+    /// What the pane does with volumes, the clipboard and grants it does from now on through these, which
+    /// must outlive it. Called once, by who makes the pane.
+    void setServices(AppServices& services);
+    /// Nothing in a pane that stands alone.
+    [[nodiscard]] AppServices* services() const noexcept { return services_; }
+    /// Who puts the questions of this pane's commands; held weakly.
+    [[nodiscard]] BrowserPrompter* prompter() const noexcept { return prompter_; }
+    void setPrompter(BrowserPrompter* prompter) { prompter_ = prompter; }
 
     // ---- Where the pane is
     [[nodiscard]] const Location& location() const noexcept { return location_; }
+    /// The folder that is shown, or searched; nothing at home.
     [[nodiscard]] const std::optional<FileURL>& currentURL() const noexcept { return location_.folderURL(); }
+    [[nodiscard]] bool isHome() const noexcept { return location_.which() == Location::Case::home; }
+    /// Whether it shows what a search has found, or finds.
+    [[nodiscard]] bool showsSearch() const noexcept { return location_.which() == Location::Case::search; }
+    /// The text that is searched; empty when none is.
+    [[nodiscard]] const std::string& searchQuery() const noexcept { return location_.searchText(); }
     /// What a tab or window is called: the folder's name, the whole path of the root; empty at home.
     [[nodiscard]] QString title() const;
     [[nodiscard]] bool canGoBack() const noexcept { return history_.canGo(BrowserHistory::Direction::back); }
@@ -69,8 +97,27 @@ public:
     void goForward() { goAlong(BrowserHistory::Direction::forward); }
     /// To the parent folder, with the folder that was left selected in it. Nothing at the root and at home.
     void goUp();
-    /// Reads the folder again; what is shown stays until the new listing is complete.
+    /// Reads the folder again; what is shown stays until the new listing is complete. A search begins anew;
+    /// at home the capacities of the volumes are read.
     void refresh();
+
+    /// Shows what has `text` in its name below the folder that is shown. A search out of a search is one step
+    /// of the history with it. Nothing at home and for an empty text.
+    void search(const std::string& text);
+    /// Ends the search under way; what it has found stays.
+    void stopSearch();
+    /// Leaves a search for the folder that was searched, with the selection that it had.
+    void leaveSearch();
+    [[nodiscard]] bool isSearching() const noexcept {
+        return showsSearch() && state_ == ListingState::Case::loading;
+    }
+    /// Whether the search has ended because it found as much as a search may.
+    [[nodiscard]] bool hasReachedSearchLimit() const noexcept;
+
+    /// Lets the user grant the folder that cannot be read, and reads it again when that was done.
+    void requestAccess();
+    /// For whoever observes the volumes in the place of `services`.
+    void handleVolumeEvent(const VolumeMonitor::Event& event);
 
     // ---- What it shows
     [[nodiscard]] const ListingState& listingState() const noexcept { return state_; }
@@ -89,6 +136,8 @@ public:
     [[nodiscard]] const FileSort& itemsSort() const noexcept { return listed_.arrangement.wish.sort; }
     [[nodiscard]] const ItemFilter& filter() const noexcept { return wish_.filter; }
     void setFilter(const ItemFilter& filter);
+    [[nodiscard]] ViewMode viewMode() const noexcept { return viewMode_; }
+    void setViewMode(ViewMode mode);
 
     /// While it is held nothing of a listing that arrives is shown; for gestures that rows must not slip away
     /// under.
@@ -98,6 +147,13 @@ public:
     [[nodiscard]] const FileSelection& selection() const noexcept { return selection_; }
     /// `selection` is of the present `items`.
     void setSelection(FileSelection selection);
+
+    /// Whether a selection that the user makes meanwhile is respected.
+    enum class Insistence : std::uint8_t { yields, insists };
+    /// Selects and reveals the items once a complete listing of this place holds them: those that are there
+    /// already at once or soon, others after the reload that brings them. Items that lie elsewhere are
+    /// passed over. Given up when the place is left.
+    void selectWhenListed(const std::vector<FileURL>& urls, Insistence insistence = Insistence::yields);
 
     /// A row that stays with its item.
     enum class Place : std::uint8_t {
@@ -109,6 +165,16 @@ public:
     void setRow(Place place, std::optional<std::size_t> row);
     /// The row of an item of the present listing; nothing when it is filtered out.
     [[nodiscard]] std::optional<std::size_t> rowOf(ItemRef item) const noexcept;
+
+    // ---- What else is known of it
+    /// Whether a text field of the pane has the keyboard.
+    [[nodiscard]] bool isTextEditing() const noexcept { return isTextEditing_; }
+    void setTextEditing(bool editing);
+    [[nodiscard]] bool fileViewHasFocus() const noexcept { return fileViewHasFocus_; }
+    void setFileViewHasFocus(bool has);
+    /// Of the last file operation that this pane gave.
+    [[nodiscard]] const std::optional<OperationReport>& lastReport() const noexcept { return lastReport_; }
+    void setLastReport(std::optional<OperationReport> report);
 
     // ---- What its owners do for it. An absent one means that nobody does.
     std::function<void()> requestAddressFocus;
@@ -131,11 +197,15 @@ Q_SIGNALS:
     /// The items, their number or their order, and with them the rows of everything that stays with its item.
     void itemsChanged();
     void sortChanged();
+    void viewModeChanged();
     void filterChanged();
     void selectionChanged();
     void currentRowChanged();
     /// A selection was restored and wants to be seen.
     void revealRequested(std::size_t row);
+    /// `isTextEditing` or `fileViewHasFocus`.
+    void focusChanged();
+    void lastReportChanged();
 
 private:
     struct Mark {
@@ -143,26 +213,45 @@ private:
         std::size_t row;
     };
 
+    /// Items that are to be selected once they are listed.
+    struct PendingSelection {
+        std::shared_ptr<const SelectionMemory> memory;
+        Insistence insistence = Insistence::yields;
+        bool isForOneListing = true; ///< given up with the first complete listing
+        bool isOverruled = false;    ///< the user has selected something since
+        std::size_t foundCount = 0;  ///< so many of them have been selected already
+    };
+
     std::optional<Mark>& mark(Place place) noexcept { return marks_[static_cast<std::size_t>(place)]; }
     void goAlong(BrowserHistory::Direction direction);
     [[nodiscard]] HistoryEntry currentEntry() const;
     void load(const Location& to, std::shared_ptr<const SelectionMemory> selecting);
+    [[nodiscard]] ListingState startListing();
     void reload(const FileURL& url);
     void handleWatcher(DirectoryWatcher::Event event);
-    void invalidate();
+    void abandon(ListingState state);
+    void publishEmptiness();
     void clear();
     void apply(ListedItems listed);
     void follow(const FileItemList& before, const ItemSuccession* succession);
-    [[nodiscard]] bool applyPendingSelection(const ItemSet* remembered);
+    [[nodiscard]] std::shared_ptr<const SelectionMemory> pendingMemory() const;
+    [[nodiscard]] bool applyPendingSelection(const ItemSet* found);
     void fail(DirectoryError error);
     void changeWish(const ItemWish& wish);
 
+    const QUuid id_ = QUuid::createUuid();
+    AppServices* services_ = nullptr;
+    QPointer<BrowserPrompter> prompter_;
     Location location_;
     ListingState state_ = ListingState::Case::loaded;
     BrowserHistory history_;
     ItemWish wish_;
     std::uint64_t generation_ = 0;
-    bool hasPendingSelection_ = false;
+    ViewMode viewMode_ = ViewMode::details;
+    bool isTextEditing_ = false;
+    bool fileViewHasFocus_ = false;
+    std::optional<OperationReport> lastReport_;
+    std::optional<PendingSelection> pending_;
     bool isHeld_ = false;
     std::optional<ListedItems> held_; ///< the newest that arrived meanwhile
     ListedItems listed_;

@@ -52,7 +52,7 @@ void FolderBranch::read() {
     if (isWatched_) watcher_.watch(folder_);
     ListingFeed::Order order{
         .request = {.url = folder_, .generation = ++generation_, .directoriesOnly = true},
-        .remembered = nullptr,
+        .sought = nullptr,
         .arming = isWatched_ ? watcher_.arming() : FolderWatch::Arming(),
         .replaced = wasRead_ ? std::optional(listed_.arrangement.all) : std::nullopt};
     feed_.start(std::move(order), wish());

@@ -3,6 +3,7 @@
 #include "base/MainThread.h"
 #include "base/Worker.h"
 #include "browser/Disposal.h"
+#include "browser/SearchMatches.h"
 
 #include <cassert>
 #include <chrono>
@@ -15,7 +16,12 @@ namespace ombrel {
 /// What a listing's worker and the main thread share.
 class ListingFeed::Outbox {
 public:
-    explicit Outbox(const ItemWish& wish) : wish_(wish) {}
+    struct Wish {
+        ItemWish items;
+        std::shared_ptr<const SelectionMemory> sought;
+    };
+
+    explicit Outbox(Wish wish) : wish_(std::move(wish)) {}
 
     /// Each answers whether the main thread has to be woken.
     bool put(ListedItems listed) {
@@ -47,18 +53,18 @@ public:
         return {std::exchange(waiting_, std::nullopt), std::nullopt};
     }
 
-    [[nodiscard]] ItemWish wish() const {
+    [[nodiscard]] Wish wish() const {
         const std::scoped_lock lock(mutex_);
         return wish_;
     }
-    void setWish(const ItemWish& wish) {
+    void setWish(Wish wish) {
         const std::scoped_lock lock(mutex_);
-        wish_ = wish;
+        wish_ = std::move(wish);
     }
 
 private:
     mutable std::mutex mutex_; // guards everything below
-    ItemWish wish_;
+    Wish wish_;
     std::optional<ListedItems> waiting_;
     std::optional<DirectoryError> failure_;
     bool isAnnounced_ = false;
@@ -68,33 +74,45 @@ private:
 /// The main thread's end. Workers know it weakly and only to hand it on in what they post.
 class ListingFeed::Desk : public std::enable_shared_from_this<Desk> {
 public:
-    Desk(Source source, Consumer consumer) : source_(std::move(source)), consumer_(std::move(consumer)) {}
+    Desk(Source source, SearchSource searchSource, Consumer consumer)
+        : source_(std::move(source)), searchSource_(std::move(searchSource)), consumer_(std::move(consumer)) {
+    }
     ~Desk() { abandon(); }
 
     void start(Order order, const ItemWish& wish);
+    void start(SearchOrder order, const ItemWish& wish);
     void stop() {
         abandon();
         shown_.reset();
     }
+    void halt();
     void rearrange(ListedItems shown, const ItemWish& wish);
+    void seek(ListedItems shown, std::shared_ptr<const SelectionMemory> sought);
 
 private:
     struct State {
         std::uint64_t generation;
         std::uint64_t step;
         ItemWish wish;
+        std::shared_ptr<const SelectionMemory> sought;
     };
+    class Delivery;
+    using Work = std::function<void(const Delivery&, const std::stop_token&)>;
 
+    void begin(std::uint64_t generation, Outbox::Wish wish, Work work);
     void abandon();
     void collect(const std::shared_ptr<Outbox>& outbox);
     void accept(ListedItems listed);
+    [[nodiscard]] bool isAsWished(const ItemWish& wish, bool isComplete,
+                                  const std::shared_ptr<const SelectionMemory>& sought) const;
     [[nodiscard]] bool isOutdated(const ListedItems& listed) const;
     void arrange(ListedItems listed);
     void arranged(ListedItems listed);
 
     Source source_;
+    SearchSource searchSource_;
     Consumer consumer_;
-    ItemWish wish_;
+    Outbox::Wish wish_;
     std::uint64_t generation_ = 0;
     std::shared_ptr<Outbox> outbox_;
     Worker worker_;
@@ -103,77 +121,144 @@ private:
     std::optional<ListedItems> toArrange_; // waits until the arranging under way is done
 };
 
+/// What a listing's worker hands its results to.
+class ListingFeed::Desk::Delivery {
+public:
+    Delivery(std::shared_ptr<Outbox> outbox, std::weak_ptr<Desk> desk)
+        : outbox_(std::move(outbox)), desk_(std::move(desk)) {}
+
+    [[nodiscard]] Outbox::Wish wish() const { return outbox_->wish(); }
+    void show(ListedItems listed) const {
+        if (outbox_->put(std::move(listed))) wake();
+    }
+    void fail(DirectoryError error) const {
+        if (outbox_->fail(error)) wake();
+    }
+
+private:
+    void wake() const {
+        MainThread::post([outbox = outbox_, desk = desk_] {
+            if (const auto self = desk.lock()) self->collect(outbox);
+        });
+    }
+
+    std::shared_ptr<Outbox> outbox_;
+    std::weak_ptr<Desk> desk_;
+};
+
 namespace {
+
+using Clock = std::chrono::steady_clock;
 
 /// A watch that takes longer reports a change once it stands.
 constexpr std::chrono::milliseconds longestArming(100);
+/// How long a growing listing is not put in order again, in times of what it took.
+constexpr int restPerWork = 4;
 
-/// The consumer of one listing's stream.
-void consume(DirectoryProvider::Stream stream, const ListingFeed::Order& order,
-             const std::function<ItemWish()>& wish, const std::function<void(ListedItems)>& deliver,
-             const std::function<void(DirectoryError)>& fail, const std::stop_token& stop) {
-    using Clock = std::chrono::steady_clock;
-    constexpr int restPerWork = 4;
+void find(ListedItems& listed, std::shared_ptr<const SelectionMemory> sought) {
+    listed.found = sought ? std::make_shared<const ItemSet>(sought->find(listed.arrangement.all)) : nullptr;
+    listed.sought = std::move(sought);
+}
+
+/// The consumer of one folder's stream.
+template <typename Delivery>
+void list(DirectoryProvider::Stream stream, const std::optional<FileItemList>& replaced,
+          const Delivery& delivery, const std::stop_token& stop) {
     Clock::time_point restsUntil = Clock::now(); // until then a newer state takes the place of a partial one
     std::uint64_t step = 0;
     for (;;) {
         auto next = stream.newest(stop);
         if (!next) {
-            if (!next.error().wasCancelled()) fail(next.error().error());
+            if (!next.error().wasCancelled()) delivery.fail(next.error().error());
             return;
         }
         if (!*next) return;
         DirectorySnapshot snapshot = std::move(**next);
-        if (!snapshot.isComplete && (order.replaced || stream.waitUntil(restsUntil, stop))) continue;
+        if (!snapshot.isComplete && (replaced || stream.waitUntil(restsUntil, stop))) continue;
         const auto began = Clock::now();
 
+        auto wish = delivery.wish();
         ListedItems listed{.generation = snapshot.request.generation,
                            .step = ++step,
                            .arrangement =
-                               ItemArrangement::make(snapshot.items(), snapshot.request.sort, wish()),
+                               ItemArrangement::make(snapshot.items(), snapshot.request.sort, wish.items),
                            .isComplete = snapshot.isComplete,
                            .unreadableCount = snapshot.unreadableCount,
-                           .succession = nullptr,
-                           .remembered = nullptr};
-        const FileItemList& all = listed.arrangement.all;
-        if (order.replaced) listed.succession = std::make_shared<const ItemSuccession>(*order.replaced, all);
-        if (listed.isComplete && order.remembered)
-            listed.remembered = std::make_shared<const ItemSet>(order.remembered->find(all));
-        deliver(std::move(listed));
+                           .succession = nullptr};
+        if (replaced)
+            listed.succession = std::make_shared<const ItemSuccession>(*replaced, listed.arrangement.all);
+        if (listed.isComplete) find(listed, std::move(wish.sought));
+        delivery.show(std::move(listed));
+        restsUntil = Clock::now() + restPerWork * (Clock::now() - began);
+    }
+}
+
+/// The consumer of one search's stream.
+template <typename Delivery>
+void gather(SearchProvider::Stream stream, std::uint64_t generation, const Delivery& delivery,
+            const std::stop_token& stop) {
+    SearchMatches matches(generation);
+    Clock::time_point restsUntil = Clock::now();
+    for (std::uint64_t step = 1;; ++step) {
+        auto next = stream.next(stop);
+        if (!next && next.error().wasCancelled()) return;
+        const bool isComplete = next && !*next;
+        if (next && *next) {
+            matches.add(**next);
+            if (Clock::now() < restsUntil && stream.waitUntil(restsUntil, stop)) continue;
+        }
+        const auto began = Clock::now();
+        auto wish = delivery.wish();
+        ListedItems listed{.generation = generation,
+                           .step = step,
+                           .arrangement = ItemArrangement::make(matches.inOrder(wish.items.sort),
+                                                                wish.items.sort, wish.items),
+                           .isComplete = isComplete,
+                           .succession = nullptr};
+        if (isComplete) find(listed, std::move(wish.sought));
+        delivery.show(std::move(listed));
+        if (!next) return delivery.fail(next.error().error());
+        if (isComplete) return;
         restsUntil = Clock::now() + restPerWork * (Clock::now() - began);
     }
 }
 
 } // namespace
 
+void ListingFeed::Desk::begin(std::uint64_t generation, Outbox::Wish wish, Work work) {
+    wish_ = std::move(wish);
+    generation_ = generation;
+    outbox_ = std::make_shared<Outbox>(wish_);
+    const Delivery delivery(outbox_, weak_from_this());
+    try {
+        worker_ = Worker("ombrel-feed", [delivery, work = std::move(work)](const std::stop_token& stop) {
+            work(delivery, stop);
+        });
+    } catch (const std::system_error& failure) {
+        delivery.fail(DirectoryError::from(failure.code().value()));
+    }
+}
+
 void ListingFeed::Desk::start(Order order, const ItemWish& wish) {
     abandon();
     if (!order.replaced) shown_.reset();
-    wish_ = wish;
-    generation_ = order.request.generation;
-    outbox_ = std::make_shared<Outbox>(wish);
-    const auto wake = [outbox = outbox_, self = weak_from_this()] {
-        MainThread::post([outbox, self] {
-            if (const auto desk = self.lock()) desk->collect(outbox);
-        });
-    };
-    try {
-        worker_ = Worker("ombrel-feed", [wake, outbox = outbox_, source = source_,
-                                         order = std::move(order)](const std::stop_token& stop) {
+    const auto generation = order.request.generation;
+    auto sought = std::move(order.sought);
+    begin(
+        generation, {wish, std::move(sought)},
+        [source = source_, order = std::move(order)](const Delivery& delivery, const std::stop_token& stop) {
             order.arming.wait(longestArming, stop);
-            consume(
-                source(order.request), order, [&] { return outbox->wish(); },
-                [&](ListedItems listed) {
-                    if (outbox->put(std::move(listed))) wake();
-                },
-                [&](DirectoryError error) {
-                    if (outbox->fail(error)) wake();
-                },
-                stop);
+            list(source(order.request), order.replaced, delivery, stop);
         });
-    } catch (const std::system_error& failure) {
-        if (outbox_->fail(DirectoryError::from(failure.code().value()))) wake();
-    }
+}
+
+void ListingFeed::Desk::start(SearchOrder order, const ItemWish& wish) {
+    stop();
+    begin(order.request.generation, {wish, std::move(order.sought)},
+          [source = searchSource_, request = std::move(order.request)](const Delivery& delivery,
+                                                                       const std::stop_token& stop) {
+              gather(source(request), request.generation, delivery, stop);
+          });
 }
 
 void ListingFeed::Desk::abandon() {
@@ -183,10 +268,23 @@ void ListingFeed::Desk::abandon() {
     outbox_.reset();
 }
 
+void ListingFeed::Desk::halt() {
+    worker_ = Worker();
+    if (!outbox_) return;
+    if (auto ready = outbox_->abandon().listed) accept(std::move(*ready));
+    outbox_.reset();
+}
+
 void ListingFeed::Desk::rearrange(ListedItems shown, const ItemWish& wish) {
-    wish_ = wish;
-    if (outbox_) outbox_->setWish(wish);
+    wish_.items = wish;
+    if (outbox_) outbox_->setWish(wish_);
     if (shown_ && shown.arrangement.wish != wish) arrange(std::move(shown));
+}
+
+void ListingFeed::Desk::seek(ListedItems shown, std::shared_ptr<const SelectionMemory> sought) {
+    wish_.sought = std::move(sought);
+    if (outbox_) outbox_->setWish(wish_);
+    if (shown_ && !isAsWished(wish_.items, shown.isComplete, shown.sought)) arrange(std::move(shown));
 }
 
 void ListingFeed::Desk::collect(const std::shared_ptr<Outbox>& outbox) {
@@ -196,16 +294,23 @@ void ListingFeed::Desk::collect(const std::shared_ptr<Outbox>& outbox) {
     if (contents.failure && outbox == outbox_) consumer_.fail(*contents.failure);
 }
 
+bool ListingFeed::Desk::isAsWished(const ItemWish& wish, bool isComplete,
+                                   const std::shared_ptr<const SelectionMemory>& sought) const {
+    return wish == wish_.items && (!isComplete || !wish_.sought || sought == wish_.sought);
+}
+
 bool ListingFeed::Desk::isOutdated(const ListedItems& listed) const {
     if (!shown_ || shown_->generation != listed.generation)
         return listed.generation != generation_ || !outbox_;
-    return listed.step < shown_->step || (listed.step == shown_->step && shown_->wish == wish_);
+    return listed.step < shown_->step ||
+           (listed.step == shown_->step && isAsWished(shown_->wish, listed.isComplete, shown_->sought));
 }
 
 void ListingFeed::Desk::accept(ListedItems listed) {
     if (isOutdated(listed)) return Disposal::elsewhere(std::move(listed));
-    if (listed.arrangement.wish != wish_) return arrange(std::move(listed));
-    shown_ = State{listed.generation, listed.step, wish_};
+    if (!isAsWished(listed.arrangement.wish, listed.isComplete, listed.sought))
+        return arrange(std::move(listed));
+    shown_ = State{listed.generation, listed.step, wish_.items, listed.sought};
     consumer_.show(std::move(listed));
 }
 
@@ -224,7 +329,10 @@ void ListingFeed::Desk::arrange(ListedItems listed) {
         Worker("ombrel-arrange", [self = weak_from_this(), wish = wish_,
                                   listed = std::move(listed)](const std::stop_token&) mutable {
             auto& arrangement = listed.arrangement;
-            arrangement = ItemArrangement::make(std::move(arrangement.all), arrangement.wish.sort, wish);
+            if (arrangement.wish != wish.items)
+                arrangement =
+                    ItemArrangement::make(std::move(arrangement.all), arrangement.wish.sort, wish.items);
+            if (listed.isComplete && listed.sought != wish.sought) find(listed, std::move(wish.sought));
             MainThread::post([self, listed = std::move(listed)]() mutable {
                 if (const auto desk = self.lock()) desk->arranged(std::move(listed));
             });
@@ -242,8 +350,8 @@ void ListingFeed::Desk::arranged(ListedItems listed) {
     if (next) accept(std::move(*next));
 }
 
-ListingFeed::ListingFeed(Source source, Consumer consumer)
-    : desk_(std::make_shared<Desk>(std::move(source), std::move(consumer))) {}
+ListingFeed::ListingFeed(Source source, Consumer consumer, SearchSource searchSource)
+    : desk_(std::make_shared<Desk>(std::move(source), std::move(searchSource), std::move(consumer))) {}
 
 ListingFeed::~ListingFeed() = default;
 
@@ -251,12 +359,24 @@ void ListingFeed::start(Order order, const ItemWish& wish) {
     desk_->start(std::move(order), wish);
 }
 
+void ListingFeed::start(SearchOrder order, const ItemWish& wish) {
+    desk_->start(std::move(order), wish);
+}
+
 void ListingFeed::stop() {
     desk_->stop();
 }
 
+void ListingFeed::halt() {
+    desk_->halt();
+}
+
 void ListingFeed::rearrange(ListedItems shown, const ItemWish& wish) {
     desk_->rearrange(std::move(shown), wish);
+}
+
+void ListingFeed::seek(ListedItems shown, std::shared_ptr<const SelectionMemory> sought) {
+    desk_->seek(std::move(shown), std::move(sought));
 }
 
 } // namespace ombrel

@@ -18,6 +18,7 @@ std::unique_ptr<BrowserModel> makePane(AppServices& services) {
         [&directories = services.directories()](const DirectoryRequest& request) {
             return directories.snapshots(request);
         });
+    pane->setServices(services);
     const AppSettings& settings = services.settings();
     pane->setFilter(filterOf(settings));
     QObject::connect(

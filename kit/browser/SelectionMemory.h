@@ -3,6 +3,7 @@
 #include "base/FileURL.h"
 #include "browser/FileSelection.h"
 
+#include <cstddef>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -10,32 +11,36 @@
 
 namespace ombrel {
 
-/// What was selected in a folder, kept by name for the day the folder is shown again.
+/// What was selected in a place, kept by name for the day the place is shown again.
 ///
 /// Made in no time from a selection of any size: the names of a large one are written down by a worker, and
 /// until then its listing is kept. Immutable to its users; any thread.
 class SelectionMemory {
 public:
     [[nodiscard]] static std::shared_ptr<const SelectionMemory> of(FileSelection selection);
-    /// Those of the locations that are entries of `folder`.
-    [[nodiscard]] static std::shared_ptr<const SelectionMemory> of(const std::vector<FileURL>& urls,
-                                                                   const FileURL& folder);
+    [[nodiscard]] static std::shared_ptr<const SelectionMemory> of(std::vector<FileURL> urls);
 
-    [[nodiscard]] bool empty() const noexcept { return isEmpty_; }
+    [[nodiscard]] bool empty() const noexcept { return count_ == 0; }
+    /// How many items are remembered.
+    [[nodiscard]] std::size_t count() const noexcept { return count_; }
     /// Those of the items that are remembered. Takes time in proportion to the list; for workers.
     [[nodiscard]] ItemSet find(const FileItemList& items) const;
 
 private:
-    explicit SelectionMemory(std::vector<std::string> names)
-        : isEmpty_(names.empty()), names_(std::move(names)) {}
+    struct Group {
+        FileURL folder;
+        std::vector<std::string> names;
+    };
+
+    explicit SelectionMemory(const std::vector<FileURL>& urls);
     explicit SelectionMemory(FileSelection selection)
-        : isEmpty_(selection.empty()), unwritten_(std::move(selection)) {}
+        : count_(selection.count()), unwritten_(std::move(selection)) {}
     void writeDown() const;
 
-    const bool isEmpty_;
+    const std::size_t count_;
     mutable std::mutex mutex_; // guards both
     mutable FileSelection unwritten_;
-    mutable std::vector<std::string> names_;
+    mutable std::vector<Group> groups_; // one for a folder
 };
 
 } // namespace ombrel

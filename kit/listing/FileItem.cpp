@@ -47,7 +47,7 @@ Metadata<std::string_view> FileItemView::typeIdentifier() const {
 
 std::optional<FileIdentity> FileItemView::identity() const {
     if (readError()) return std::nullopt;
-    return FileIdentity{block_->devices[record().device], record().inode};
+    return FileIdentity{block_->places[record().place].device, record().inode};
 }
 
 std::optional<POSIXFailure> FileItemView::readError() const {

@@ -32,8 +32,8 @@ public:
     /// Made when asked for: the folder's location with the name appended, marked as a folder when the entry
     /// is one.
     [[nodiscard]] FileURL url() const;
-    /// The folder that was listed.
-    [[nodiscard]] const FileURL& folder() const noexcept { return block_->folder; }
+    /// The folder that the entry lies in.
+    [[nodiscard]] const FileURL& folder() const noexcept { return block_->places[record().place].folder; }
     /// The bytes of the entry's name.
     [[nodiscard]] std::string_view name() const noexcept { return block_->name(record()); }
     [[nodiscard]] FileKind kind() const noexcept;

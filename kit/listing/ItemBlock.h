@@ -33,25 +33,30 @@ struct ItemRecord {
     std::uint16_t nameLength = 0;
     std::uint16_t keyLength = 0;
     std::uint16_t errorNumber =
-        0;                    ///< why the entry, or a link's target, could not be examined; 0 when it could
-    std::uint16_t device = 0; ///< index into the block's devices
-    std::uint8_t kind = 0;    ///< FileKind::Case
-    std::uint8_t target = 0;  ///< SymlinkTarget::Case
+        0;                   ///< why the entry, or a link's target, could not be examined; 0 when it could
+    std::uint16_t place = 0; ///< index into the block's places
+    std::uint8_t kind = 0;   ///< FileKind::Case
+    std::uint8_t target = 0; ///< SymlinkTarget::Case
     std::uint8_t flags = 0;
 };
 static_assert(sizeof(ItemRecord) == 64);
 
-/// Up to `capacity` entries of one folder with everything that belongs to them: the unit in which a listing
-/// is read, kept and freed. Immutable once shared.
+/// Up to `capacity` entries with everything that belongs to them: the unit in which a listing is read, kept
+/// and freed. Those of a listed folder all lie in it; matches of a search lie in many. Immutable once shared.
 struct ItemBlock {
     /// Two to the power of `slotBits`: a block's number and a slot fit one 32-bit ItemRef.
     static constexpr unsigned slotBits = 14;
     static constexpr std::uint32_t capacity = 1U << slotBits;
 
-    FileURL folder;
+    /// Where entries lie: the folder, and the device of the entry itself, which for a mount point is another.
+    struct Place {
+        FileURL folder;
+        std::uint64_t device = 0;
+    };
+
     std::uint64_t generation = 0;
     std::vector<ItemRecord> records;
-    std::vector<std::uint64_t> devices;
+    std::vector<Place> places;     ///< at least one
     std::unique_ptr<char[]> names; ///< the names, one after another
     std::unique_ptr<char[]> keys;  ///< the names' sort keys, one after another
 

@@ -40,20 +40,20 @@ std::unique_ptr<char[]> exactCopy(const std::string& text) {
 } // namespace
 
 ItemBlockBuilder::ItemBlockBuilder(FileURL folder, std::uint64_t generation, std::size_t expectedItems)
-    : block_(std::make_unique<ItemBlock>()) {
+    : folder_(std::move(folder)), block_(std::make_unique<ItemBlock>()) {
     const auto expected = std::min<std::size_t>(expectedItems, ItemBlock::capacity);
-    block_->folder = std::move(folder);
     block_->generation = generation;
     block_->records.reserve(expected);
     names_.reserve(expected * usualNameLength);
 }
 
-std::uint16_t ItemBlockBuilder::deviceIndex(std::uint64_t device) {
-    auto& devices = block_->devices;
-    if (!devices.empty() && devices.back() == device) return static_cast<std::uint16_t>(devices.size() - 1);
-    auto found = std::ranges::find(devices, device);
-    if (found == devices.end()) found = devices.insert(devices.end(), device);
-    return static_cast<std::uint16_t>(found - devices.begin());
+std::uint16_t ItemBlockBuilder::placeIndex(std::uint64_t device) {
+    auto& places = block_->places;
+    if (!places.empty() && places.back().device == device)
+        return static_cast<std::uint16_t>(places.size() - 1);
+    auto found = std::ranges::find(places, device, &ItemBlock::Place::device);
+    if (found == places.end()) found = places.insert(places.end(), {folder_, device});
+    return static_cast<std::uint16_t>(found - places.begin());
 }
 
 ItemRecord& ItemBlockBuilder::append(std::string_view name, bool isDirectoryHint) {
@@ -79,7 +79,7 @@ void ItemBlockBuilder::examine(POSIX::Place place, std::string_view name, bool i
     const auto kind = kindOf(*status);
     record.kind = raw(kind);
     record.inode = status->identity.inode;
-    record.device = deviceIndex(status->identity.device);
+    record.place = placeIndex(status->identity.device);
     record.modifiedSeconds = status->modified.seconds;
     record.modifiedNanoseconds = status->modified.nanoseconds;
     record.bornSeconds = status->born.seconds;
@@ -142,6 +142,7 @@ std::shared_ptr<const ItemBlock> ItemBlockBuilder::finish(const HiddenNames& hid
         NameCollation::appendKey(name, keys);
         record.keyLength = static_cast<std::uint16_t>(keys.size() - record.keyOffset);
     }
+    if (block_->places.empty()) block_->places.push_back({folder_});
     block_->records.shrink_to_fit();
     block_->names = exactCopy(names_);
     block_->keys = exactCopy(keys);

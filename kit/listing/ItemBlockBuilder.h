@@ -37,9 +37,10 @@ public:
 
 private:
     ItemRecord& append(std::string_view name, bool isDirectoryHint);
-    std::uint16_t deviceIndex(std::uint64_t device);
+    std::uint16_t placeIndex(std::uint64_t device);
     void complete(ItemRecord& record, std::string_view name, const HiddenNames& hidden) const;
 
+    FileURL folder_;
     std::unique_ptr<ItemBlock> block_;
     std::string names_;
     std::int64_t unreadableCount_ = 0;

@@ -10,7 +10,7 @@
 #include <string>
 #include <utility>
 
-#include "qtmain/KitWorld.h"
+#include "qtmain/EventLoop.h"
 
 namespace ombrel::testing {
 
@@ -59,7 +59,6 @@ public:
         (void)runUntil([&] { return services->volumes().isSettled(); });
     }
 
-    KitWorld kit;
     TempTree settingsTree;
     std::shared_ptr<ScriptedScopes> scopes = std::make_shared<ScriptedScopes>();
     std::shared_ptr<MemoryStore> store = std::make_shared<MemoryStore>();
