@@ -2,8 +2,8 @@
 
 #include "base/Worker.h"
 #include "listing/DirectoryProvider.h"
-#include "listing/Floor.h"
 #include "listing/NameCollation.h"
+#include "support/Floor.h"
 #include "support/NamedTree.h"
 #include "support/Report.h"
 
