@@ -1,4 +1,5 @@
 #include "app/Arguments.h"
+#include "app/Lifetime.h"
 #include "app/Picture.h"
 #include "app/Services.h"
 #include "app/Windows.h"
@@ -95,6 +96,8 @@ int runApplication(QApplication& application, const Arguments& arguments) {
     SystemPasteboard pasteboard;
     const auto services = makeServices(std::move(settings), pasteboard);
     std::optional<Windows> windows(std::in_place, theme, *services);
+    const Lifetime lifetime(theme, *services,
+                            [&windows](const FileURL& folder) { windows->open(std::optional(folder)); });
     SettingsFollower follower(services->settings());
     std::unique_ptr<BrowserWindow> pictured;
     if (isPicture) {

@@ -38,12 +38,21 @@ Text titleOf(const ConflictContext& context, std::optional<std::int64_t> batchCo
     return {"conflict.single.title", {FileName::displayText(context.existing.name())}};
 }
 
-ChoiceText replaceAllText() {
-    return {{"conflict.replace"}, Text{"conflict.replace.detail"}};
+ChoiceText replaceAllText(const ConflictContext& context, std::int64_t batchCount) {
+    const auto folder = context.existing.parent();
+    return {{"conflict.replace"},
+            Text{"conflict.replaceAll.detail",
+                 {FileName::displayText(folder.isRoot() ? folder.path() : folder.name())},
+                 batchCount}};
 }
 
-ChoiceText skipAllText() {
-    return {{"conflict.skipAll"}, Text{"conflict.skipAll.detail"}};
+ChoiceText skipAllText(const ConflictContext& context, std::int64_t batchCount, std::int64_t others) {
+    std::string rest;
+    if (others > 0)
+        rest = (context.kind == FileOperationKind::move ? Text{"conflict.skipAll.othersMoved", {}, others}
+                                                        : Text{"conflict.skipAll.othersCopied", {}, others})
+                   .localized();
+    return {{"conflict.skipAll"}, Text{"conflict.skipAll.detail", {std::move(rest)}, batchCount}};
 }
 
 ChoiceText decideEachText() {
@@ -51,13 +60,13 @@ ChoiceText decideEachText() {
 }
 
 ChoiceText replaceOneText(const ConflictContext& context) {
-    const bool isMerged = context.sourceIsDirectory && context.existingIsDirectory;
-    return {{"conflict.replaceOne"},
-            isMerged ? Text{"conflict.merge.detail"} : Text{"conflict.replace.detail"}};
+    if (!context.existingIsDirectory) return {{"conflict.replaceOne"}, Text{"conflict.replace.detail"}};
+    if (context.sourceIsDirectory) return {{"conflict.replaceOne"}, Text{"conflict.merge.detail"}};
+    return {{"conflict.replaceOne"}, Text{"conflict.replaceFolder.detail"}, true};
 }
 
 ChoiceText skipOneText() {
-    return {{"conflict.skipOne"}};
+    return {{"conflict.skipOne"}, Text{"conflict.skipOne.detail"}};
 }
 
 ChoiceText keepBothText(const ConflictContext& context) {
@@ -65,6 +74,18 @@ ChoiceText keepBothText(const ConflictContext& context) {
     if (context.keepBothName)
         text.detail = Text{"conflict.keepBoth.detail", {FileName::displayText(*context.keepBothName)}};
     return text;
+}
+
+Text cancelText(FileOperationKind kind) {
+    switch (kind) {
+    case FileOperationKind::copy: return {"conflict.cancel.copy"};
+    case FileOperationKind::move: return {"conflict.cancel.move"};
+    default: return {"conflict.cancel.other"};
+    }
+}
+
+Text applyToAllConflictsText() {
+    return {"conflict.applyToAll"};
 }
 
 Text newItemText() {
@@ -76,13 +97,11 @@ Text existingItemText() {
 }
 
 Text titleOf(const ErrorContext& context) {
-    const auto& item = context.source ? context.source : context.destination;
-    std::string name = item ? FileName::displayText(item->name()) : std::string();
     switch (context.error.which()) {
-    case FileOperationError::Case::trashUnavailable: return {"progress.error.trash", {std::move(name)}};
-    case FileOperationError::Case::permissionDenied: return {"progress.error.denied", {std::move(name)}};
+    case FileOperationError::Case::trashUnavailable: return {"progress.error.trash"};
+    case FileOperationError::Case::permissionDenied: return {"progress.error.denied"};
     case FileOperationError::Case::noSpace: return {"progress.error.noSpace"};
-    default: return {"progress.error.other", {std::move(name)}};
+    default: return {"progress.error.other"};
     }
 }
 

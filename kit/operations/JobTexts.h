@@ -29,18 +29,23 @@ namespace ombrel {
 struct ChoiceText {
     Text label;
     std::optional<Text> detail = std::nullopt;
+    bool isLoss = false; ///< it takes away more than the item that is asked about
 };
 
 /// The question about a name that is taken. `batchCount` above 1 asks about all known conflicts at once.
 [[nodiscard]] Text titleOf(const ConflictContext& context, std::optional<std::int64_t> batchCount);
-/// For the batch form.
-[[nodiscard]] ChoiceText replaceAllText();
-[[nodiscard]] ChoiceText skipAllText();
+/// For the batch form; `others` is how many items have no conflict.
+[[nodiscard]] ChoiceText replaceAllText(const ConflictContext& context, std::int64_t batchCount);
+[[nodiscard]] ChoiceText skipAllText(const ConflictContext& context, std::int64_t batchCount,
+                                     std::int64_t others);
 [[nodiscard]] ChoiceText decideEachText();
-/// For the single form; `cancel` is the window's own.
+/// For the single form.
 [[nodiscard]] ChoiceText replaceOneText(const ConflictContext& context);
 [[nodiscard]] ChoiceText skipOneText();
 [[nodiscard]] ChoiceText keepBothText(const ConflictContext& context);
+/// For both: ends the whole job.
+[[nodiscard]] Text cancelText(FileOperationKind kind);
+[[nodiscard]] Text applyToAllConflictsText();
 /// What heads the facts of either side.
 [[nodiscard]] Text newItemText();
 [[nodiscard]] Text existingItemText();

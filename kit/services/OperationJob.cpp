@@ -10,16 +10,22 @@
 namespace ombrel {
 namespace {
 
-std::string displayName(const FileURL& folder) {
-    return FileName::displayText(folder.isRoot() ? folder.path() : folder.name());
+std::optional<FileURL> sourceFolderOf(const JobPlan& plan) {
+    if (plan.sources.empty()) return std::nullopt;
+    return plan.sources.front().parent();
+}
+
+std::string displayName(const std::optional<FileURL>& folder) {
+    if (!folder) return {};
+    return FileName::displayText(folder->isRoot() ? folder->path() : folder->name());
 }
 
 } // namespace
 
 OperationJob::OperationJob(const JobPlan& plan, std::shared_ptr<DriveQueue::Place> place)
     : kind_(plan.kind), itemCount_(plan.sources.empty() ? 1 : static_cast<std::int64_t>(plan.sources.size())),
-      sourceName_(plan.sources.empty() ? std::string() : displayName(plan.sources.front().parent())),
-      destinationName_(plan.destination ? displayName(*plan.destination) : std::string()),
+      sourceFolder_(sourceFolderOf(plan)), destinationFolder_(plan.destination),
+      sourceName_(displayName(sourceFolder_)), destinationName_(displayName(destinationFolder_)),
       place_(std::move(place)) {}
 
 OperationJob::~OperationJob() = default;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/FileURL.h"
 #include "base/Text.h"
 #include "base/Worker.h"
 #include "operations/DriveQueue.h"
@@ -48,6 +49,11 @@ public:
     [[nodiscard]] const std::string& sourceName() const noexcept { return sourceName_; }
     /// For people: the folder that things come into, empty when there is none.
     [[nodiscard]] const std::string& destinationName() const noexcept { return destinationName_; }
+    /// The folders of these names.
+    [[nodiscard]] const std::optional<FileURL>& sourceFolder() const noexcept { return sourceFolder_; }
+    [[nodiscard]] const std::optional<FileURL>& destinationFolder() const noexcept {
+        return destinationFolder_;
+    }
     [[nodiscard]] Text title() const;
     /// How many items have a name that was taken at the destination when the job started; 0 until they are
     /// counted, which is before the first question.
@@ -112,6 +118,7 @@ private:
     const QUuid id_ = QUuid::createUuid();
     const FileOperationKind kind_;
     const std::int64_t itemCount_;
+    const std::optional<FileURL> sourceFolder_, destinationFolder_;
     const std::string sourceName_, destinationName_;
     const std::shared_ptr<OperationControl> control_ = std::make_shared<OperationControl>();
     const std::shared_ptr<DriveQueue::Place> place_;

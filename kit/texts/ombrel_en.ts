@@ -111,21 +111,60 @@
     <message id="cli.watch.gone"><source></source><translation>The folder was moved, renamed or deleted, or its volume was unmounted.</translation></message>
     <message id="cli.watch.summary"><source></source><translation>Tells what happens to a folder as it happens, until Ctrl+C.</translation></message>
     <message id="cli.watch.watching"><source></source><translation>The folder is watched. Ctrl+C ends it.</translation></message>
-    <message id="conflict.batch.title" numerus="yes"><source></source><translation><numerusform>{n} item is already there</numerusform><numerusform>{n} items are already there</numerusform></translation></message>
-    <message id="conflict.decideEach"><source></source><translation>Decide for each</translation></message>
-    <message id="conflict.decideEach.detail"><source></source><translation>Asks for every item singly</translation></message>
+    <message id="confirm.canUndo"><source></source><translation>You can undo this.</translation></message>
+    <message id="confirm.cancel"><source></source><translation>Cancel</translation></message>
+    <message id="confirm.cannotUndo"><source></source><translation>You can’t undo this.</translation></message>
+    <message id="confirm.delete.accept"><source></source><translation>Delete</translation></message>
+    <message id="confirm.delete.many" numerus="yes"><source></source><translation><numerusform>Delete {n} item permanently?</numerusform><numerusform>Delete {n} items permanently?</numerusform></translation></message>
+    <message id="confirm.delete.one"><source></source><translation>Delete “{1}” permanently?</translation></message>
+    <message id="confirm.dissolve.accept"><source></source><translation>Dissolve folder</translation></message>
+    <message id="confirm.dissolve.many" numerus="yes"><source></source><translation><numerusform>Dissolve {n} folder?</numerusform><numerusform>Dissolve {n} folders?</numerusform></translation></message>
+    <message id="confirm.dissolve.message"><source></source><translation>Its contents move up and the empty folder is removed.</translation></message>
+    <message id="confirm.dissolve.messageMany"><source></source><translation>Their contents move up and the empty folders are removed.</translation></message>
+    <message id="confirm.dissolve.one"><source></source><translation>Dissolve “{1}”?</translation></message>
+    <message id="confirm.dontAskAgain"><source></source><translation>Don’t ask again</translation></message>
+    <message id="confirm.openMany.accept"><source></source><translation>Open</translation></message>
+    <message id="confirm.openMany.title" numerus="yes"><source></source><translation><numerusform>Open {n} item?</numerusform><numerusform>Open {n} items?</numerusform></translation></message>
+    <message id="confirm.quit.accept"><source></source><translation>Cancel them and quit</translation></message>
+    <message id="confirm.quit.decline"><source></source><translation>Keep running</translation></message>
+    <message id="confirm.quit.title" numerus="yes"><source></source><translation><numerusform>{n} job is still running</numerusform><numerusform>{n} jobs are still running</numerusform></translation></message>
+    <message id="confirm.removeLocation.accept"><source></source><translation>Remove</translation></message>
+    <message id="confirm.removeLocation.message"><source></source><translation>Nothing in it is deleted.</translation></message>
+    <message id="confirm.removeLocation.title"><source></source><translation>Remove “{1}” from the locations?</translation></message>
+    <message id="confirm.runProgram.accept"><source></source><translation>Run</translation></message>
+    <message id="confirm.runProgram.alternative"><source></source><translation>Show the text</translation></message>
+    <message id="confirm.runProgram.message"><source></source><translation>It is a program and can do anything that you can do.</translation></message>
+    <message id="confirm.runProgram.title"><source></source><translation>Run “{1}”?</translation></message>
+    <message id="confirm.showProtected.accept"><source></source><translation>Show</translation></message>
+    <message id="confirm.showProtected.message"><source></source><translation>These items belong to the system. Changing them can break things.</translation></message>
+    <message id="confirm.showProtected.title"><source></source><translation>Show protected system items?</translation></message>
+    <message id="confirm.trash.accept"><source></source><translation>Move to trash</translation></message>
+    <message id="confirm.trash.many" numerus="yes"><source></source><translation><numerusform>Move {n} item to the trash?</numerusform><numerusform>Move {n} items to the trash?</numerusform></translation></message>
+    <message id="confirm.trash.one"><source></source><translation>Move “{1}” to the trash?</translation></message>
+    <message id="conflict.applyToAll"><source></source><translation>Do this for the other conflicts too</translation></message>
+    <message id="conflict.batch.title" numerus="yes"><source></source><translation><numerusform>{n} item with the same name is already there</numerusform><numerusform>{n} items with the same names are already there</numerusform></translation></message>
+    <message id="conflict.cancel.copy"><source></source><translation>Cancel the copy</translation></message>
+    <message id="conflict.cancel.move"><source></source><translation>Cancel the move</translation></message>
+    <message id="conflict.cancel.other"><source></source><translation>Cancel</translation></message>
+    <message id="conflict.decideEach"><source></source><translation>Decide for each item</translation></message>
+    <message id="conflict.decideEach.detail"><source></source><translation>Compare the two items and choose one by one.</translation></message>
     <message id="conflict.keepBoth"><source></source><translation>Keep both</translation></message>
-    <message id="conflict.keepBoth.detail"><source></source><translation>The new item is called “{1}”</translation></message>
-    <message id="conflict.merge.detail"><source></source><translation>Puts the contents of both folders into one</translation></message>
-    <message id="conflict.replace"><source></source><translation>Replace all</translation></message>
-    <message id="conflict.replace.detail"><source></source><translation>What is there now is removed for good</translation></message>
+    <message id="conflict.keepBoth.detail"><source></source><translation>The new item is saved as “{1}”.</translation></message>
+    <message id="conflict.merge.detail"><source></source><translation>The folders are merged.</translation></message>
+    <message id="conflict.replace"><source></source><translation>Replace the existing items</translation></message>
+    <message id="conflict.replace.detail"><source></source><translation>The existing item is overwritten by the new one.</translation></message>
+    <message id="conflict.replaceAll.detail" numerus="yes"><source></source><translation><numerusform>The {n} item in “{1}” will be overwritten.</numerusform><numerusform>The {n} items in “{1}” will be overwritten.</numerusform></translation></message>
+    <message id="conflict.replaceFolder.detail"><source></source><translation>The existing folder and everything in it is removed.</translation></message>
     <message id="conflict.replaceOne"><source></source><translation>Replace</translation></message>
     <message id="conflict.single.existing"><source></source><translation>Existing item</translation></message>
     <message id="conflict.single.new"><source></source><translation>New item</translation></message>
     <message id="conflict.single.title"><source></source><translation>“{1}” is already there</translation></message>
-    <message id="conflict.skipAll"><source></source><translation>Skip all</translation></message>
-    <message id="conflict.skipAll.detail"><source></source><translation>What is there now stays as it is</translation></message>
+    <message id="conflict.skipAll"><source></source><translation>Skip these items</translation></message>
+    <message id="conflict.skipAll.detail" numerus="yes"><source></source><translation><numerusform>The {n} item stays as it is. {1}</numerusform><numerusform>The {n} items stay as they are. {1}</numerusform></translation></message>
+    <message id="conflict.skipAll.othersCopied" numerus="yes"><source></source><translation><numerusform>The other one is copied.</numerusform><numerusform>The other {n} are copied.</numerusform></translation></message>
+    <message id="conflict.skipAll.othersMoved" numerus="yes"><source></source><translation><numerusform>The other one is moved.</numerusform><numerusform>The other {n} are moved.</numerusform></translation></message>
     <message id="conflict.skipOne"><source></source><translation>Skip</translation></message>
+    <message id="conflict.skipOne.detail"><source></source><translation>The existing item stays as it is.</translation></message>
     <message id="error.directory.io"><source></source><translation>The folder could not be read: {1}.</translation></message>
     <message id="error.directory.notADirectory"><source></source><translation>This is not a folder.</translation></message>
     <message id="error.directory.notFound"><source></source><translation>This folder does not exist.</translation></message>
@@ -204,13 +243,13 @@
     <message id="progress.aboutMinutes" numerus="yes"><source></source><translation><numerusform>About {n} minute</numerusform><numerusform>About {n} minutes</numerusform></translation></message>
     <message id="progress.aboutSeconds" numerus="yes"><source></source><translation><numerusform>About {n} second</numerusform><numerusform>About {n} seconds</numerusform></translation></message>
     <message id="progress.calculating"><source></source><translation>Calculating…</translation></message>
-    <message id="progress.error.applyToAll"><source></source><translation>Do this for all further ones too</translation></message>
-    <message id="progress.error.denied"><source></source><translation>“{1}” may not be accessed</translation></message>
-    <message id="progress.error.noSpace"><source></source><translation>There is not enough space</translation></message>
-    <message id="progress.error.other"><source></source><translation>“{1}” could not be handled</translation></message>
+    <message id="progress.error.applyToAll"><source></source><translation>Do this for the other errors too</translation></message>
+    <message id="progress.error.denied"><source></source><translation>No permission for this item</translation></message>
+    <message id="progress.error.noSpace"><source></source><translation>Not enough space</translation></message>
+    <message id="progress.error.other"><source></source><translation>This item could not be handled</translation></message>
     <message id="progress.error.retry"><source></source><translation>Try again</translation></message>
     <message id="progress.error.skip"><source></source><translation>Skip</translation></message>
-    <message id="progress.error.trash"><source></source><translation>“{1}” can’t be moved to the trash</translation></message>
+    <message id="progress.error.trash"><source></source><translation>This item can’t go to the trash</translation></message>
     <message id="progress.perSecond"><source></source><translation>/s</translation></message>
     <message id="progress.phase.copy"><source></source><translation>Copying</translation></message>
     <message id="progress.phase.delete"><source></source><translation>Deleting</translation></message>
@@ -373,6 +412,41 @@
     <message id="ui.key.super"><source></source><translation>Super</translation></message>
     <message id="ui.location.needsPermission"><source></source><translation>Needs permission</translation></message>
     <message id="ui.location.unavailable"><source></source><translation>Not available</translation></message>
+    <message id="ui.pill.available"><source></source><translation>Available</translation></message>
+    <message id="ui.pill.cancelled"><source></source><translation>Cancelled</translation></message>
+    <message id="ui.pill.failed"><source></source><translation>Failed</translation></message>
+    <message id="ui.pill.larger"><source></source><translation>Larger</translation></message>
+    <message id="ui.pill.needsPermission"><source></source><translation>Needs permission</translation></message>
+    <message id="ui.pill.newer"><source></source><translation>Newer</translation></message>
+    <message id="ui.pill.notAvailable"><source></source><translation>Not available</translation></message>
+    <message id="ui.pill.originalKept"><source></source><translation>Original kept</translation></message>
+    <message id="ui.pill.skipped"><source></source><translation>Skipped</translation></message>
+    <message id="ui.progress.cancel"><source></source><translation>Cancel</translation></message>
+    <message id="ui.progress.cancelling"><source></source><translation>Cancelling…</translation></message>
+    <message id="ui.progress.complete"><source></source><translation>{1}% complete</translation></message>
+    <message id="ui.progress.counted"><source></source><translation>{1}, {2} of {3}</translation></message>
+    <message id="ui.progress.currentItem"><source></source><translation>Current item</translation></message>
+    <message id="ui.progress.deletePermanently"><source></source><translation>Delete permanently…</translation></message>
+    <message id="ui.progress.done"><source></source><translation>Done</translation></message>
+    <message id="ui.progress.fewer"><source></source><translation>Fewer details</translation></message>
+    <message id="ui.progress.graph"><source></source><translation>{1}, {2}% done</translation></message>
+    <message id="ui.progress.itemsRemaining"><source></source><translation>Items remaining</translation></message>
+    <message id="ui.progress.more"><source></source><translation>More details</translation></message>
+    <message id="ui.progress.of"><source></source><translation>{1} of {2}</translation></message>
+    <message id="ui.progress.openFolder"><source></source><translation>Open “{1}” in a new tab</translation></message>
+    <message id="ui.progress.pause"><source></source><translation>Pause</translation></message>
+    <message id="ui.progress.paused"><source></source><translation>Paused, {1}%</translation></message>
+    <message id="ui.progress.preparing" numerus="yes"><source></source><translation><numerusform>Preparing, {n} item found</numerusform><numerusform>Preparing, {n} items found</numerusform></translation></message>
+    <message id="ui.progress.remaining"><source></source><translation>{1} ({2})</translation></message>
+    <message id="ui.progress.resume"><source></source><translation>Resume</translation></message>
+    <message id="ui.progress.startNow"><source></source><translation>Start now</translation></message>
+    <message id="ui.progress.timeRemaining"><source></source><translation>Time remaining</translation></message>
+    <message id="ui.progress.verifying"><source></source><translation>{1}%, checking the copy</translation></message>
+    <message id="ui.progress.waitingForAnswer"><source></source><translation>Waiting for your answer</translation></message>
+    <message id="ui.progress.window.allPaused"><source></source><translation>Paused</translation></message>
+    <message id="ui.progress.window.jobs" numerus="yes"><source></source><translation><numerusform>{1}, {n} job</numerusform><numerusform>{1}, {n} jobs</numerusform></translation></message>
+    <message id="ui.report.close"><source></source><translation>Close</translation></message>
+    <message id="ui.report.copy"><source></source><translation>Copy report</translation></message>
     <message id="ui.status.failed"><source></source><translation>Can’t show this folder</translation></message>
     <message id="ui.status.items" numerus="yes"><source></source><translation><numerusform>{n} item</numerusform><numerusform>{n} items</numerusform></translation></message>
     <message id="ui.status.jumpTo"><source></source><translation>Jump to: {1}</translation></message>

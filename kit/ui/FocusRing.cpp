@@ -10,7 +10,8 @@ FocusRing::FocusRing(QWidget* window) : QFocusFrame(window), window_(window) {
 }
 
 void FocusRing::follow(QWidget* focused) {
-    const bool isOurs = focused && focused->window() == window_ && qobject_cast<QAbstractButton*>(focused);
+    const bool isOurs = focused && focused->window() == window_ && qobject_cast<QAbstractButton*>(focused) &&
+                        !focused->property("drawsRing").toBool();
     const bool byMouse = QApplication::mouseButtons() != Qt::NoButton;
     setWidget(isOurs && !byMouse ? focused : nullptr);
 }

@@ -5,7 +5,8 @@
 namespace ombrel {
 
 /// The ring around the focused button of one window, outside its edge. It is shown when the focus came by the
-/// keyboard or from the program, not after a click. Views draw their own rings inside.
+/// keyboard or from the program, not after a click. Views draw their own rings inside, and so do buttons with
+/// the property "drawsRing".
 class FocusRing final : public QFocusFrame {
     Q_OBJECT
 

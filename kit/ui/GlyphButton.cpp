@@ -29,6 +29,11 @@ void GlyphButton::follow(QAction* action) {
     update();
 }
 
+void GlyphButton::setLabel(const QString& label) {
+    setToolTip(label);
+    setAccessibleName(label);
+}
+
 QSize GlyphButton::sizeHint() const {
     return {theme_->size(side_), theme_->size(side_)};
 }

@@ -19,6 +19,8 @@ public:
     GlyphButton(const Theme& theme, Glyph glyph, ThemeSize side, QWidget* parent = nullptr);
 
     void setGlyph(Glyph glyph);
+    /// What it is called, as name and as tooltip; for one that follows no action.
+    void setLabel(const QString& label);
     /// The button follows `action` from now on and triggers it.
     void follow(QAction* action);
 

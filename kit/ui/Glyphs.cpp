@@ -70,6 +70,33 @@ constexpr PathStep unpluggedSteps[] = {
     line(3.5, 4.75), to(8, 11.5),      line(8, 14.5)};
 constexpr PathStep goneSteps[] = {circle(8, 8, 6.25), to(5.75, 5.75), line(10.25, 10.25), to(10.25, 5.75),
                                   line(5.75, 10.25)};
+constexpr PathStep pauseSteps[] = {to(5.25, 3.5), line(5.25, 12.5), to(10.75, 3.5), line(10.75, 12.5)};
+constexpr PathStep playSteps[] = {to(4.5, 3), line(12.5, 8), line(4.5, 13), line(4.5, 3)};
+constexpr PathStep replaceSteps[] = {to(2.5, 5),   line(13, 5), to(10, 2.25), line(13.25, 5), line(10, 7.75),
+                                     to(13.5, 11), line(3, 11), to(6, 8.25),  line(2.75, 11), line(6, 13.75)};
+constexpr PathStep skipSteps[] = {to(3.5, 3.25),   line(10, 8),  line(3.5, 12.75),
+                                  line(3.5, 3.25), to(12.75, 3), line(12.75, 13)};
+constexpr PathStep listSteps[] = {to(2.5, 4),    line(13.5, 4), to(2.5, 8),
+                                  line(13.5, 8), to(2.5, 12),   line(13.5, 12)};
+constexpr PathStep keepBothSteps[] = {to(2.5, 2.5),    line(9.5, 2.5), line(9.5, 9.5),  line(2.5, 9.5),
+                                      line(2.5, 2.5),  to(12, 6.5),    line(13.5, 6.5), line(13.5, 13.5),
+                                      line(6.5, 13.5), line(6.5, 12)};
+constexpr PathStep gearSteps[] = {
+    circle(8, 8, 2.75), to(8, 1.75),   line(8, 3.5),    to(8, 12.5),   line(8, 14.25), to(1.75, 8),
+    line(3.5, 8),       to(12.5, 8),   line(14.25, 8),  to(3.6, 3.6),  line(4.8, 4.8), to(11.2, 11.2),
+    line(12.4, 12.4),   to(12.4, 3.6), line(11.2, 4.8), to(4.8, 11.2), line(3.6, 12.4)};
+constexpr PathStep keyboardSteps[] = {to(1.5, 4.25),   line(14.5, 4.25), line(14.5, 11.75), line(1.5, 11.75),
+                                      line(1.5, 4.25), to(4, 6.9),       line(4.05, 6.9),   to(6.65, 6.9),
+                                      line(6.7, 6.9),  to(9.3, 6.9),     line(9.35, 6.9),   to(11.95, 6.9),
+                                      line(12, 6.9),   to(5, 9.4),       line(11, 9.4)};
+constexpr PathStep globeSteps[] = {circle(8, 8, 6.25), to(1.75, 8),   line(14.25, 8), to(8, 1.75),
+                                   line(5.6, 5),       line(5.6, 11), line(8, 14.25), line(10.4, 11),
+                                   line(10.4, 5),      line(8, 1.75)};
+constexpr PathStep keySteps[] = {circle(5.25, 10.75, 2.75), to(7.25, 8.75), line(13.25, 2.75),
+                                 to(10.75, 5.25), line(12.75, 7.25)};
+constexpr PathStep syncSteps[] = {
+    to(13.3, 6.5), arc(2.5, 2.5, 11, 16, 150),  to(2.6, 2.5),   line(2.6, 5.9),   line(6, 5.9),
+    to(2.7, 9.5),  arc(2.5, 2.5, 11, 196, 150), to(13.4, 13.5), line(13.4, 10.1), line(10, 10.1)};
 
 std::span<const PathStep> stepsOf(Glyph glyph) {
     switch (glyph) {
@@ -93,6 +120,17 @@ std::span<const PathStep> stepsOf(Glyph glyph) {
     case Glyph::warning: return warningSteps;
     case Glyph::unplugged: return unpluggedSteps;
     case Glyph::gone: return goneSteps;
+    case Glyph::pause: return pauseSteps;
+    case Glyph::play: return playSteps;
+    case Glyph::replace: return replaceSteps;
+    case Glyph::skip: return skipSteps;
+    case Glyph::list: return listSteps;
+    case Glyph::keepBoth: return keepBothSteps;
+    case Glyph::gear: return gearSteps;
+    case Glyph::keyboard: return keyboardSteps;
+    case Glyph::globe: return globeSteps;
+    case Glyph::key: return keySteps;
+    case Glyph::sync: return syncSteps;
     }
     std::unreachable();
 }

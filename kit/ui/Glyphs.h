@@ -31,6 +31,17 @@ enum class Glyph : std::uint8_t {
     warning,
     unplugged,
     gone,
+    pause,
+    play,
+    replace, ///< one thing for another
+    skip,
+    list,
+    keepBoth,
+    gear,
+    keyboard,
+    globe,
+    key,
+    sync,
 };
 
 namespace Glyphs {

@@ -35,6 +35,27 @@ void OmbrelStyle::drawInnerRing(QPainter& painter, const Theme& theme, const QRe
     painter.restore();
 }
 
+void OmbrelStyle::drawRadio(QPainter& painter, const Theme& theme, const QRectF& box, bool isOn,
+                            bool isEnabled) {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    constexpr double outline = 1.3, dotShare = 0.4;
+    if (isOn) {
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(theme.color(isEnabled ? ThemeColor::accent : ThemeColor::textDisabled));
+        painter.drawEllipse(box);
+        painter.setBrush(theme.color(ThemeColor::onAccent));
+        const double inset = box.width() * (1 - dotShare) / 2;
+        painter.drawEllipse(box.adjusted(inset, inset, -inset, -inset));
+    } else {
+        painter.setPen(
+            QPen(theme.color(isEnabled ? ThemeColor::borderStrong : ThemeColor::textDisabled), outline));
+        painter.setBrush(theme.color(ThemeColor::surface));
+        painter.drawEllipse(box.adjusted(outline / 2, outline / 2, -outline / 2, -outline / 2));
+    }
+    painter.restore();
+}
+
 void OmbrelStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                                 const QWidget* widget) const {
     const auto fill = [&](ThemeColor token) { painter->fillRect(option->rect, theme_->color(token)); };
@@ -50,6 +71,9 @@ void OmbrelStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
     switch (element) {
     case PE_FrameFocusRect: return; // rings are drawn by the FocusRing and by the views themselves
     case PE_IndicatorCheckBox: return drawCheckBox(*option, *painter);
+    case PE_IndicatorRadioButton:
+        return drawRadio(*painter, *theme_, option->rect, option->state & State_On,
+                         option->state & State_Enabled);
     case PE_PanelScrollAreaCorner: return fill(ThemeColor::surface);
     case PE_PanelTipLabel:
     case PE_PanelMenu: return fill(ThemeColor::menu);
@@ -105,8 +129,10 @@ void OmbrelStyle::drawButton(const QStyleOptionButton& option, QPainter& painter
     painter.setBrush(color);
     const int radius = theme_->size(ThemeSize::radiusButton);
     painter.drawRoundedRect(isPrimary ? QRectF(option.rect) : hairlineInside(option.rect), radius, radius);
+    const bool isDanger = widget && widget->property("isDanger").toBool();
     const auto ink = !isEnabled  ? ThemeColor::textDisabled
                      : isPrimary ? ThemeColor::onAccent
+                     : isDanger  ? ThemeColor::danger
                                  : ThemeColor::text;
     painter.setPen(theme_->color(ink));
     painter.setFont(widget ? widget->font() : theme_->font(ThemeFont::body));
@@ -272,7 +298,9 @@ int OmbrelStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, con
     case PM_ScrollBarSliderMin: return theme_->size(ThemeSize::scrollThumbMinimum);
     case PM_ScrollView_ScrollBarSpacing: return 0;
     case PM_IndicatorWidth:
-    case PM_IndicatorHeight: return theme_->size(ThemeSize::checkBox);
+    case PM_IndicatorHeight:
+    case PM_ExclusiveIndicatorWidth:
+    case PM_ExclusiveIndicatorHeight: return theme_->size(ThemeSize::checkBox);
     case PM_FocusFrameHMargin:
     case PM_FocusFrameVMargin: return theme_->size(ThemeSize::focusRing) + theme_->size(ThemeSize::focusGap);
     case PM_MenuVMargin: return theme_->size(ThemeSize::space4);

@@ -21,6 +21,10 @@ public:
     /// A 2 px ring of the accent along the inside of `rect`.
     static void drawInnerRing(QPainter& painter, const Theme& theme, const QRectF& rect, int radius);
 
+    /// The round mark of one choice among several.
+    static void drawRadio(QPainter& painter, const Theme& theme, const QRectF& box, bool isOn,
+                          bool isEnabled);
+
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                        const QWidget* widget) const override;
     void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,

@@ -83,6 +83,7 @@ constexpr SizeRow sizeTable[] = {
     {ThemeSize::radiusRow, 5},
     {ThemeSize::radiusButton, 6},
     {ThemeSize::radiusField, 8},
+    {ThemeSize::radiusLargeCard, 10},
     {ThemeSize::hairline, 1},
     {ThemeSize::focusRing, 2},
     {ThemeSize::focusGap, 2},
@@ -99,6 +100,7 @@ constexpr SizeRow sizeTable[] = {
     {ThemeSize::statusBar, 28},
     {ThemeSize::button, 32},
     {ThemeSize::buttonMinimumWidth, 88},
+    {ThemeSize::compactButton, 28},
     {ThemeSize::navigationButton, 32},
     {ThemeSize::smallButton, 24},
     {ThemeSize::field, 34},
@@ -145,6 +147,28 @@ constexpr SizeRow sizeTable[] = {
     {ThemeSize::overlayWidth, 420},
     {ThemeSize::overlayIcon, 104},
     {ThemeSize::overlayBadge, 40},
+    {ThemeSize::progressWidth, 560},
+    {ThemeSize::progressMinimumWidth, 440},
+    {ThemeSize::jobBar, 6},
+    {ThemeSize::speedGraph, 118},
+    {ThemeSize::choiceCard, 54},
+    {ThemeSize::conflictPictureWidth, 230},
+    {ThemeSize::conflictPictureHeight, 138},
+    {ThemeSize::conflictStackWidth, 480},
+    {ThemeSize::reportRow, 24},
+    {ThemeSize::reportRows, 240},
+    {ThemeSize::pill, 20},
+    {ThemeSize::dialogWidth, 440},
+    {ThemeSize::dialogMaximumWidth, 640},
+    {ThemeSize::dialogIcon, 48},
+    {ThemeSize::settingsWidth, 880},
+    {ThemeSize::settingsHeight, 600},
+    {ThemeSize::settingsMinimumWidth, 640},
+    {ThemeSize::settingsMinimumHeight, 440},
+    {ThemeSize::settingsPages, 204},
+    {ThemeSize::folderOptionsWidth, 460},
+    {ThemeSize::onboardingWidth, 800},
+    {ThemeSize::onboardingHeight, 600},
     {ThemeSize::menuMinimumWidth, 220},
     {ThemeSize::menuMaximumWidth, 360},
     {ThemeSize::addressMinimumWidth, 220},
@@ -254,6 +278,7 @@ int Theme::duration(ThemeDuration token) const {
     case ThemeDuration::fade: return 100;
     case ThemeDuration::tab: return 120;
     case ThemeDuration::springFlash: return 150;
+    case ThemeDuration::expand: return 120;
     }
     std::unreachable();
 }

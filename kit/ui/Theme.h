@@ -71,6 +71,7 @@ enum class ThemeSize : std::uint8_t {
     radiusRow,
     radiusButton,
     radiusField,
+    radiusLargeCard,
     hairline,
     focusRing,
     focusGap,
@@ -87,6 +88,7 @@ enum class ThemeSize : std::uint8_t {
     statusBar,
     button,
     buttonMinimumWidth,
+    compactButton,
     navigationButton,
     smallButton, ///< inside something else: a tab, a field
     field,
@@ -133,6 +135,28 @@ enum class ThemeSize : std::uint8_t {
     overlayWidth,
     overlayIcon,
     overlayBadge,
+    progressWidth,
+    progressMinimumWidth,
+    jobBar,
+    speedGraph,
+    choiceCard,
+    conflictPictureWidth,
+    conflictPictureHeight,
+    conflictStackWidth, ///< below it the two cards stand one above the other
+    reportRow,
+    reportRows, ///< the height of the list of a report at most
+    pill,
+    dialogWidth,
+    dialogMaximumWidth,
+    dialogIcon,
+    settingsWidth,
+    settingsHeight,
+    settingsMinimumWidth,
+    settingsMinimumHeight,
+    settingsPages, ///< the list of pages
+    folderOptionsWidth,
+    onboardingWidth,
+    onboardingHeight,
     menuMinimumWidth,
     menuMaximumWidth,
     addressMinimumWidth,
@@ -160,10 +184,11 @@ enum class ThemeFont : std::uint8_t { caption, body, bodyStrong, subtitle, title
 
 /// How long something moves.
 enum class ThemeDuration : std::uint8_t {
-    progress,
-    fade,
+    progress,    ///< bars and lines growing to a new value
+    fade,        ///< overlays appearing
     tab,         ///< opening and closing
     springFlash, ///< of what opens because something is dragged over it
+    expand,      ///< details of jobs, sections of Home
 };
 
 /// What the desktop says about how things should look.

@@ -32,18 +32,22 @@ TEST(ConflictText, HasABatchFormForSeveralAndASingleOneOtherwise) {
     context.keepBothName = "b (2)";
     EXPECT_EQ(keepBothText(context).detail, (Text{"conflict.keepBoth.detail", {"b (2)"}}));
     EXPECT_EQ(replaceOneText(context).detail, Text{"conflict.replace.detail"});
-    context.sourceIsDirectory = context.existingIsDirectory = true;
+    context.existingIsDirectory = true;
+    EXPECT_EQ(replaceOneText(context).detail, Text{"conflict.replaceFolder.detail"});
+    EXPECT_TRUE(replaceOneText(context).isLoss);
+    context.sourceIsDirectory = true;
     EXPECT_EQ(replaceOneText(context).detail, Text{"conflict.merge.detail"});
+    EXPECT_FALSE(replaceOneText(context).isLoss);
 }
 
 TEST(ErrorTitle, TellsTheCommonErrorsApart) {
     const auto title = [](const Error& error) {
         return titleOf(ErrorContext{Kind::copy, FileURL().appending("a"), std::nullopt, error});
     };
-    EXPECT_EQ(title(Error::Case::trashUnavailable), (Text{"progress.error.trash", {"a"}}));
-    EXPECT_EQ(title(Error::Case::permissionDenied), (Text{"progress.error.denied", {"a"}}));
+    EXPECT_EQ(title(Error::Case::trashUnavailable), Text{"progress.error.trash"});
+    EXPECT_EQ(title(Error::Case::permissionDenied), Text{"progress.error.denied"});
     EXPECT_EQ(title(Error::Case::noSpace), Text{"progress.error.noSpace"});
-    EXPECT_EQ(title(Error::posix(5)), (Text{"progress.error.other", {"a"}}));
+    EXPECT_EQ(title(Error::posix(5)), Text{"progress.error.other"});
 }
 
 } // namespace
