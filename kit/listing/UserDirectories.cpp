@@ -51,6 +51,19 @@ std::optional<FileURL> located(std::string_view value, const FileURL& home) {
     return *url;
 }
 
+/// Calls `use` with the name and the value of each line that sets something.
+template <typename Use>
+void eachSetting(std::string_view text, Use use) {
+    for (std::size_t start = 0; start < text.size();) {
+        const auto end = std::min(text.find('\n', start), text.size());
+        const auto line = trimmed(text.substr(start, end - start));
+        start = end + 1;
+        const auto equals = line.find('=');
+        if (line.starts_with('#') || equals == std::string_view::npos) continue;
+        use(trimmed(line.substr(0, equals)), trimmed(line.substr(equals + 1)));
+    }
+}
+
 bool isThere(const FileURL& url, const MountTable& table) {
     // Nothing, not even the end of the program, frees a thread that waits for a FUSE process.
     if (const Mount* mount = table.containing(url); mount && table.mayHang(*mount)) return true;
@@ -62,18 +75,11 @@ bool isThere(const FileURL& url, const MountTable& table) {
 
 void configure(std::string_view text, KnownFolders& folders) {
     const FileURL home = folders.home();
-    for (std::size_t start = 0; start < text.size();) {
-        const auto end = std::min(text.find('\n', start), text.size());
-        const auto line = trimmed(text.substr(start, end - start));
-        start = end + 1;
-        const auto equals = line.find('=');
-        if (line.starts_with('#') || equals == std::string_view::npos) continue;
-        for (const auto& [name, folder] : names) {
-            if (trimmed(line.substr(0, equals)) != name) continue;
-            if (auto url = located(trimmed(line.substr(equals + 1)), home))
-                folders.set(folder, *std::move(url));
-        }
-    }
+    eachSetting(text, [&](std::string_view variable, std::string_view value) {
+        for (const auto& [name, folder] : names)
+            if (variable == name)
+                if (auto url = located(value, home)) folders.set(folder, *std::move(url));
+    });
 }
 
 KnownFolders read(const FileURL& home, const FileURL& config) {
@@ -86,6 +92,16 @@ KnownFolders read(const FileURL& home, const FileURL& config) {
     for (const KnownFolder folder : allKnownFolders())
         if (!isThere(folders.url(folder), table)) folders.set(folder, byTable.url(folder));
     return folders;
+}
+
+std::optional<FileURL> templates(const FileURL& home, const FileURL& config) {
+    std::optional<FileURL> found = home.appending("Templates", FileURL::Mark::directory);
+    const auto text = StoreFile(config.appending("user-dirs.dirs")).read();
+    if (text && *text)
+        eachSetting(**text, [&](std::string_view variable, std::string_view value) {
+            if (variable == "XDG_TEMPLATES_DIR") found = located(value, home);
+        });
+    return found;
 }
 
 } // namespace ombrel::UserDirectories

@@ -3,6 +3,7 @@
 #include "base/FileURL.h"
 #include "listing/KnownFolder.h"
 
+#include <optional>
 #include <string_view>
 
 /// The folders that the desktop has set up for a user (the file "user-dirs.dirs" of xdg-user-dirs).
@@ -16,5 +17,9 @@ void configure(std::string_view text, KnownFolders& folders);
 /// exist, otherwise by the table of names. A place on a mount that may hang is not looked at and counts as
 /// existing. Blocking.
 [[nodiscard]] KnownFolders read(const FileURL& home, const FileURL& config);
+
+/// Where the user keeps patterns of new files: as the file in `config` says, otherwise "Templates" in `home`;
+/// nothing when that is switched off. Whether the folder exists is not looked at. Blocking.
+[[nodiscard]] std::optional<FileURL> templates(const FileURL& home, const FileURL& config);
 
 } // namespace ombrel::UserDirectories

@@ -86,6 +86,7 @@ struct FileUndoStep {
     /// Calls `use` with each item that the action is about, and its stamp.
     static void eachItem(Action& action,
                          const std::function<void(FileReference&, const std::optional<ItemStamp>&)>& use);
+    static void eachItem(const Action& action, const std::function<void(const FileReference&)>& use);
 };
 
 template <>

@@ -126,6 +126,21 @@ JobPlan JobPlan::createEmptyFile(const FileOperationService& service, const File
                     std::move(preferredName));
 }
 
+JobPlan JobPlan::createFromTemplate(const FileOperationService& service, const FileReference& source,
+                                    const FileURL& folder, std::string preferredName) {
+    JobPlan plan{.kind = FileOperationKind::newFile,
+                 .sources = {source.url},
+                 .destination = folder,
+                 .data = Data::copied,
+                 .undo = undoByKind};
+    plan.work = [service, source = FileReference(source), folder, name = std::move(preferredName)](
+                    const OperationHooks&, const std::stop_token& stop) mutable {
+        sample(source);
+        return service.createFromTemplate(source, folder, name, stop);
+    };
+    return plan;
+}
+
 JobPlan JobPlan::compress(std::vector<FileReference> items, const FileURL& folder,
                           std::string preferredName) {
     JobPlan plan{.kind = FileOperationKind::compress,

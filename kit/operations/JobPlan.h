@@ -39,6 +39,9 @@ struct JobPlan {
     /// Called after the work with its report, blocking: the step that undoes it. Without one it cannot be
     /// undone.
     std::function<FileUndoStep(const OperationReport&)> undo = {};
+    /// Whether a report that is not wholly a success is kept for the user; not when whoever started the job
+    /// tells it in a way of his own.
+    bool leavesReport = true;
 
     /// The plans of the operations there are. References without an identity get one when the job starts, so
     /// that an item that is exchanged for another one meanwhile is noticed.
@@ -56,6 +59,9 @@ struct JobPlan {
                                               std::string preferredName);
     [[nodiscard]] static JobPlan createEmptyFile(const FileOperationService& service, const FileURL& folder,
                                                  std::string preferredName);
+    [[nodiscard]] static JobPlan createFromTemplate(const FileOperationService& service,
+                                                    const FileReference& source, const FileURL& folder,
+                                                    std::string preferredName);
 
     /// A zip of the items in `folder`, and archives extracted beside themselves; see ArchiveService.
     [[nodiscard]] static JobPlan compress(std::vector<FileReference> items, const FileURL& folder,

@@ -79,6 +79,7 @@ void FileUndoHistory::runNext() {
     const auto renumbered = std::make_shared<std::vector<Renumbered>>();
     const auto landings = hasRenumbered_ ? Landings::all : Landings::ofOtherObjects;
     auto plan = planOf(service_, piece, std::move(known), landings, renumbered);
+    plan.leavesReport = false; // `problems` has it
     center_.run(std::move(plan), [history = QPointer(this), piece, renumbered](const JobResult& result) {
         if (!history) return;
         history->renumber(*renumbered);

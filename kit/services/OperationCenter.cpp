@@ -192,7 +192,7 @@ void OperationCenter::finish(Job& job, const JobResult& result) {
     job.setStage(Job::Stage::ended);
     Q_EMIT job.ended(result.report);
     if (!guard) return;
-    if (!isWhole(result.report)) {
+    if (job.leavesReport_ && !isWhole(result.report)) {
         leftReports_.push_back({job.id(), job.title(), result.report});
         const auto left = leftReports_.back();
         Q_EMIT leftReportsChanged();

@@ -24,9 +24,9 @@ std::string displayName(const std::optional<FileURL>& folder) {
 
 OperationJob::OperationJob(const JobPlan& plan, std::shared_ptr<DriveQueue::Place> place)
     : kind_(plan.kind), itemCount_(plan.sources.empty() ? 1 : static_cast<std::int64_t>(plan.sources.size())),
-      sourceFolder_(sourceFolderOf(plan)), destinationFolder_(plan.destination),
-      sourceName_(displayName(sourceFolder_)), destinationName_(displayName(destinationFolder_)),
-      place_(std::move(place)) {}
+      leavesReport_(plan.leavesReport), sourceFolder_(sourceFolderOf(plan)),
+      destinationFolder_(plan.destination), sourceName_(displayName(sourceFolder_)),
+      destinationName_(displayName(destinationFolder_)), place_(std::move(place)) {}
 
 OperationJob::~OperationJob() = default;
 

@@ -118,6 +118,7 @@ private:
     const QUuid id_ = QUuid::createUuid();
     const FileOperationKind kind_;
     const std::int64_t itemCount_;
+    const bool leavesReport_;
     const std::optional<FileURL> sourceFolder_, destinationFolder_;
     const std::string sourceName_, destinationName_;
     const std::shared_ptr<OperationControl> control_ = std::make_shared<OperationControl>();
