@@ -1,5 +1,6 @@
 #include "browser/FileCommand.h"
 
+#include <cstdint>
 #include <utility>
 
 namespace ombrel::FileCommands {
@@ -8,7 +9,7 @@ namespace {
 struct Traits {
     FileCommand command;
     std::string_view textKey;
-    enum Needs : bool { nothing, selection } needs = nothing;
+    enum Needs : std::uint8_t { nothing, selectionForKeys, selection } needs = nothing;
     enum Held : bool { once, repeats } held = once;
 };
 
@@ -35,7 +36,7 @@ constexpr Traits table[] = {
     {FileCommand::focusAddress, "ui.command.focusAddress"},
     {FileCommand::focusSearch, "ui.command.focusSearch"},
     {FileCommand::toggleDetailsPane, "ui.command.toggleDetailsPane"},
-    {FileCommand::copyPath, "ui.command.copyPath", Traits::selection},
+    {FileCommand::copyPath, "ui.command.copyPath", Traits::selectionForKeys},
     {FileCommand::newWindow, "ui.command.newWindow"},
     {FileCommand::cancelCut, "ui.command.cancelCut"},
     {FileCommand::undo, "ui.command.undo"},
@@ -69,6 +70,10 @@ const Traits& traitsOf(FileCommand command) noexcept {
 
 bool needsSelection(FileCommand command) noexcept {
     return traitsOf(command).needs == Traits::selection;
+}
+
+bool keyNeedsSelection(FileCommand command) noexcept {
+    return traitsOf(command).needs != Traits::nothing;
 }
 
 bool repeatsWhileHeld(FileCommand command) noexcept {

@@ -98,6 +98,9 @@ inline constexpr std::size_t count = std::size(RawValues<FileCommand>::names);
 
 /// Whether the command acts on selected items and so means nothing without one.
 [[nodiscard]] bool needsSelection(FileCommand command) noexcept;
+/// Whether its keys mean it only where something is selected: the same, and commands that without a selection
+/// act on the folder.
+[[nodiscard]] bool keyNeedsSelection(FileCommand command) noexcept;
 /// Whether a key that is held down gives the command again and again. Those that change files, tabs or
 /// windows act once a press.
 [[nodiscard]] bool repeatsWhileHeld(FileCommand command) noexcept;

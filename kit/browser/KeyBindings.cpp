@@ -106,7 +106,7 @@ std::optional<FileCommand> lookup(const KeyStroke& stroke, KeyPreset preset) {
 std::optional<FileCommand> command(const KeyStroke& stroke, KeyPreset preset, const FocusContext& context) {
     if (!context.fileViewHasFocus || context.isEditingText || context.hasMarkedText) return std::nullopt;
     const auto found = lookup(stroke, preset);
-    if (found && FileCommands::needsSelection(*found) && !context.hasSelection) return std::nullopt;
+    if (found && FileCommands::keyNeedsSelection(*found) && !context.hasSelection) return std::nullopt;
     return found;
 }
 

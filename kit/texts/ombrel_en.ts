@@ -210,6 +210,8 @@
     <message id="knownFolder.videos"><source></source><translation>Videos</translation></message>
     <message id="menu.checkForUpdates"><source></source><translation>Check for updates…</translation></message>
     <message id="name.copySuffix"><source></source><translation> - Copy</translation></message>
+    <message id="new.folder"><source></source><translation>New folder</translation></message>
+    <message id="new.textDocument"><source></source><translation>New text document</translation></message>
     <message id="open.error.applicationGone"><source></source><translation>“{1}” is no longer installed.</translation></message>
     <message id="open.error.brokenLink"><source></source><translation>“{1}” leads to something that is no longer there.</translation></message>
     <message id="open.error.defaultNotSaved"><source></source><translation>“{1}” could not be made the default application: {2}.</translation></message>
@@ -398,6 +400,10 @@
     <message id="ui.command.undo"><source></source><translation>Undo</translation></message>
     <message id="ui.command.unpin"><source></source><translation>Unpin from quick access</translation></message>
     <message id="ui.command.up"><source></source><translation>Up</translation></message>
+    <message id="ui.drop.copyTo"><source></source><translation>Copy to {1}</translation></message>
+    <message id="ui.drop.intoItself"><source></source><translation>Can’t move a folder into itself</translation></message>
+    <message id="ui.drop.moveTo"><source></source><translation>Move to {1}</translation></message>
+    <message id="ui.drop.readOnly"><source></source><translation>This place is read-only</translation></message>
     <message id="ui.home.locations"><source></source><translation>Locations</translation></message>
     <message id="ui.home.quickAccess"><source></source><translation>Quick access</translation></message>
     <message id="ui.home.title"><source></source><translation>Home</translation></message>
@@ -412,6 +418,7 @@
     <message id="ui.key.super"><source></source><translation>Super</translation></message>
     <message id="ui.location.needsPermission"><source></source><translation>Needs permission</translation></message>
     <message id="ui.location.unavailable"><source></source><translation>Not available</translation></message>
+    <message id="ui.new.textDocument"><source></source><translation>Text document</translation></message>
     <message id="ui.pill.available"><source></source><translation>Available</translation></message>
     <message id="ui.pill.cancelled"><source></source><translation>Cancelled</translation></message>
     <message id="ui.pill.failed"><source></source><translation>Failed</translation></message>
@@ -445,6 +452,7 @@
     <message id="ui.progress.waitingForAnswer"><source></source><translation>Waiting for your answer</translation></message>
     <message id="ui.progress.window.allPaused"><source></source><translation>Paused</translation></message>
     <message id="ui.progress.window.jobs" numerus="yes"><source></source><translation><numerusform>{1}, {n} job</numerusform><numerusform>{1}, {n} jobs</numerusform></translation></message>
+    <message id="ui.rename.notOnWindows"><source></source><translation>Windows can’t use this name.</translation></message>
     <message id="ui.report.close"><source></source><translation>Close</translation></message>
     <message id="ui.report.copy"><source></source><translation>Copy report</translation></message>
     <message id="ui.status.failed"><source></source><translation>Can’t show this folder</translation></message>
