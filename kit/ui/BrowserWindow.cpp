@@ -30,6 +30,7 @@ namespace ombrel {
 BrowserWindow::BrowserWindow(const Setting& setting)
     : theme_(&setting.theme), services_(&setting.services),
       tabs_([&services = setting.services] { return makePane(services); }, setting.startingAt),
+      files_(setting.services),
       keys_(commands_, {.preset = [this] { return services_->settings().keyPreset(); },
                         .activePane = [this]() -> BrowserModel& { return tabs_.activeTab(); },
                         .performTabCommand = [this](TabCommand command) { tabs_.perform(command); }}),
@@ -103,6 +104,7 @@ void BrowserWindow::setState(const WindowState& state) {
 // ---- Commands
 
 void BrowserWindow::bindCommands() {
+    files_.bindTo(commands_);
     commands_.bind(FileCommand::open,
                    {.perform = [this](BrowserModel& pane) { open(pane, *pane.selection().firstRow()); },
                     .isEnabled = [](const BrowserModel& pane) { return pane.selection().count() == 1; }});

@@ -3,6 +3,7 @@
 #include "base/FileURL.h"
 #include "browser/BrowserTabsModel.h"
 #include "browser/CommandDispatcher.h"
+#include "browser/FileActions.h"
 #include "browser/KeyRouter.h"
 #include "services/WindowState.h"
 
@@ -48,6 +49,8 @@ public:
     /// What the commands do, wherever they come from. Who can do more binds it, then calls `refresh` of the
     /// actions.
     [[nodiscard]] CommandDispatcher& commands() noexcept { return commands_; }
+    /// The commands that change files, and what menus and gestures need of them beyond the commands.
+    [[nodiscard]] FileActions& files() noexcept { return files_; }
     [[nodiscard]] WindowActions& actions() noexcept { return *actions_; }
     /// Of the active tab.
     [[nodiscard]] PaneArea& paneArea() const;
@@ -88,6 +91,7 @@ private:
     AppServices* services_;
     BrowserTabsModel tabs_;
     CommandDispatcher commands_;
+    FileActions files_;
     KeyRouter keys_;
     WindowActions* actions_;
     TabStrip* tabStrip_;
