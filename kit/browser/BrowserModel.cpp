@@ -379,7 +379,17 @@ void BrowserModel::fail(DirectoryError error) {
                "listing of " + (currentURL() ? currentURL()->uri() : std::string()) +
                    " failed: " + std::string(text.key) +
                    (text.arguments.empty() ? "" : " (" + text.arguments.front() + ")"));
-    Q_EMIT listingStateChanged();
+    const bool wasReload = !listed_.arrangement.all.empty() && listed_.generation != generation_;
+    if (wasReload) {
+        // Nobody acts on what cannot be seen; once it can be again, it is as it was.
+        if (!selection_.empty())
+            pending_ = PendingSelection{.memory = SelectionMemory::of(std::move(selection_))};
+        feed_.stop();
+        clear();
+        publishEmptiness();
+    } else {
+        Q_EMIT listingStateChanged();
+    }
     if (generation == generation_) live_.listingEnded();
 }
 

@@ -4,6 +4,8 @@
 #include "base/Worker.h"
 #include "browser/Disposal.h"
 #include "browser/SearchMatches.h"
+#include "listing/FolderSentry.h"
+#include "listing/POSIX.h"
 
 #include <cassert>
 #include <chrono>
@@ -12,6 +14,13 @@
 #include <utility>
 
 namespace ombrel {
+
+namespace {
+
+/// Of the state that comes before the listing proper; see `preview`.
+constexpr std::uint64_t previewStep = 1;
+
+} // namespace
 
 /// What a listing's worker and the main thread share.
 class ListingFeed::Outbox {
@@ -152,6 +161,8 @@ using Clock = std::chrono::steady_clock;
 
 /// A watch that takes longer reports a change once it stands.
 constexpr std::chrono::milliseconds longestArming(100);
+/// The same where the screen shows meanwhile how the folder begins.
+constexpr std::chrono::milliseconds longestArmingBehindPreview(1000);
 /// How long a growing listing is not put in order again, in times of what it took.
 constexpr int restPerWork = 4;
 
@@ -160,12 +171,17 @@ void find(ListedItems& listed, std::shared_ptr<const SelectionMemory> sought) {
     listed.sought = std::move(sought);
 }
 
+/// What items take the place of with the first listing that shows them.
+struct Predecessor {
+    std::optional<FileItemList> items;
+    bool isReplacedWhole = false; ///< in one step, by the complete listing
+};
+
 /// The consumer of one folder's stream.
 template <typename Delivery>
-void list(DirectoryProvider::Stream stream, const std::optional<FileItemList>& replaced,
+void list(DirectoryProvider::Stream stream, const Predecessor& before, std::uint64_t step,
           const Delivery& delivery, const std::stop_token& stop) {
     Clock::time_point restsUntil = Clock::now(); // until then a newer state takes the place of a partial one
-    std::uint64_t step = 0;
     for (;;) {
         auto next = stream.newest(stop);
         if (!next) {
@@ -174,7 +190,10 @@ void list(DirectoryProvider::Stream stream, const std::optional<FileItemList>& r
         }
         if (!*next) return;
         DirectorySnapshot snapshot = std::move(**next);
-        if (!snapshot.isComplete && (replaced || stream.waitUntil(restsUntil, stop))) continue;
+        if (!snapshot.isComplete) {
+            const bool isLess = before.items && snapshot.count() < before.items->size();
+            if (before.isReplacedWhole || isLess || stream.waitUntil(restsUntil, stop)) continue;
+        }
         const auto began = Clock::now();
 
         auto wish = delivery.wish();
@@ -185,12 +204,47 @@ void list(DirectoryProvider::Stream stream, const std::optional<FileItemList>& r
                            .isComplete = snapshot.isComplete,
                            .unreadableCount = snapshot.unreadableCount,
                            .succession = nullptr};
-        if (replaced)
-            listed.succession = std::make_shared<const ItemSuccession>(*replaced, listed.arrangement.all);
+        if (before.items)
+            listed.succession = std::make_shared<const ItemSuccession>(*before.items, listed.arrangement.all);
         if (listed.isComplete) find(listed, std::move(wish.sought));
         delivery.show(std::move(listed));
         restsUntil = Clock::now() + restPerWork * (Clock::now() - began);
     }
+}
+
+/// Whether it holds so much that watching it takes long.
+bool isLarge(const FileURL& folder) {
+    const auto status = POSIX::statFollowing(folder);
+    return status && status->size >= FolderSentry::largeFolder;
+}
+
+/// Shows how the folder begins and reads no further. Answers with what it has shown; nothing when the folder
+/// is read in no time anyway.
+template <typename Delivery>
+std::optional<FileItemList> preview(DirectoryProvider::Stream stream, const Delivery& delivery,
+                                    const std::stop_token& stop) {
+    const auto first = stream.next(stop);
+    if (!first || !*first || (*first)->isComplete) return std::nullopt;
+    const DirectorySnapshot& snapshot = **first;
+    const auto wish = delivery.wish();
+    delivery.show({.generation = snapshot.request.generation,
+                   .step = previewStep,
+                   .arrangement = ItemArrangement::make(snapshot.items(), snapshot.request.sort, wish.items),
+                   .unreadableCount = snapshot.unreadableCount,
+                   .succession = nullptr});
+    return snapshot.items();
+}
+
+/// Both, once the folder is watched.
+template <typename Delivery>
+void listWatched(const ListingFeed::Source& source, const ListingFeed::Order& order, const Delivery& delivery,
+                 const std::stop_token& stop) {
+    Predecessor before{order.replaced, order.replaced.has_value()};
+    if (!before.items && !order.request.directoriesOnly && isLarge(order.request.url))
+        before.items = preview(source(order.request), delivery, stop);
+    const bool hasPreview = before.items && !before.isReplacedWhole;
+    order.arming.wait(hasPreview ? longestArmingBehindPreview : longestArming, stop);
+    list(source(order.request), before, hasPreview ? previewStep : 0, delivery, stop);
 }
 
 /// The consumer of one search's stream.
@@ -247,8 +301,7 @@ void ListingFeed::Desk::start(Order order, const ItemWish& wish) {
     begin(
         generation, {wish, std::move(sought)},
         [source = source_, order = std::move(order)](const Delivery& delivery, const std::stop_token& stop) {
-            order.arming.wait(longestArming, stop);
-            list(source(order.request), order.replaced, delivery, stop);
+            listWatched(source, order, delivery, stop);
         });
 }
 
@@ -310,6 +363,9 @@ void ListingFeed::Desk::accept(ListedItems listed) {
     if (isOutdated(listed)) return Disposal::elsewhere(std::move(listed));
     if (!isAsWished(listed.arrangement.wish, listed.isComplete, listed.sought))
         return arrange(std::move(listed));
+    // Each state of a listing says how it follows the preview; of each other they are mere continuations.
+    const bool isContinued = shown_ && shown_->generation == listed.generation && shown_->step > previewStep;
+    if (isContinued) listed.succession.reset();
     shown_ = State{listed.generation, listed.step, wish_.items, listed.sought};
     consumer_.show(std::move(listed));
 }

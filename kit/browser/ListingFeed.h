@@ -21,8 +21,8 @@ struct ListedItems {
     ItemArrangement arrangement;
     bool isComplete = false;
     std::int64_t unreadableCount = 0;
-    std::shared_ptr<const ItemSuccession>
-        succession; ///< after a reload: from the items shown before to these
+    /// After a reload, or a preview: from the items shown before to these.
+    std::shared_ptr<const ItemSuccession> succession;
     /// When complete: those of the items that were to be found, and what said which those are.
     std::shared_ptr<const ItemSet> found = nullptr;
     std::shared_ptr<const SelectionMemory> sought = nullptr;

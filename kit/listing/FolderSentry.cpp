@@ -7,7 +7,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <condition_variable>
 #include <iterator>
+#include <mutex>
 #include <string>
 
 namespace ombrel {
@@ -16,8 +18,18 @@ namespace {
 /// While events come, they are taken in heaps: a wake-up for each would cost more than all the rest.
 constexpr std::chrono::milliseconds nap(10);
 
+/// Before a large folder is watched for the first time.
+constexpr std::chrono::milliseconds headStart(15);
+
 bool isOneOf(int number, std::initializer_list<int> numbers) {
     return std::ranges::find(numbers, number) != numbers.end();
+}
+
+void waitFor(std::chrono::milliseconds time, const std::stop_token& stop) {
+    std::mutex mutex;
+    std::condition_variable_any never;
+    std::unique_lock lock(mutex);
+    (void)never.wait_for(lock, stop, time, [] { return false; });
 }
 
 /// Whether there can be no events because there are too many already, or none at all on this system.
@@ -41,6 +53,7 @@ POSIX::Result<void> FolderSentry::arm(const std::stop_token& stop) {
     if (!folder) return refuse(folder.error());
     const auto status = POSIX::status(folder->get());
     if (!status) return refuse(status.error());
+    if (!events_ && status->size >= largeFolder) waitFor(headStart, stop);
     const auto events = armEvents(folder->get());
     if (!events && !meansNoEvents(events.error())) return refuse(events.error());
     // An open folder would keep its volume from being unmounted.

@@ -19,6 +19,10 @@ public:
     using Clock = std::chrono::steady_clock;
     using Milliseconds = std::chrono::milliseconds;
 
+    /// Bytes of the folder itself from which on it may take the kernel a tenth of a second to watch it,
+    /// because it marks each entry that it remembers; meanwhile nobody can open the folder.
+    static constexpr std::int64_t largeFolder = 512 * 1024;
+
     struct Pace {
         /// A change is told when this long none has followed it, so that a burst is told once.
         Milliseconds quiet{250};
@@ -33,7 +37,7 @@ public:
     FolderSentry(const FileURL& url, const Pace& pace) noexcept : url_(url), pace_(pace) {}
 
     /// Watches what the path leads to now. For the same folder nothing is missed since the last time. On
-    /// failure nothing is watched.
+    /// failure nothing is watched. Whoever shows how a large folder begins gets a head start.
     [[nodiscard]] POSIX::Result<void> arm(const std::stop_token& stop);
     /// As if something had just changed.
     void noteChange() { quietAt_ = Clock::now() + pace_.quiet; }

@@ -1,11 +1,11 @@
 // What a program sets up before it makes models and windows, for the test programs that make them too.
 #include "base/Worker.h"
-#include "listing/SystemCall.h"
-#include "services/QtConnections.h"
 
 #include <gmock/gmock.h>
 
 #include <optional>
+
+#include "qtmain/KitWorld.h"
 
 namespace ombrel::testing {
 namespace {
@@ -15,6 +15,7 @@ public:
     void SetUp() override {
         connections_.emplace(InterfaceLanguage{}, QtConnections::Logging::silent);
         SystemCall::forbidOnMainThread(true);
+        isKitSetUp = true;
     }
     void TearDown() override {
         SystemCall::forbidOnMainThread(false);
