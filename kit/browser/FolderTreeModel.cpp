@@ -15,6 +15,18 @@
 
 namespace ombrel {
 
+namespace {
+
+/// Of names that may be looked up without a copy.
+struct NameHash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view name) const noexcept {
+        return std::hash<std::string_view>{}(name);
+    }
+};
+
+} // namespace
+
 /// A row at the top, or a folder below that is open. Rows of closed folders have none: an index points to the
 /// node of the row above it in the tree and counts in what that has read.
 struct FolderTreeModel::Node {
@@ -27,8 +39,9 @@ struct FolderTreeModel::Node {
     bool hasFolders = true;
     Nodes children; ///< of the root all rows, of others those that are open
     std::unique_ptr<FolderBranch> branch;
-    std::unordered_map<std::string, bool> probed; ///< which of the closed folders have folders
-    std::unordered_set<std::string> asked;        ///< names that are being looked into, or have been
+    std::unordered_map<std::string, bool, NameHash, std::equal_to<>>
+        probed;                            ///< which of the closed folders have folders
+    std::unordered_set<std::string> asked; ///< names that are being looked into, or have been
     std::vector<std::string> toProbe;
     Worker prober;
     bool isProbing = false;
@@ -143,15 +156,23 @@ int FolderTreeModel::columnCount(const QModelIndex&) const {
     return 1;
 }
 
+FolderTreeModel::Kind FolderTreeModel::kindOf(const QModelIndex& index) const {
+    const auto& above = *static_cast<const Node*>(index.internalPointer());
+    if (&above == root_.get()) return above.children[static_cast<std::size_t>(index.row())]->kind;
+    return above.branch->items().empty() ? Kind::notice : Kind::folder;
+}
+
+// Views ask this of every row that is open, seen or not.
 bool FolderTreeModel::hasChildren(const QModelIndex& parent) const {
     if (!parent.isValid()) return true;
-    if (!canOpen(parent)) return false;
+    const Kind kind = kindOf(parent);
+    if (kind == Kind::notice || (kind != Kind::folder && !canOpen(parent))) return false;
     const Node* const node = nodeOf(parent);
     if (node && node->branch) return !node->branch->isComplete() || !node->branch->items().empty();
     if (node) return node->hasFolders;
     const auto& above = *static_cast<const Node*>(parent.internalPointer());
-    const auto item = above.branch->items()[static_cast<std::size_t>(parent.row())];
-    const auto probed = above.probed.find(std::string(item.name()));
+    const auto probed =
+        above.probed.find(above.branch->items()[static_cast<std::size_t>(parent.row())].name());
     return probed != above.probed.end() && probed->second;
 }
 
@@ -219,8 +240,8 @@ QVariant FolderTreeModel::data(const QModelIndex& index, int role) const {
 
 Qt::ItemFlags FolderTreeModel::flags(const QModelIndex& index) const {
     if (!index.isValid()) return Qt::ItemIsDropEnabled;
-    const Entry shown = entry(index);
-    if (shown.kind == Kind::head || shown.kind == Kind::notice) return Qt::ItemNeverHasChildren;
+    const Kind kind = kindOf(index);
+    if (kind == Kind::head || kind == Kind::notice) return Qt::ItemNeverHasChildren;
     return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled | Qt::ItemIsDropEnabled;
 }
 

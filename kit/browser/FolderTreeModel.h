@@ -108,6 +108,7 @@ private:
     struct Node;
     using Nodes = std::vector<std::unique_ptr<Node>>;
 
+    [[nodiscard]] Kind kindOf(const QModelIndex& index) const;
     [[nodiscard]] Node* nodeOf(const QModelIndex& index) const;
     [[nodiscard]] QModelIndex indexOf(const Node& node) const;
     [[nodiscard]] bool canOpen(const QModelIndex& index) const;

@@ -355,6 +355,7 @@
     <message id="ui.accessible.columns"><source></source><translation>Columns</translation></message>
     <message id="ui.accessible.files"><source></source><translation>Files</translation></message>
     <message id="ui.accessible.tabs"><source></source><translation>Tabs</translation></message>
+    <message id="ui.accessible.tree"><source></source><translation>Folders</translation></message>
     <message id="ui.address.collapsed"><source></source><translation>Folders further up</translation></message>
     <message id="ui.column.dateModified"><source></source><translation>Date modified</translation></message>
     <message id="ui.column.name"><source></source><translation>Name</translation></message>
@@ -404,9 +405,14 @@
     <message id="ui.drop.intoItself"><source></source><translation>Can’t move a folder into itself</translation></message>
     <message id="ui.drop.moveTo"><source></source><translation>Move to {1}</translation></message>
     <message id="ui.drop.readOnly"><source></source><translation>This place is read-only</translation></message>
+    <message id="ui.home.addLocation"><source></source><translation>Add a folder…</translation></message>
+    <message id="ui.home.folderCount" numerus="yes"><source></source><translation><numerusform>{n} folder</numerusform><numerusform>{n} folders</numerusform></translation></message>
     <message id="ui.home.locations"><source></source><translation>Locations</translation></message>
+    <message id="ui.home.moreActions"><source></source><translation>More</translation></message>
+    <message id="ui.home.noLocations"><source></source><translation>No locations yet. Add a folder that Ombrel may open.</translation></message>
     <message id="ui.home.quickAccess"><source></source><translation>Quick access</translation></message>
     <message id="ui.home.title"><source></source><translation>Home</translation></message>
+    <message id="ui.home.volumeCount" numerus="yes"><source></source><translation><numerusform>{n} volume</numerusform><numerusform>{n} volumes</numerusform></translation></message>
     <message id="ui.home.volumes"><source></source><translation>Volumes</translation></message>
     <message id="ui.key.backspace"><source></source><translation>Backspace</translation></message>
     <message id="ui.key.control"><source></source><translation>Ctrl</translation></message>
@@ -416,7 +422,9 @@
     <message id="ui.key.shift"><source></source><translation>Shift</translation></message>
     <message id="ui.key.space"><source></source><translation>Space</translation></message>
     <message id="ui.key.super"><source></source><translation>Super</translation></message>
+    <message id="ui.location.available"><source></source><translation>Available</translation></message>
     <message id="ui.location.needsPermission"><source></source><translation>Needs permission</translation></message>
+    <message id="ui.location.remove"><source></source><translation>Remove location</translation></message>
     <message id="ui.location.unavailable"><source></source><translation>Not available</translation></message>
     <message id="ui.new.textDocument"><source></source><translation>Text document</translation></message>
     <message id="ui.pill.available"><source></source><translation>Available</translation></message>
@@ -470,11 +478,14 @@
     <message id="ui.tooltip.upTo"><source></source><translation>Up to “{1}”</translation></message>
     <message id="ui.tooltip.withShortcut"><source></source><translation>{1} ({2})</translation></message>
     <message id="ui.tree.loading"><source></source><translation>Loading…</translation></message>
+    <message id="ui.volume.eject"><source></source><translation>Eject</translation></message>
     <message id="ui.volume.ejecting"><source></source><translation>Ejecting…</translation></message>
+    <message id="ui.volume.free"><source></source><translation>{1} free of {2}</translation></message>
     <message id="ui.volume.internal"><source></source><translation>internal</translation></message>
     <message id="ui.volume.network"><source></source><translation>network</translation></message>
     <message id="ui.volume.readOnly"><source></source><translation>read-only</translation></message>
     <message id="ui.volume.removable"><source></source><translation>removable</translation></message>
+    <message id="ui.volume.sizeUnknown"><source></source><translation>Size unknown</translation></message>
     <message id="ui.volume.system"><source></source><translation>System</translation></message>
     <message id="undo.action.copy"><source></source><translation>Copy</translation></message>
     <message id="undo.action.delete"><source></source><translation>Delete</translation></message>

@@ -7,7 +7,9 @@
 #include "ui/FileView.h"
 #include "ui/FocusRing.h"
 #include "ui/LocationLook.h"
+#include "ui/HomeView.h"
 #include "ui/NavigationRow.h"
+#include "ui/NavigationTree.h"
 #include "ui/Overlay.h"
 #include "ui/PaneArea.h"
 #include "ui/PaneSplitter.h"
@@ -16,6 +18,7 @@
 #include "ui/Theme.h"
 #include "ui/WindowActions.h"
 #include "ui/WindowKeys.h"
+#include "ui/WindowPlaces.h"
 
 #include <QCloseEvent>
 #include <QEvent>
@@ -42,6 +45,7 @@ BrowserWindow::BrowserWindow(const Setting& setting)
                                         .up = actions_->of(FileCommand::goUp),
                                         .refresh = actions_->of(FileCommand::refresh)},
                                        this)),
+      places_(new WindowPlaces(*this, tabs_, setting.services, *theme_, setting.home)),
       panes_(new QStackedWidget), splitter_(new PaneSplitter(*theme_, panes_, this)),
       statusBar_(new StatusBar(*theme_, this)) {
     setAttribute(Qt::WA_DeleteOnClose);
@@ -73,6 +77,7 @@ void BrowserWindow::layOut() {
     column->addWidget(tabStrip_);
     column->addWidget(navigationRow_);
     column->addWidget(splitter_, 1);
+    splitter_->put(PaneSplitter::Side::tree, places_->makeTree());
     column->addWidget(statusBar_);
 }
 
@@ -146,6 +151,7 @@ void BrowserWindow::followTabs() {
 void BrowserWindow::addPaneArea(std::size_t index) {
     BrowserModel& pane = tabs_.tab(index);
     auto* const area = new PaneArea(pane, *theme_, keys_);
+    area->setHomePage(places_->makeHomeView());
     connect(area, &PaneArea::openRequested, this, [this, &pane](std::size_t row) { open(pane, row); });
     connect(area, &PaneArea::viewChanged, this, [this, area] {
         if (area == panes_->currentWidget()) statusBar_->follow(area->model(), area->view());
@@ -191,7 +197,10 @@ void BrowserWindow::refreshTitle() {
 // ---- Events
 
 bool BrowserWindow::event(QEvent* event) {
-    if (event->type() == QEvent::WindowActivate) services_->setActiveWindowTabs(&tabs_);
+    if (event->type() == QEvent::WindowActivate) {
+        services_->setActiveWindowTabs(&tabs_);
+        places_->folders().refresh();
+    }
     return QWidget::event(event);
 }
 

@@ -25,6 +25,7 @@ class StatusBar;
 class TabStrip;
 class Theme;
 class WindowActions;
+class WindowPlaces;
 
 /// One window: it makes the models of its tabs and the widgets that show them, and connects them. What stands
 /// around the file view follows the active tab. Deletes itself when closed.
@@ -96,6 +97,7 @@ private:
     WindowActions* actions_;
     TabStrip* tabStrip_;
     NavigationRow* navigationRow_;
+    WindowPlaces* places_;
     QStackedWidget* panes_; ///< one for each tab
     PaneSplitter* splitter_;
     StatusBar* statusBar_;

@@ -218,7 +218,7 @@ void OmbrelStyle::drawComplexControl(ComplexControl control, const QStyleOptionC
 
 void OmbrelStyle::drawScrollBar(const QStyleOptionSlider& option, QPainter& painter,
                                 const QWidget* widget) const {
-    painter.fillRect(option.rect, theme_->color(ThemeColor::surface));
+    painter.fillRect(option.rect, option.palette.color(QPalette::Base));
     if (option.maximum <= option.minimum) return;
     const QRect slider = subControlRect(CC_ScrollBar, &option, SC_ScrollBarSlider, widget);
     const bool isUpright = option.orientation == Qt::Vertical;

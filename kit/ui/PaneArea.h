@@ -24,6 +24,9 @@ public:
     [[nodiscard]] FileView& view() const noexcept;
     [[nodiscard]] Overlay& overlay() const noexcept { return *overlay_; }
 
+    /// What is shown while the pane is at home; the area takes it over.
+    void setHomePage(QWidget* page);
+
     /// Gives the keyboard to what the area shows.
     void focusContent();
 
@@ -34,9 +37,12 @@ Q_SIGNALS:
     void viewChanged();
 
 private:
+    void showHomeOrFolder();
+
     BrowserModel* model_;
     DetailsView* details_;
     Overlay* overlay_;
+    QWidget* homePage_ = nullptr;
 };
 
 } // namespace ombrel

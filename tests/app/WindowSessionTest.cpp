@@ -46,8 +46,8 @@ protected:
     }
 
     // Places that hold for the usual default fonts, which differ a little in height.
-    void doubleClickFirstRow() { desktop->click(150, 92, 2); }
-    void clickNameHeader() { desktop->click(90, 60); }
+    void doubleClickFirstRow() { desktop->click(400, 92, 2); }
+    void clickNameHeader() { desktop->click(320, 60); }
     /// Whether Enter on the first row leads into `name`.
     [[nodiscard]] bool firstFolderIs(const std::string& name) {
         desktop->key("Home");

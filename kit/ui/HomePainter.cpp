@@ -1,0 +1,370 @@
+#include "ui/HomePainter.h"
+
+#include "ui/Glyphs.h"
+#include "ui/HomeTexts.h"
+#include "ui/LocalizedText.h"
+#include "ui/OmbrelStyle.h"
+#include "ui/PlaceGlyphs.h"
+#include "ui/PlaceIcons.h"
+
+#include <QPainterPath>
+#include <QStyle>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace ombrel {
+namespace {
+
+using Section = HomeModel::Section;
+using Part = HomeItem::Part;
+
+QRectF hairlineInside(const QRectF& rect) {
+    return rect.adjusted(0.5, 0.5, -0.5, -0.5);
+}
+
+QRect centred(const QRect& within, int side) {
+    QRect box(0, 0, side, side);
+    box.moveCenter(within.center());
+    return box;
+}
+
+} // namespace
+
+QRect HomePainter::mirrored(const QRect& part, const QRect& within) const {
+    return QStyle::visualRect(direction_, within, part);
+}
+
+std::optional<ThemeColor> HomePainter::fillOf(const Look& look) const {
+    if (look.isDropTarget) return ThemeColor::selection;
+    if (look.isSelected && !look.isActive) return ThemeColor::selectionInactive;
+    if (look.isSelected) return look.isHovered ? ThemeColor::selectionHover : ThemeColor::selection;
+    return look.isHovered ? std::optional(ThemeColor::hover) : std::nullopt;
+}
+
+void HomePainter::paint(QPainter& painter, const HomeItem& item, const QRect& rect, const Look& look) const {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (item.part == Part::head)
+        paintHead(painter, item, rect, look);
+    else if (item.section == Section::locations)
+        paintRowGround(painter, item, rect, look);
+    else
+        paintCard(painter, rect, look);
+    if (item.part == Part::addLocation)
+        paintAddLocation(painter, rect);
+    else if (item.part == Part::entry) {
+        switch (item.section) {
+        case Section::quickAccess: paintPin(painter, model_->pins()[item.index], rect); break;
+        case Section::locations: paintLocation(painter, item, rect, look); break;
+        case Section::volumes: paintVolume(painter, item, rect, look); break;
+        }
+    }
+    painter.restore();
+}
+
+void HomePainter::paintHead(QPainter& painter, const HomeItem& item, const QRect& rect,
+                            const Look& look) const {
+    const int chevron = size(PlaceSize::treeChevron), gap = size(ThemeSize::space8);
+    const QString title = HomeTexts::sectionTitle(item.section);
+    const QString count = HomeTexts::count(item.section, model_->count(item.section));
+    const QFont strong = theme_->font(ThemeFont::subtitle), small = theme_->font(ThemeFont::caption);
+    const int titleWidth = QFontMetrics(strong).horizontalAdvance(title) + 1;
+    const int countWidth = QFontMetrics(small).horizontalAdvance(count) + 1;
+    QRect part(rect.left(), rect.top() + (rect.height() - chevron) / 2, chevron, chevron);
+    const QRect titlePart(part.right() + 1 + gap, rect.top(), titleWidth, rect.height());
+    const QRect countPart(titlePart.right() + 1 + gap, rect.top(), countWidth, rect.height());
+    if (look.isHovered || look.isCurrent) {
+        const int radius = size(ThemeSize::radiusRow), inset = size(ThemeSize::space2);
+        const QRect ground = mirrored(QRect(QPoint(rect.left() - gap, rect.top() + inset),
+                                            QPoint(countPart.right() + gap, rect.bottom() - inset)),
+                                      rect);
+        if (look.isHovered) {
+            painter.setPen(Qt::NoPen);
+            painter.setBrush(theme_->color(ThemeColor::hover));
+            painter.drawRoundedRect(ground, radius, radius);
+        }
+        if (look.isCurrent) OmbrelStyle::drawInnerRing(painter, *theme_, ground, radius);
+    }
+    const Glyph closed = direction_ == Qt::RightToLeft ? Glyph::chevronLeft : Glyph::chevronRight;
+    Glyphs::draw(painter, model_->isFolded(item.section) ? closed : Glyph::chevronDown, mirrored(part, rect),
+                 theme_->color(ThemeColor::text));
+    const auto flags =
+        QStyle::visualAlignment(direction_, Qt::AlignLeft) | Qt::AlignVCenter | Qt::TextSingleLine;
+    painter.setFont(strong);
+    painter.setPen(theme_->color(ThemeColor::text));
+    painter.drawText(mirrored(titlePart, rect), flags, title);
+    painter.setFont(small);
+    painter.setPen(theme_->color(ThemeColor::textSecondary));
+    painter.drawText(mirrored(countPart, rect), flags, count);
+}
+
+void HomePainter::paintCard(QPainter& painter, const QRect& rect, const Look& look) const {
+    const int radius = size(ThemeSize::radiusField);
+    painter.setPen(QPen(theme_->color(ThemeColor::border), size(ThemeSize::hairline)));
+    painter.setBrush(theme_->color(fillOf(look).value_or(ThemeColor::surface)));
+    painter.drawRoundedRect(hairlineInside(rect), radius, radius);
+    if (look.isCurrent || look.isDropTarget) OmbrelStyle::drawInnerRing(painter, *theme_, rect, radius);
+}
+
+void HomePainter::paintLines(QPainter& painter, const QRect& box, const QString& first, const QString& second,
+                             ThemeColor ink) const {
+    const QFont body = theme_->font(ThemeFont::body), caption = theme_->font(ThemeFont::caption);
+    const QFontMetrics upper(body), lower(caption);
+    const int height = upper.height() + lower.height();
+    const int top = box.top() + (box.height() - height) / 2;
+    const auto flags =
+        QStyle::visualAlignment(direction_, Qt::AlignLeft) | Qt::AlignVCenter | Qt::TextSingleLine;
+    painter.setFont(body);
+    painter.setPen(theme_->color(ink));
+    painter.drawText(QRect(box.left(), top, box.width(), upper.height()), flags,
+                     upper.elidedText(first, Qt::ElideMiddle, box.width()));
+    painter.setFont(caption);
+    painter.setPen(theme_->color(ThemeColor::textSecondary));
+    painter.drawText(QRect(box.left(), top + upper.height(), box.width(), lower.height()), flags,
+                     lower.elidedText(second, Qt::ElideRight, box.width()));
+}
+
+void HomePainter::paintPin(QPainter& painter, const PinnedPlace& pin, const QRect& rect) const {
+    const int inset = size(PlaceSize::tileInset), icon = size(PlaceSize::tileIcon),
+              gap = size(ThemeSize::space12);
+    const QRect box(rect.left() + inset, rect.top() + (rect.height() - icon) / 2, icon, icon);
+    PlaceIcons::drawFolder(painter, *theme_, pin.pin.known(), mirrored(box, rect));
+    QRect text(QPoint(box.right() + 1 + gap, rect.top()), QPoint(rect.right() - inset, rect.bottom()));
+    if (!pin.pin.known()) {
+        const int glyph = size(PlaceSize::treeChevron);
+        const QRect mark(rect.right() - inset - glyph + 1, rect.top() + (rect.height() - glyph) / 2, glyph,
+                         glyph);
+        PlaceGlyphs::draw(painter, PlaceGlyph::pin, mirrored(mark, rect),
+                          theme_->color(ThemeColor::textSecondary));
+        text.setRight(mark.left() - gap);
+    }
+    paintLines(painter, mirrored(text, rect), pin.title, pin.whereabouts, ThemeColor::text);
+}
+
+// ---- Locations
+
+void HomePainter::paintLocationsFrame(QPainter& painter, const QRect& frame, const QRect& emptyText) const {
+    if (frame.isEmpty()) return;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    const int radius = size(ThemeSize::radiusField);
+    painter.setPen(QPen(theme_->color(ThemeColor::border), size(ThemeSize::hairline)));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(hairlineInside(frame), radius, radius);
+    if (!emptyText.isEmpty()) {
+        const int inset = size(PlaceSize::tileInset);
+        painter.setFont(theme_->font(ThemeFont::body));
+        painter.setPen(theme_->color(ThemeColor::textSecondary));
+        painter.drawText(emptyText.adjusted(inset, 0, -inset, 0),
+                         QStyle::visualAlignment(direction_, Qt::AlignLeft) | Qt::AlignVCenter |
+                             Qt::TextWordWrap,
+                         localized("ui.home.noLocations"));
+    }
+    painter.restore();
+}
+
+void HomePainter::paintRowGround(QPainter& painter, const HomeItem& item, const QRect& rect,
+                                 const Look& look) const {
+    const int radius = size(ThemeSize::radiusField), hairline = size(ThemeSize::hairline);
+    const bool isFirst = item.part == Part::entry && item.index == 0;
+    const bool isLast = item.part == Part::addLocation;
+    // The line below belongs to the row that follows.
+    const QRect ground = rect.adjusted(hairline, hairline, -hairline, 0);
+    if (const auto fill = fillOf(look)) {
+        QPainterPath shape;
+        shape.setFillRule(Qt::WindingFill);
+        shape.addRoundedRect(ground, radius - hairline, radius - hairline);
+        if (!isFirst) shape.addRect(ground.adjusted(0, 0, 0, -radius));
+        if (!isLast) shape.addRect(ground.adjusted(0, radius, 0, 0));
+        painter.fillPath(shape.simplified(), theme_->color(*fill));
+    }
+    if (!isFirst)
+        painter.fillRect(QRect(rect.left(), rect.top(), rect.width(), hairline),
+                         theme_->color(ThemeColor::border));
+    if (look.isCurrent || look.isDropTarget)
+        OmbrelStyle::drawInnerRing(painter, *theme_, ground, radius - hairline);
+}
+
+QRect HomePainter::paintPill(QPainter& painter, const GrantedPlace& location, int right,
+                             const QRect& row) const {
+    struct Style {
+        ThemeColor ground;
+        ThemeColor ink;
+        std::optional<Glyph> glyph;
+    };
+    const Style style =
+        location.isActive()          ? Style{ThemeColor::successSoft, ThemeColor::success, Glyph::check}
+        : location.needsPermission() ? Style{ThemeColor::warningSoft, ThemeColor::warning, Glyph::key}
+                                     : Style{ThemeColor::selectionInactive, ThemeColor::textSecondary, {}};
+    const QFont font = theme_->font(ThemeFont::caption);
+    const QString text = HomeTexts::state(location);
+    const int padding = size(ThemeSize::space8), glyph = size(ThemeSize::space12),
+              gap = size(ThemeSize::space4);
+    const int textWidth = QFontMetrics(font).horizontalAdvance(text) + 1;
+    const int width = textWidth + 2 * padding + (style.glyph ? glyph + gap : 0);
+    const int height =
+        std::max(size(PlaceSize::pillHeight), QFontMetrics(font).height() + size(ThemeSize::space2));
+    const QRect pill(right - width, row.top() + (row.height() - height) / 2, width, height);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(theme_->color(style.ground));
+    painter.drawRoundedRect(mirrored(pill, row), height / 2.0, height / 2.0);
+    if (style.glyph) {
+        const QRect box(pill.left() + padding, pill.top() + (height - glyph) / 2, glyph, glyph);
+        Glyphs::draw(painter, *style.glyph, mirrored(box, row), theme_->color(style.ink));
+    }
+    painter.setFont(font);
+    painter.setPen(theme_->color(style.ink));
+    const QRect textPart(pill.right() - padding - textWidth + 1, pill.top(), textWidth, height);
+    painter.drawText(mirrored(textPart, row), Qt::AlignCenter | Qt::TextSingleLine, text);
+    return pill;
+}
+
+void HomePainter::paintButtonGround(QPainter& painter, const QRect& button, const Look& look) const {
+    if (!look.isButtonHovered && !look.isButtonPressed) return;
+    const int radius = size(ThemeSize::radiusButton);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(
+        theme_->color(look.isButtonPressed ? ThemeColor::pressed : ThemeColor::selectionInactive));
+    painter.drawRoundedRect(button, radius, radius);
+}
+
+void HomePainter::paintLocation(QPainter& painter, const HomeItem& item, const QRect& rect,
+                                const Look& look) const {
+    const GrantedPlace& location = model_->locations()[item.index];
+    const int inset = size(PlaceSize::tileInset), icon = size(PlaceSize::locationIcon),
+              gap = size(ThemeSize::space12);
+    const QRect box(rect.left() + inset, rect.top() + (rect.height() - icon) / 2, icon, icon);
+    PlaceIcons::drawFolder(painter, *theme_, std::nullopt, mirrored(box, rect));
+    // Pills end at one line, whether or not there is a wide button beside them.
+    const QFontMetrics metrics(theme_->font(ThemeFont::body));
+    const int widest = metrics.horizontalAdvance(localized("settings.locations.reauthorize")) + 2 * gap;
+    const int pillEnd =
+        rect.right() + 1 - inset - widest - size(ThemeSize::space28) - size(ThemeSize::space8);
+    const QRect pill = paintPill(painter, location, pillEnd, rect);
+    const QRect text(QPoint(box.right() + 1 + gap, rect.top()), QPoint(pill.left() - gap, rect.bottom()));
+    const bool isThere = location.isActive() || location.needsPermission();
+    paintLines(painter, mirrored(text, rect), location.title, location.path,
+               isThere ? ThemeColor::text : ThemeColor::textSecondary);
+    const QRect button = buttonOf(item, rect);
+    if (!location.needsPermission()) {
+        paintButtonGround(painter, button, look);
+        PlaceGlyphs::draw(painter, PlaceGlyph::more, centred(button, size(PlaceSize::treeChevron)),
+                          theme_->color(ThemeColor::text));
+        return;
+    }
+    const int radius = size(ThemeSize::radiusButton);
+    const ThemeColor face = look.isButtonPressed   ? ThemeColor::pressed
+                            : look.isButtonHovered ? ThemeColor::hover
+                                                   : ThemeColor::surface;
+    painter.setPen(QPen(theme_->color(ThemeColor::border), size(ThemeSize::hairline)));
+    painter.setBrush(theme_->color(face));
+    painter.drawRoundedRect(hairlineInside(button), radius, radius);
+    painter.setFont(theme_->font(ThemeFont::body));
+    painter.setPen(theme_->color(ThemeColor::text));
+    painter.drawText(button, Qt::AlignCenter | Qt::TextSingleLine, buttonText(item));
+}
+
+void HomePainter::paintAddLocation(QPainter& painter, const QRect& rect) const {
+    const int inset = size(PlaceSize::tileInset), icon = size(PlaceSize::locationIcon),
+              gap = size(ThemeSize::space12);
+    const QRect box(rect.left() + inset, rect.top() + (rect.height() - icon) / 2, icon, icon);
+    Glyphs::draw(painter, Glyph::plus, centred(mirrored(box, rect), size(ThemeSize::glyph)),
+                 theme_->color(ThemeColor::accent));
+    const QRect text(QPoint(box.right() + 1 + gap, rect.top()), QPoint(rect.right() - inset, rect.bottom()));
+    painter.setFont(theme_->font(ThemeFont::body));
+    painter.setPen(theme_->color(ThemeColor::accent));
+    painter.drawText(mirrored(text, rect),
+                     QStyle::visualAlignment(direction_, Qt::AlignLeft) | Qt::AlignVCenter |
+                         Qt::TextSingleLine,
+                     localized("ui.home.addLocation"));
+}
+
+// ---- Volumes
+
+void HomePainter::paintVolume(QPainter& painter, const HomeItem& item, const QRect& rect,
+                              const Look& look) const {
+    const VolumePlace& volume = model_->volumes()[item.index];
+    const int inset = size(PlaceSize::tileInset), plate = size(PlaceSize::volumePlate);
+    const QRect box(rect.left() + inset, rect.top() + inset, plate, plate);
+    const int radius = size(ThemeSize::radiusField);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(theme_->color(ThemeColor::hover));
+    painter.drawRoundedRect(mirrored(box, rect), radius, radius);
+    PlaceGlyphs::draw(painter, PlaceIcons::glyphOf(volume.kind),
+                      centred(mirrored(box, rect), size(ThemeSize::listIcon)),
+                      theme_->color(ThemeColor::accent));
+    QRect column(QPoint(box.right() + 1 + size(ThemeSize::space12) + size(ThemeSize::space2), box.top()),
+                 QPoint(rect.right() - inset, rect.bottom() - inset));
+    QRect lines(column.left(), box.top(), column.width(), plate);
+    const QRect button = buttonOf(item, rect);
+    if (!button.isEmpty()) {
+        lines.setRight(mirrored(button, rect).left() - size(ThemeSize::space4));
+        paintButtonGround(painter, button, look);
+        PlaceGlyphs::draw(painter, PlaceGlyph::eject, centred(button, size(PlaceSize::treeChevron)),
+                          theme_->color(ThemeColor::text));
+    }
+    paintLines(painter, mirrored(lines, rect), volume.title,
+               volume.isEjecting ? localized("ui.volume.ejecting") : volume.nature,
+               volume.isEjecting ? ThemeColor::textSecondary : ThemeColor::text);
+    column.setTop(box.bottom() + 1 + size(ThemeSize::space2));
+    paintCapacity(painter, volume, mirrored(column, rect));
+}
+
+void HomePainter::paintCapacity(QPainter& painter, const VolumePlace& volume, const QRect& column) const {
+    const auto used = volume.used();
+    const int bar = size(PlaceSize::capacityBar);
+    QRect caption = column;
+    if (used) {
+        const QRect track(column.left(), column.top(), column.width(), bar);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(theme_->color(ThemeColor::track));
+        painter.drawRoundedRect(track, bar / 2.0, bar / 2.0);
+        QRect filled = track;
+        filled.setWidth(
+            std::clamp(static_cast<int>(track.width() * *used), *used > 0 ? bar : 0, track.width()));
+        painter.setBrush(theme_->color(volume.isNearlyFull() ? ThemeColor::danger : ThemeColor::accent));
+        painter.drawRoundedRect(mirrored(filled, track), bar / 2.0, bar / 2.0);
+        caption.setTop(track.bottom() + 1 + size(ThemeSize::space4));
+    }
+    const QFont font = theme_->font(ThemeFont::caption);
+    const QFontMetrics metrics(font);
+    caption.setHeight(metrics.height());
+    painter.setFont(font);
+    painter.setPen(theme_->color(volume.isNearlyFull() ? ThemeColor::danger : ThemeColor::textSecondary));
+    painter.drawText(
+        caption, QStyle::visualAlignment(direction_, Qt::AlignLeft) | Qt::AlignVCenter | Qt::TextSingleLine,
+        metrics.elidedText(HomeTexts::capacity(volume), Qt::ElideRight, caption.width()));
+}
+
+// ---- Buttons
+
+QRect HomePainter::buttonOf(const HomeItem& item, const QRect& rect) const {
+    if (item.part != Part::entry) return {};
+    const int inset = size(PlaceSize::tileInset);
+    if (item.section == Section::locations) {
+        const GrantedPlace& location = model_->locations()[item.index];
+        const int height = size(ThemeSize::space28);
+        int width = size(ThemeSize::navigationButton), end = rect.right() + 1 - inset;
+        if (location.needsPermission())
+            width = QFontMetrics(theme_->font(ThemeFont::body)).horizontalAdvance(buttonText(item)) +
+                    2 * size(ThemeSize::space12);
+        else
+            end += (width - size(ThemeSize::glyph)) / 2; // the dots end where the other button does
+        return mirrored(QRect(end - width, rect.top() + (rect.height() - height) / 2, width, height), rect);
+    }
+    if (item.section != Section::volumes) return {};
+    const VolumePlace& volume = model_->volumes()[item.index];
+    if (!volume.canBeEjected || volume.isEjecting) return {};
+    const int side = size(PlaceSize::treeButton), edge = size(ThemeSize::space12);
+    return mirrored(QRect(rect.right() + 1 - edge - side, rect.top() + edge, side, side), rect);
+}
+
+QString HomePainter::buttonText(const HomeItem& item) const {
+    if (item.section == Section::volumes) return localized("ui.volume.eject");
+    const bool isLost = model_->locations()[item.index].needsPermission();
+    return localized(isLost ? "settings.locations.reauthorize" : "ui.home.moreActions");
+}
+
+} // namespace ombrel

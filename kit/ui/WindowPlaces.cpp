@@ -1,0 +1,57 @@
+#include "ui/WindowPlaces.h"
+
+#include "browser/BrowserTabsModel.h"
+#include "services/AppServices.h"
+#include "ui/HomeView.h"
+#include "ui/NavigationTree.h"
+
+#include <QWidget>
+
+namespace ombrel {
+
+WindowPlaces::WindowPlaces(QWidget& window, BrowserTabsModel& tabs, AppServices& services, const Theme& theme,
+                           const FileURL& home)
+    : QObject(&window), tabs_(&tabs), services_(&services), theme_(&theme), home_(services, home),
+      folders_(services, home_, [&directories = services.directories()](const DirectoryRequest& request) {
+          return directories.snapshots(request);
+      }) {
+    home_.setEjector(&ejector_);
+    connect(&tabs, &BrowserTabsModel::activeTabChanged, this, &WindowPlaces::followPane);
+    connect(&services, &AppServices::lastVolumeEventChanged, &folders_, &FolderTreeModel::refresh);
+    followPane();
+}
+
+void WindowPlaces::followPane() {
+    disconnect(following_);
+    const BrowserModel& pane = tabs_->activeTab();
+    const auto follow = [this, &pane] { folders_.follow(pane.currentURL()); };
+    following_ = connect(&pane, &BrowserModel::locationChanged, this, follow);
+    follow();
+}
+
+NavigationTree* WindowPlaces::makeTree() {
+    return new NavigationTree(folders_, *theme_, intents());
+}
+
+HomeView* WindowPlaces::makeHomeView() {
+    return new HomeView(home_, *theme_, intents());
+}
+
+PlaceIntents WindowPlaces::intents() {
+    PlaceIntents intents;
+    intents.open = [this](const FileURL& folder) { tabs_->activeTab().navigate(folder); };
+    intents.openHome = [this] { tabs_->activeTab().navigateHome(); };
+    intents.openInNewTab = [this](const FileURL& folder) {
+        tabs_->addTab(folder, BrowserTabsModel::Activation::activate);
+    };
+    intents.openInTabBehind = [this](const FileURL& folder) {
+        tabs_->addTab(folder, BrowserTabsModel::Activation::stayBehind);
+    };
+    intents.openInNewWindow = [this](const FileURL& folder) {
+        if (services_->openWindowAt) services_->openWindowAt(folder);
+    };
+    intents.copyPath = [this](const FileURL& folder) { services_->clipboard().copyPaths({folder}); };
+    return intents;
+}
+
+} // namespace ombrel

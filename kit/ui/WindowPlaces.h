@@ -1,0 +1,46 @@
+#pragma once
+
+#include "browser/FolderTreeModel.h"
+#include "browser/HomeModel.h"
+#include "services/VolumeEjector.h"
+#include "ui/PlaceIntents.h"
+
+#include <QObject>
+
+namespace ombrel {
+
+class BrowserTabsModel;
+class HomeView;
+class NavigationTree;
+class Theme;
+
+/// The navigation tree and the home pages of one window: their models, and what is wanted in them done in the
+/// window's tabs. The tree follows the active tab.
+class WindowPlaces final : public QObject {
+    Q_OBJECT
+
+public:
+    /// It belongs to `window`; `tabs`, `services` and `theme` must outlive the widgets.
+    WindowPlaces(QWidget& window, BrowserTabsModel& tabs, AppServices& services, const Theme& theme,
+                 const FileURL& home);
+
+    /// Nobody's child yet.
+    [[nodiscard]] NavigationTree* makeTree();
+    [[nodiscard]] HomeView* makeHomeView();
+    [[nodiscard]] HomeModel& home() noexcept { return home_; }
+    [[nodiscard]] FolderTreeModel& folders() noexcept { return folders_; }
+
+private:
+    [[nodiscard]] PlaceIntents intents();
+    void followPane();
+
+    BrowserTabsModel* tabs_;
+    AppServices* services_;
+    const Theme* theme_;
+    VolumeEjector ejector_;
+    HomeModel home_;
+    FolderTreeModel folders_;
+    QMetaObject::Connection following_;
+};
+
+} // namespace ombrel
