@@ -16,4 +16,8 @@ enum class NewItem : std::uint8_t { folder, file };
 [[nodiscard]] ItemOutcome createExclusive(const FileURL& folder, std::string_view preferredName, NewItem item,
                                           std::string_view contents = {});
 
+/// Makes a symbolic link to `item` in a folder, under the item's own name or the first free one after it. Its
+/// target is the item's whole path. `destinationMissing` when the folder is gone. Blocking.
+[[nodiscard]] ItemOutcome createLink(const FileURL& item, const FileURL& folder);
+
 } // namespace ombrel

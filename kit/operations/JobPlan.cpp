@@ -1,6 +1,7 @@
 #include "operations/JobPlan.h"
 
 #include "operations/ArchiveService.h"
+#include "operations/ItemCreation.h"
 #include "operations/UndoRecording.h"
 
 #include <memory>
@@ -137,6 +138,19 @@ JobPlan JobPlan::createFromTemplate(const FileOperationService& service, const F
                     const OperationHooks&, const std::stop_token& stop) mutable {
         sample(source);
         return service.createFromTemplate(source, folder, name, stop);
+    };
+    return plan;
+}
+
+JobPlan JobPlan::createLinks(std::vector<FileURL> items, const FileURL& folder) {
+    JobPlan plan{
+        .kind = FileOperationKind::newFile, .sources = items, .destination = folder, .undo = undoByKind};
+    plan.work = [items = std::move(items), folder](const OperationHooks&, const std::stop_token& stop) {
+        OperationReport report{FileOperationKind::newFile, {}};
+        for (const auto& item : items)
+            report.items.push_back(
+                {item, stop.stop_requested() ? ItemOutcome::cancelled() : createLink(item, folder)});
+        return report;
     };
     return plan;
 }

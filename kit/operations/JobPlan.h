@@ -63,6 +63,9 @@ struct JobPlan {
                                                     const FileReference& source, const FileURL& folder,
                                                     std::string preferredName);
 
+    /// A symbolic link to each item in `folder`, under free names. A job of kind `newFile`.
+    [[nodiscard]] static JobPlan createLinks(std::vector<FileURL> items, const FileURL& folder);
+
     /// A zip of the items in `folder`, and archives extracted beside themselves; see ArchiveService.
     [[nodiscard]] static JobPlan compress(std::vector<FileReference> items, const FileURL& folder,
                                           std::string preferredName = {});

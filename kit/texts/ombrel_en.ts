@@ -221,6 +221,7 @@
     <message id="open.error.noApplication"><source></source><translation>No application is set to open “{1}”.</translation></message>
     <message id="open.error.noTerminal"><source></source><translation>No terminal is installed.</translation></message>
     <message id="open.error.notExecutable"><source></source><translation>“{1}” is a program, but it is not marked as executable.</translation></message>
+    <message id="open.error.several" numerus="yes"><source></source><translation><numerusform>{1}</numerusform><numerusform>{n} items could not be opened. {1}</numerusform></translation></message>
     <message id="open.error.special"><source></source><translation>“{1}” is a special file that can’t be opened.</translation></message>
     <message id="open.error.terminal"><source></source><translation>A terminal could not be opened in “{1}”: {2}.</translation></message>
     <message id="overlay.empty.title"><source></source><translation>This folder is empty</translation></message>

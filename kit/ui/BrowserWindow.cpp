@@ -33,7 +33,7 @@ namespace ombrel {
 BrowserWindow::BrowserWindow(const Setting& setting)
     : theme_(&setting.theme), services_(&setting.services),
       tabs_([&services = setting.services] { return makePane(services); }, setting.startingAt),
-      files_(setting.services),
+      files_(setting.services), opening_(setting.services),
       keys_(commands_, {.preset = [this] { return services_->settings().keyPreset(); },
                         .activePane = [this]() -> BrowserModel& { return tabs_.activeTab(); },
                         .performTabCommand = [this](TabCommand command) { tabs_.perform(command); }}),
@@ -110,9 +110,10 @@ void BrowserWindow::setState(const WindowState& state) {
 
 void BrowserWindow::bindCommands() {
     files_.bindTo(commands_);
-    commands_.bind(FileCommand::open,
-                   {.perform = [this](BrowserModel& pane) { open(pane, *pane.selection().firstRow()); },
-                    .isEnabled = [](const BrowserModel& pane) { return pane.selection().count() == 1; }});
+    opening_.bindTo(commands_);
+    opening_.openTabBehind = [this](const FileURL& folder) {
+        tabs_.addTab(folder, BrowserTabsModel::Activation::stayBehind);
+    };
     commands_.bind(FileCommand::newWindow,
                    {.perform = [this](BrowserModel&) { services_->requestNewWindow(&tabs_); }});
     commands_.bind(FileCommand::toggleDetailsPane, {.perform = [this](BrowserModel&) {
@@ -120,12 +121,6 @@ void BrowserWindow::bindCommands() {
                        settings.setShowsDetailsPane(!settings.showsDetailsPane());
                    }});
     connect(&services_->settings(), &AppSettings::changed, this, &BrowserWindow::applySettings);
-}
-
-void BrowserWindow::open(BrowserModel& pane, std::size_t row) {
-    const FileItemView item = pane.items()[row];
-    // Packages are folders like any other here.
-    if (item.isDirectoryLike() || item.isPackage()) pane.navigate(item.url());
 }
 
 // ---- Tabs
@@ -152,7 +147,8 @@ void BrowserWindow::addPaneArea(std::size_t index) {
     BrowserModel& pane = tabs_.tab(index);
     auto* const area = new PaneArea(pane, *theme_, keys_);
     area->setHomePage(places_->makeHomeView());
-    connect(area, &PaneArea::openRequested, this, [this, &pane](std::size_t row) { open(pane, row); });
+    connect(area, &PaneArea::openRequested, this,
+            [this, &pane](std::size_t row) { opening_.openRow(pane, row); });
     connect(area, &PaneArea::viewChanged, this, [this, area] {
         if (area == panes_->currentWidget()) statusBar_->follow(area->model(), area->view());
     });

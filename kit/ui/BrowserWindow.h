@@ -5,6 +5,7 @@
 #include "browser/CommandDispatcher.h"
 #include "browser/FileActions.h"
 #include "browser/KeyRouter.h"
+#include "browser/OpenActions.h"
 #include "services/WindowState.h"
 
 #include <QWidget>
@@ -52,6 +53,7 @@ public:
     [[nodiscard]] CommandDispatcher& commands() noexcept { return commands_; }
     /// The commands that change files, and what menus and gestures need of them beyond the commands.
     [[nodiscard]] FileActions& files() noexcept { return files_; }
+    [[nodiscard]] OpenActions& opening() noexcept { return opening_; }
     [[nodiscard]] WindowActions& actions() noexcept { return *actions_; }
     /// Of the active tab.
     [[nodiscard]] PaneArea& paneArea() const;
@@ -86,13 +88,13 @@ private:
     void showActiveTab();
     void refreshTitle();
     void applySettings();
-    void open(BrowserModel& pane, std::size_t row);
 
     const Theme* theme_;
     AppServices* services_;
     BrowserTabsModel tabs_;
     CommandDispatcher commands_;
     FileActions files_;
+    OpenActions opening_;
     KeyRouter keys_;
     WindowActions* actions_;
     TabStrip* tabStrip_;

@@ -1,0 +1,132 @@
+#include "browser/DetailsValues.h"
+
+#include "base/MainThread.h"
+#include "listing/POSIX.h"
+
+#include <algorithm>
+#include <iterator>
+#include <ranges>
+#include <system_error>
+#include <utility>
+
+namespace ombrel {
+namespace {
+
+std::optional<std::int64_t> itemsIn(const FileURL& folder, bool showsHidden, const std::stop_token& stop) {
+    auto stream = POSIX::openDirectory(folder);
+    if (!stream) return std::nullopt;
+    std::int64_t count = 0;
+    while (!stop.stop_requested()) {
+        const auto entry = POSIX::readEntry(*stream);
+        if (!entry) return std::nullopt;
+        if (!*entry) return count;
+        if (showsHidden || !(*entry)->name.starts_with('.')) ++count;
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+/// What a worker adds to the content.
+struct DetailsValues::Found {
+    std::vector<FileItem> previews;
+    std::optional<ItemValues> facts;
+    std::optional<std::int64_t> items;
+    std::vector<FileURL> counted; ///< of several items, what their size is to be counted of
+};
+
+DetailsValues::DetailsValues(QObject* parent) : QObject(parent) {
+    timer_.setSingleShot(true);
+    timer_.setInterval(quiet);
+    connect(&timer_, &QTimer::timeout, this, &DetailsValues::load);
+    connect(&contents_, &ContentsCount::changed, this, &DetailsValues::takeContents);
+}
+
+void DetailsValues::follow(BrowserModel& pane) {
+    if (pane_) pane_->disconnect(this);
+    pane_ = &pane;
+    connect(&pane, &BrowserModel::selectionChanged, this, &DetailsValues::wait);
+    connect(&pane, &BrowserModel::locationChanged, this, &DetailsValues::wait);
+    connect(&pane, &BrowserModel::itemsChanged, this, &DetailsValues::wait);
+    load();
+}
+
+void DetailsValues::setActive(bool active) {
+    if (std::exchange(isActive_, active) == active) return;
+    if (active) return load();
+    timer_.stop();
+    ++ticket_;
+    reader_ = Worker();
+    contents_.stop();
+}
+
+void DetailsValues::wait() {
+    if (isActive_) timer_.start();
+}
+
+void DetailsValues::load() {
+    if (!isActive_ || !pane_) return;
+    timer_.stop();
+    const std::uint64_t ticket = ++ticket_;
+    contents_.stop();
+    reader_ = Worker();
+    const FileSelection& selection = pane_->selection();
+    const auto& folder = pane_->currentURL();
+    const std::size_t count = selection.empty() ? (folder ? 1 : 0) : selection.count();
+    // What the listing knows is there at once; for the folder itself, what was there stays until it is read.
+    if (count == 1 && !selection.empty()) {
+        content_ = {.count = 1, .previews = selection.items(), .facts = {}, .items = {}, .totalSize = {}};
+        content_.facts = ItemValues::known(content_.previews.front());
+        Q_EMIT changed();
+    } else if (count == 0) {
+        content_ = {};
+        Q_EMIT changed();
+        return;
+    }
+    try {
+        reader_ = Worker(
+            "ombrel-details",
+            [self = QPointer(this), ticket, selection = FileSelection(selection), folder,
+             showsHidden = pane_->filter().showsHidden](const std::stop_token& stop) mutable {
+                Found found;
+                const auto items = selection.empty() ? std::vector{itemAt(*folder)} : selection.items();
+                selection = {};
+                std::ranges::copy(items | std::views::take(mostPreviews), std::back_inserter(found.previews));
+                if (items.size() > 1) {
+                    std::ranges::transform(items, std::back_inserter(found.counted), &FileItem::url);
+                } else {
+                    const FileItem& one = items.front();
+                    found.facts = ItemValues::read(one);
+                    found.facts->dimensions = ItemValues::dimensionsOf(one);
+                    if (found.facts->isFolder) found.items = itemsIn(one.url(), showsHidden, stop);
+                }
+                if (stop.stop_requested()) return;
+                MainThread::post([self, ticket, found = std::move(found)] {
+                    if (self) self->take(ticket, found);
+                });
+            });
+    } catch (const std::system_error&) {
+        // What the listing told has to do.
+    }
+}
+
+void DetailsValues::take(std::uint64_t ticket, const Found& found) {
+    if (ticket != ticket_) return;
+    content_ = {.count = found.counted.empty() ? 1 : found.counted.size(),
+                .previews = found.previews,
+                .facts = found.facts.value_or(ItemValues{}),
+                .items = found.items,
+                .totalSize = {}};
+    if (found.counted.empty())
+        Q_EMIT changed();
+    else
+        contents_.start(found.counted);
+}
+
+void DetailsValues::takeContents() {
+    content_.totalSize = contents_.contents().bytes;
+    content_.isTotalKnown = contents_.contents().isComplete;
+    Q_EMIT changed();
+}
+
+} // namespace ombrel

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "base/Worker.h"
+#include "browser/BrowserModel.h"
+#include "browser/ContentsCount.h"
+#include "browser/ItemValues.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace ombrel {
+
+/// What the details pane says of the selection of a pane: of one item what is known and cheap to find out, of
+/// several their number and size, without a selection of the folder itself.
+///
+/// Main thread only. Changes once the selection has been quiet for `quiet`; the old content stays until then.
+/// What has to be read follows as it comes.
+class DetailsValues final : public QObject {
+    Q_OBJECT
+
+public:
+    static constexpr std::chrono::milliseconds quiet{120};
+    static constexpr std::size_t mostPreviews = 3;
+
+    struct Content {
+        /// 0 where there is nothing to say anything about.
+        std::size_t count = 0;
+        /// The item, or the first ones of several.
+        std::vector<FileItem> previews;
+        /// Of the one item.
+        ItemValues facts;
+        /// How many items the one folder holds, as far as the pane would show them.
+        std::optional<std::int64_t> items;
+        /// Of several items, folders with all they hold.
+        std::optional<std::int64_t> totalSize;
+        bool isTotalKnown = false; ///< otherwise it is at least that
+    };
+
+    explicit DetailsValues(QObject* parent = nullptr);
+
+    /// From now on it is about `pane`; its content comes at once.
+    void follow(BrowserModel& pane);
+    /// While it is off nothing is read. Off at first.
+    void setActive(bool active);
+
+    [[nodiscard]] const Content& content() const noexcept { return content_; }
+    [[nodiscard]] BrowserModel* pane() const noexcept { return pane_; }
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    struct Found;
+
+    void wait();
+    void load();
+    void take(std::uint64_t ticket, const Found& found);
+    void takeContents();
+
+    QPointer<BrowserModel> pane_;
+    bool isActive_ = false;
+    QTimer timer_;
+    Content content_;
+    std::uint64_t ticket_ = 0; ///< of the newest reading; older answers are dropped
+    Worker reader_;
+    ContentsCount contents_;
+};
+
+} // namespace ombrel
