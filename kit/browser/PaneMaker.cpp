@@ -21,6 +21,7 @@ std::unique_ptr<BrowserModel> makePane(AppServices& services) {
     pane->setServices(services);
     const AppSettings& settings = services.settings();
     pane->setFilter(filterOf(settings));
+    pane->setViewMode(settings.showsIcons() ? ViewMode::icons : ViewMode::details);
     QObject::connect(
         &settings, &AppSettings::changed, pane.get(), [&settings, made = pane.get()](Setting setting) {
             if (setting == Setting::showHiddenFiles || setting == Setting::hideProtectedSystemFiles)

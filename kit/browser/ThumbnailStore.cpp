@@ -6,6 +6,7 @@
 #include "browser/ThumbnailCache.h"
 #include "browser/ThumbnailService.h"
 #include "listing/MountTable.h"
+#include "services/AppServices.h"
 
 #include <QPointer>
 
@@ -301,6 +302,11 @@ ThumbnailStore::Setting ThumbnailStore::standard() {
                 const Mount* const mount = table.containing(url);
                 return mount && mount->traits.isNetwork;
             }};
+}
+
+ThumbnailStore& ThumbnailStore::of(AppServices& services) {
+    auto* const made = services.findChild<ThumbnailStore*>(QString(), Qt::FindDirectChildrenOnly);
+    return made ? *made : *new ThumbnailStore(standard(), &services);
 }
 
 ThumbnailStore::ThumbnailStore(Setting setting, QObject* parent)

@@ -15,6 +15,8 @@
 
 namespace ombrel {
 
+class AppServices;
+
 /// The thumbnails of the desktop's shared cache, and those that are still to be made.
 ///
 /// Main thread only, and it never blocks: the cache is read on workers. What is missing is asked from the
@@ -43,6 +45,9 @@ public:
         std::function<bool(const FileURL&)> isOnNetwork; ///< called on workers
     };
     [[nodiscard]] static Setting standard();
+
+    /// The one store of the application, made when it is first asked for; `services` own it.
+    [[nodiscard]] static ThumbnailStore& of(AppServices& services);
 
     explicit ThumbnailStore(Setting setting = standard(), QObject* parent = nullptr);
     ~ThumbnailStore() override;

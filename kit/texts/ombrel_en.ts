@@ -354,11 +354,13 @@
     <message id="type.zip"><source></source><translation>ZIP archive</translation></message>
     <message id="ui.accessible.address"><source></source><translation>Address</translation></message>
     <message id="ui.accessible.columns"><source></source><translation>Columns</translation></message>
+    <message id="ui.accessible.cut"><source></source><translation>cut</translation></message>
     <message id="ui.accessible.files"><source></source><translation>Files</translation></message>
     <message id="ui.accessible.tabs"><source></source><translation>Tabs</translation></message>
     <message id="ui.accessible.tree"><source></source><translation>Folders</translation></message>
     <message id="ui.address.collapsed"><source></source><translation>Folders further up</translation></message>
     <message id="ui.column.dateModified"><source></source><translation>Date modified</translation></message>
+    <message id="ui.column.folder"><source></source><translation>Folder</translation></message>
     <message id="ui.column.name"><source></source><translation>Name</translation></message>
     <message id="ui.column.size"><source></source><translation>Size</translation></message>
     <message id="ui.column.type"><source></source><translation>Type</translation></message>
@@ -402,8 +404,11 @@
     <message id="ui.command.undo"><source></source><translation>Undo</translation></message>
     <message id="ui.command.unpin"><source></source><translation>Unpin from quick access</translation></message>
     <message id="ui.command.up"><source></source><translation>Up</translation></message>
+    <message id="ui.drop.cancel"><source></source><translation>Cancel</translation></message>
+    <message id="ui.drop.copyHere"><source></source><translation>Copy here</translation></message>
     <message id="ui.drop.copyTo"><source></source><translation>Copy to {1}</translation></message>
     <message id="ui.drop.intoItself"><source></source><translation>Can’t move a folder into itself</translation></message>
+    <message id="ui.drop.moveHere"><source></source><translation>Move here</translation></message>
     <message id="ui.drop.moveTo"><source></source><translation>Move to {1}</translation></message>
     <message id="ui.drop.readOnly"><source></source><translation>This place is read-only</translation></message>
     <message id="ui.home.addLocation"><source></source><translation>Add a folder…</translation></message>

@@ -3,6 +3,7 @@
 #include "base/FileName.h"
 #include "browser/DroppedFolders.h"
 #include "browser/PaneMaker.h"
+#include "browser/ThumbnailStore.h"
 #include "services/AppServices.h"
 #include "ui/FileView.h"
 #include "ui/FocusRing.h"
@@ -145,7 +146,11 @@ void BrowserWindow::followTabs() {
 
 void BrowserWindow::addPaneArea(std::size_t index) {
     BrowserModel& pane = tabs_.tab(index);
-    auto* const area = new PaneArea(pane, *theme_, keys_);
+    auto* const area = new PaneArea(pane, *theme_, keys_,
+                                    {.settings = &services_->settings(),
+                                     .clipboard = &services_->clipboard(),
+                                     .thumbnails = &ThumbnailStore::of(*services_),
+                                     .actions = &files_});
     area->setHomePage(places_->makeHomeView());
     connect(area, &PaneArea::openRequested, this,
             [this, &pane](std::size_t row) { opening_.openRow(pane, row); });

@@ -13,7 +13,10 @@
 #include <QStyleOptionButton>
 
 #include <algorithm>
+#include <chrono>
 #include <optional>
+#include <sstream>
+#include <string_view>
 #include <utility>
 
 namespace ombrel {
@@ -43,9 +46,16 @@ std::optional<FileSort::Key> keyOf(DetailsColumn column) {
     case DetailsColumn::dateModified: return FileSort::Key::modificationDate;
     case DetailsColumn::type: return FileSort::Key::kind;
     case DetailsColumn::size: return FileSort::Key::size;
+    case DetailsColumn::folder: return std::nullopt;
     }
     std::unreachable();
 }
+
+constexpr std::chrono::milliseconds settlingTime(300);
+
+/// What a column is called where its width is kept.
+constexpr std::string_view storedNames[] = {"checkBox", "name", "dateModified", "type", "size", "folder"};
+static_assert(std::size(storedNames) == detailsColumnCount);
 
 constexpr DetailsColumn optionalColumns[] = {DetailsColumn::dateModified, DetailsColumn::type,
                                              DetailsColumn::size};
@@ -65,6 +75,7 @@ DetailsHeader::DetailsHeader(BrowserModel& model, const Theme& theme, QWidget* p
     setSectionResizeMode(QHeaderView::Interactive);
     setSectionResizeMode(index(DetailsColumn::checkBox), QHeaderView::Fixed);
     setAccessibleName(localized("ui.accessible.columns"));
+    setSectionHidden(index(DetailsColumn::folder), true);
     resetColumns();
     connect(this, &QHeaderView::sectionClicked, this,
             [this](int section) { sortBy(static_cast<DetailsColumn>(section)); });
@@ -79,7 +90,9 @@ DetailsHeader::DetailsHeader(BrowserModel& model, const Theme& theme, QWidget* p
     connect(&model, &BrowserModel::sortChanged, this, repaint);
     connect(&model, &BrowserModel::selectionChanged, this, repaint);
     connect(&model, &BrowserModel::itemsChanged, this, repaint);
-    connect(&theme, &Theme::changed, this, &DetailsHeader::resetColumns);
+    settling_.setSingleShot(true);
+    settling_.setInterval(settlingTime);
+    connect(&settling_, &QTimer::timeout, this, &DetailsHeader::arranged);
 }
 
 QString DetailsHeader::label(DetailsColumn column) {
@@ -89,6 +102,7 @@ QString DetailsHeader::label(DetailsColumn column) {
     case DetailsColumn::dateModified: return localized("ui.column.dateModified");
     case DetailsColumn::type: return localized("ui.column.type");
     case DetailsColumn::size: return localized("ui.column.size");
+    case DetailsColumn::folder: return localized("ui.column.folder");
     }
     std::unreachable();
 }
@@ -102,6 +116,7 @@ int DetailsHeader::usualWidth(DetailsColumn column) const {
     case DetailsColumn::dateModified: return theme_->size(ThemeSize::dateColumn);
     case DetailsColumn::type: return theme_->size(ThemeSize::typeColumn);
     case DetailsColumn::size: return theme_->size(ThemeSize::sizeColumn);
+    case DetailsColumn::folder: return theme_->size(ThemeSize::folderColumn);
     }
     std::unreachable();
 }
@@ -113,6 +128,7 @@ int DetailsHeader::leastWidth(DetailsColumn column) const {
     case DetailsColumn::dateModified: return theme_->size(ThemeSize::dateColumnMinimum);
     case DetailsColumn::type: return theme_->size(ThemeSize::typeColumnMinimum);
     case DetailsColumn::size: return theme_->size(ThemeSize::sizeColumnMinimum);
+    case DetailsColumn::folder: return theme_->size(ThemeSize::folderColumnMinimum);
     }
     std::unreachable();
 }
@@ -145,6 +161,7 @@ void DetailsHeader::fitInto(int width) {
 }
 
 void DetailsHeader::resetColumns() {
+    const QScopedValueRollback arranging(isArranging_, true);
     for (const auto column : optionalColumns)
         setSectionHidden(index(column), false);
     for (std::size_t section = 0; section < detailsColumnCount; ++section) {
@@ -155,9 +172,50 @@ void DetailsHeader::resetColumns() {
     fitInto(available_);
 }
 
+std::vector<std::string> DetailsHeader::arrangement() const {
+    std::vector<std::string> columns;
+    for (int visual = 0; visual < count(); ++visual) {
+        const int section = logicalIndex(visual);
+        const auto column = static_cast<DetailsColumn>(section);
+        if (std::ranges::find(optionalColumns, column) == std::end(optionalColumns)) continue;
+        // A hidden section keeps the width that it comes back with.
+        const int size = isShown(column) ? sectionSize(section) : usualWidth(column);
+        columns.push_back(std::string(storedNames[static_cast<std::size_t>(section)]) + " " +
+                          std::to_string(size) + (isShown(column) ? "" : " hidden"));
+    }
+    return columns;
+}
+
+void DetailsHeader::arrange(const std::vector<std::string>& columns) {
+    if (columns == arrangement()) return fitInto(available_);
+    resetColumns();
+    const QScopedValueRollback arranging(isArranging_, true);
+    int visual = index(DetailsColumn::name) + 1;
+    for (const std::string& stored : columns) {
+        std::istringstream words(stored);
+        std::string name, mark;
+        int size = 0;
+        words >> name >> size >> mark;
+        const auto known = std::ranges::find(storedNames, name);
+        if (known == std::end(storedNames)) continue;
+        const auto column = static_cast<DetailsColumn>(known - std::begin(storedNames));
+        if (std::ranges::find(optionalColumns, column) == std::end(optionalColumns)) continue;
+        moveSection(visualIndex(index(column)), visual++);
+        resizeSection(index(column), std::max(leastWidth(column), size));
+        setSectionHidden(index(column), mark == "hidden");
+    }
+    fitInto(available_);
+}
+
 void DetailsHeader::setShowsCheckBoxes(bool on) {
     if (isShown(DetailsColumn::checkBox) == on) return;
     setSectionHidden(index(DetailsColumn::checkBox), !on);
+    fitInto(available_);
+}
+
+void DetailsHeader::setShowsFolders(bool on) {
+    if (isShown(DetailsColumn::folder) == on) return;
+    setSectionHidden(index(DetailsColumn::folder), !on);
     fitInto(available_);
 }
 
@@ -175,6 +233,7 @@ void DetailsHeader::shareEdge(int logicalIndex, int before, int after) {
     setWidth(column, share);
     setWidth(giving, together - share);
     fitInto(available_);
+    settling_.start();
 }
 
 void DetailsHeader::fit(DetailsColumn column, int content) {
@@ -193,6 +252,7 @@ void DetailsHeader::fit(DetailsColumn column, int content) {
         }
     }
     fitInto(available_);
+    settling_.start();
 }
 
 void DetailsHeader::keepFirstColumns() {
@@ -201,16 +261,18 @@ void DetailsHeader::keepFirstColumns() {
     for (const auto column : {DetailsColumn::checkBox, DetailsColumn::name})
         moveSection(visualIndex(index(column)), index(column));
     Q_EMIT columnsChanged();
+    settling_.start();
 }
 
 // ---- What it does
 
 void DetailsHeader::sortBy(DetailsColumn column) {
-    const auto key = keyOf(column);
-    if (!key) {
+    if (column == DetailsColumn::checkBox) {
         Q_EMIT toggleAllRequested();
         return;
     }
+    const auto key = keyOf(column);
+    if (!key) return;
     FileSort sort = model_->sort();
     sort.ascending = sort.key == *key ? !sort.ascending : *key != FileSort::Key::modificationDate;
     sort.key = *key;
@@ -227,6 +289,7 @@ void DetailsHeader::contextMenuEvent(QContextMenuEvent* event) {
         connect(action, &QAction::toggled, this, [this, column](bool shown) {
             setSectionHidden(index(column), !shown);
             fitInto(available_);
+            settling_.start();
         });
     }
     menu.addSeparator();
@@ -238,8 +301,10 @@ void DetailsHeader::contextMenuEvent(QContextMenuEvent* event) {
         for (const auto column : optionalColumns)
             if (isShown(column)) Q_EMIT fitRequested(column);
     });
-    connect(menu.addAction(localized("ui.columns.reset")), &QAction::triggered, this,
-            &DetailsHeader::resetColumns);
+    connect(menu.addAction(localized("ui.columns.reset")), &QAction::triggered, this, [this] {
+        resetColumns();
+        settling_.start();
+    });
     menu.exec(event->globalPos());
 }
 

@@ -3,17 +3,20 @@
 #include "browser/BrowserModel.h"
 
 #include <QHeaderView>
+#include <QTimer>
 
 #include <array>
 #include <cstdint>
+#include <string>
+#include <vector>
 
 namespace ombrel {
 
 class Theme;
 
 /// The columns of the details view, by their number in the header's model.
-enum class DetailsColumn : std::uint8_t { checkBox, name, dateModified, type, size };
-inline constexpr std::size_t detailsColumnCount = 5;
+enum class DetailsColumn : std::uint8_t { checkBox, name, dateModified, type, size, folder };
+inline constexpr std::size_t detailsColumnCount = 6;
 
 /// The header of the details view: a click sorts, edges are dragged, columns are moved and hidden.
 ///
@@ -35,12 +38,20 @@ public:
     /// Makes a column as wide as `content`, its margins not counted.
     void fit(DetailsColumn column, int content);
     void resetColumns();
+    /// The columns in their order, with widths and whether they are hidden: to be kept and given back.
+    [[nodiscard]] std::vector<std::string> arrangement() const;
+    /// The usual arrangement without one; what cannot be understood is left out.
+    void arrange(const std::vector<std::string>& columns);
     void setShowsCheckBoxes(bool on);
+    /// The column of the items' folders, for results of a search.
+    void setShowsFolders(bool on);
 
     [[nodiscard]] static QString label(DetailsColumn column);
 
 Q_SIGNALS:
     void columnsChanged();
+    /// The user has changed the arrangement.
+    void arranged();
     void toggleAllRequested();
     void fitRequested(ombrel::DetailsColumn column);
 
@@ -66,6 +77,7 @@ private:
     int available_ = 0;
     int hovered_ = -1;
     bool isArranging_ = false;
+    QTimer settling_; ///< until an edge that is being dragged has come to rest
 };
 
 } // namespace ombrel

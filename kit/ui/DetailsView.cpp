@@ -6,7 +6,7 @@
 
 #include <QPainter>
 #include <QScrollBar>
-#include <QStyleOptionButton>
+#include <QStyle>
 
 #include <algorithm>
 
@@ -19,6 +19,12 @@ DetailsView::DetailsView(BrowserModel& model, const Theme& theme, QWidget* paren
     connect(header_, &DetailsHeader::columnsChanged, this, &DetailsView::relayout);
     connect(header_, &DetailsHeader::toggleAllRequested, this, [this] { toggleAll(); });
     connect(header_, &DetailsHeader::fitRequested, this, &DetailsView::fitColumn);
+    connect(header_, &DetailsHeader::arranged, this, [this] {
+        if (sources().settings) sources().settings->setDetailsColumns(header_->arrangement());
+    });
+    const auto showFolders = [this] { header_->setShowsFolders(this->model().isSearching()); };
+    connect(&model, &BrowserModel::locationChanged, this, showFolders);
+    showFolders();
     layOut();
 }
 
@@ -29,6 +35,7 @@ void DetailsView::layOut() {
     const bool isCompact = settings && settings->compactView();
     rowHeight_ = theme().size(isCompact ? ThemeSize::compactRow : ThemeSize::row);
     header_->setShowsCheckBoxes(hasCheckBoxes());
+    header_->arrange(settings ? settings->detailsColumns() : header_->arrangement());
     placeHeader();
 }
 
@@ -98,6 +105,16 @@ QRect DetailsView::nameTextRect(const QRect& row) const {
     return mirrored(name, name.adjusted(margin + icon + margin, 0, -margin, 0));
 }
 
+FileView::NamePlace DetailsView::namePlace(std::size_t row) const {
+    const QRect rect = rowRect(row);
+    const int margin = theme().size(ThemeSize::space2);
+    const QRect text = nameTextRect(rect).adjusted(0, margin, 0, -margin);
+    const int least = std::min(text.width(), theme().size(ThemeSize::buttonMinimumWidth));
+    return {.name = mirrored(text, QRect(text.left(), text.top(), least, text.height())),
+            .room = text,
+            .alignment = QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft)};
+}
+
 FileView::Part DetailsView::partAt(std::size_t row, QPoint viewportPoint) {
     const QRect rect = rowRect(row);
     if (cell(rect, DetailsColumn::checkBox).contains(viewportPoint)) return Part::checkBox;
@@ -150,6 +167,9 @@ void DetailsView::fitColumn(DetailsColumn column) {
         case DetailsColumn::size:
             widest = std::max(widest, fontMetrics().horizontalAdvance(shown.size));
             break;
+        case DetailsColumn::folder:
+            widest = std::max(widest, fontMetrics().horizontalAdvance(shown.folder));
+            break;
         }
     }
     header_->fit(column, widest + 1);
@@ -199,6 +219,7 @@ void DetailsView::paintRow(QPainter& painter, std::size_t row, const QRect& rect
     paintText(painter, rect, DetailsColumn::dateModified, shown.date);
     paintText(painter, rect, DetailsColumn::type, shown.type);
     paintText(painter, rect, DetailsColumn::size, shown.size);
+    paintText(painter, rect, DetailsColumn::folder, shown.folder);
 }
 
 void DetailsView::paintText(QPainter& painter, const QRect& row, DetailsColumn column,

@@ -20,6 +20,7 @@ public:
     using FileView::contentRect;
     [[nodiscard]] ContentRect contentRect(std::size_t row) const override;
     [[nodiscard]] std::vector<RowRange> rowsTouching(const ContentRect& area) const override;
+    [[nodiscard]] NamePlace namePlace(std::size_t row) const override;
     [[nodiscard]] Part partAt(std::size_t row, QPoint viewportPoint) override;
     [[nodiscard]] std::size_t stepped(std::size_t row, Step step) const override;
     [[nodiscard]] std::size_t rowsPerPage() const override;

@@ -1,20 +1,17 @@
 #include "ui/FileView.h"
 
-#include "browser/ListNavigationKey.h"
 #include "services/AppSettings.h"
 #include "services/ClipboardService.h"
 #include "ui/FileViewAccessible.h"
-#include "ui/KeyStrokes.h"
 #include "ui/LoadingLine.h"
+#include "ui/LocalizedText.h"
 #include "ui/OmbrelStyle.h"
 #include "ui/Theme.h"
-#include "ui/WindowKeys.h"
 
 #include <QAccessible>
 #include <QEvent>
 #include <QFocusEvent>
 #include <QHelpEvent>
-#include <QKeyEvent>
 #include <QNativeGestureEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -37,33 +34,20 @@ using How = SelectionGestures::How;
 constexpr std::chrono::milliseconds placeholderDelay(300);
 constexpr int placeholderCount = 8;
 
-How howOf(KeyStroke::Modifiers modifiers) {
-    const bool isRange = modifiers & KeyStroke::shift, isControl = modifiers & KeyStroke::control;
-    if (isRange) return isControl ? How::addRange : How::range;
-    return isControl ? How::currentOnly : How::only;
-}
-
-std::optional<FileView::Step> stepOf(KeyStroke::Code code) {
-    switch (code) {
-    case KeyStroke::Code::upArrow: return FileView::Step::up;
-    case KeyStroke::Code::downArrow: return FileView::Step::down;
-    case KeyStroke::Code::leftArrow: return FileView::Step::left;
-    case KeyStroke::Code::rightArrow: return FileView::Step::right;
-    default: return std::nullopt;
-    }
-}
-
 } // namespace
 
 FileView::FileView(BrowserModel& model, const Theme& theme, QWidget* parent)
     : QAbstractScrollArea(parent), model_(&model), theme_(&theme), gestures_(model), typeAhead_(model),
-      icons_(theme), pointer_(*this, gestures_), loadingLine_(new LoadingLine(model, theme, viewport())) {
+      icons_(theme), pointer_(*this, gestures_), loadingLine_(nullptr), drop_(*this) {
+    // Its coming is an event of the viewport, which all of this view takes part in.
+    loadingLine_ = new LoadingLine(model, theme, viewport());
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::StrongFocus);
     // Always there, though empty at first: columns must not shift when a folder turns out to be long.
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     setAttribute(Qt::WA_InputMethodEnabled, false);
     viewport()->setMouseTracking(true);
+    viewport()->setAcceptDrops(true);
     viewport()->setAutoFillBackground(false);
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
     placeholderDelay_.setSingleShot(true);
@@ -97,6 +81,7 @@ void FileView::connectModel() {
         touch();
         reveal(row);
     });
+    connect(this, &FileView::scrolled, this, &FileView::placeEditor);
     connect(&facts_, &RowFacts::changed, this, repaint);
     connect(&typeAhead_, &TypeAhead::found, this, [this](std::size_t row) {
         touch();
@@ -125,6 +110,7 @@ void FileView::setSources(const Sources& sources) {
     if (sources.thumbnails)
         connect(sources.thumbnails, &ThumbnailStore::changed, this, [this] { viewport()->update(); });
     formatAgain();
+    layOut();
     relayout();
 }
 
@@ -132,6 +118,8 @@ void FileView::takeSetting(Setting setting) {
     switch (setting) {
     case Setting::hideKnownExtensions: facts_.forget(); [[fallthrough]];
     case Setting::showItemCheckBoxes:
+    case Setting::detailsColumns:
+    case Setting::iconSize:
     case Setting::compactView: relayoutAround([this] { layOut(); }); break;
     default: break;
     }
@@ -158,7 +146,8 @@ std::optional<FileView::Anchor> FileView::anchorAt(QPoint viewportPoint) const {
 }
 
 std::optional<FileView::Anchor> FileView::anchorToKeep() const {
-    if (offset() == 0 && !isTouched_) return std::nullopt;
+    // At the top one stays at the top.
+    if (offset() == 0) return std::nullopt;
     const RowRange visible = visibleRows();
     if (visible.empty()) return std::nullopt;
     const auto current = model_->row(Place::current);
@@ -175,6 +164,7 @@ void FileView::restore(const Anchor& anchor) {
 void FileView::relayout() {
     extent_.setHeights(contentHeight(), viewport()->height());
     placeBars();
+    placeEditor();
     viewport()->update();
 }
 
@@ -260,6 +250,7 @@ QString FileView::spokenText(std::size_t row) {
     QStringList parts;
     for (const QString* part : {&shown.name, &shown.type, &shown.date, &shown.size})
         if (!part->isEmpty()) parts << *part;
+    if (shown.isCut) parts << localized("ui.accessible.cut");
     return parts.join(QStringLiteral(", "));
 }
 
@@ -267,6 +258,7 @@ QString FileView::spokenText(std::size_t row) {
 
 void FileView::beginLocation() {
     pointer_.cancel();
+    if (editor_) endRename(editor_, RenameEditor::Then::rest);
     isTouched_ = false;
     sortShown_ = model_->sort();
     facts_.forget();
@@ -351,6 +343,7 @@ FileView::RowState FileView::stateOf(std::size_t row) const {
     state.isActive = hasFocus();
     state.isCurrent = state.isActive && model_->row(Place::current) == row;
     state.isHovered = pointer_.hoveredRow() == row;
+    state.isDropTarget = drop_.targetRow() == row;
     state.showsCheckBox =
         hasCheckBoxes() && (state.isSelected || state.isHovered || pointer_.hasTickedBoxes());
     return state;
@@ -423,6 +416,7 @@ void FileView::resizeEvent(QResizeEvent* event) {
 }
 
 bool FileView::viewportEvent(QEvent* event) {
+    if (drop_.take(*event)) return true;
     switch (event->type()) {
     case QEvent::Leave: pointer_.leave(); break;
     case QEvent::NativeGesture: {
@@ -482,68 +476,10 @@ void FileView::wheelEvent(QWheelEvent* event) {
     event->accept();
 }
 
-void FileView::keyPressEvent(QKeyEvent* event) {
-    const KeyStroke stroke = KeyStrokes::of(*event);
-    if (endByKey(stroke)) return event->accept();
-    const bool isTyped = stroke.keyCode == KeyStroke::Code::space && !typeAhead_.text().isEmpty();
-    if (!isTyped && keys_ && keys_->pressInFileView(stroke, WindowKeys::pressOf(*event))) {
-        touch();
-        return event->accept();
-    }
-    if (moveByKey(stroke) || typeByKey(stroke, event->text())) return event->accept();
-    if (stepOf(stroke.keyCode)) return QAbstractScrollArea::keyPressEvent(event);
-    event->ignore();
-}
-
-bool FileView::endByKey(const KeyStroke& stroke) {
-    const bool hasSomething = gestures_.hasBand() || !typeAhead_.text().isEmpty();
-    if (stroke.keyCode != KeyStroke::Code::escape || !hasSomething) return false;
-    pointer_.cancel();
-    typeAhead_.clear();
-    return true;
-}
-
-std::optional<std::size_t> FileView::rowLedTo(const KeyStroke& stroke) const {
-    const auto current = model_->row(Place::current);
-    const std::size_t count = model_->items().size();
-    KeyStroke withoutControl = stroke;
-    withoutControl.modifiers &= static_cast<KeyStroke::Modifiers>(~KeyStroke::control);
-    if (const auto move = ListNavigation::from(withoutControl))
-        return ListNavigation::target(move->key, current, count, rowsPerPage());
-    const auto step = stepOf(stroke.keyCode);
-    if (!step || count == 0) return std::nullopt;
-    const std::size_t row = current ? stepped(*current, *step) : 0;
-    const bool isSideways = *step == Step::left || *step == Step::right;
-    return isSideways && row == current ? std::nullopt : std::optional(row);
-}
-
-bool FileView::moveByKey(const KeyStroke& stroke) {
-    if (stroke.modifiers & (KeyStroke::option | KeyStroke::command)) return false;
-    const auto current = model_->row(Place::current);
-    const bool isControlAlone = stroke.modifiers == KeyStroke::control;
-    if (stroke.keyCode == KeyStroke::Code::space && isControlAlone && current) {
-        gestures_.select(*current, How::toggle);
-        return true;
-    }
-    const auto row = rowLedTo(stroke);
-    if (!row) return false;
-    touch();
-    typeAhead_.clear();
-    gestures_.select(*row, howOf(stroke.modifiers));
-    reveal(*row);
-    return true;
-}
-
-bool FileView::typeByKey(const KeyStroke& stroke, const QString& text) {
-    const bool isPlain = (stroke.modifiers & ~KeyStroke::shift) == 0;
-    if (!isPlain || text.isEmpty() || !text.front().isPrint()) return false;
-    if (text == QLatin1String(" ") && typeAhead_.text().isEmpty()) return false;
-    typeAhead_.type(text);
-    return true;
-}
-
 void FileView::focusInEvent(QFocusEvent* event) {
     QAbstractScrollArea::focusInEvent(event);
+    if (event->reason() == Qt::MouseFocusReason || event->reason() == Qt::ActiveWindowFocusReason)
+        pointer_.noteFocusByClick();
     const bool isByKey = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
     if (isByKey && !model_->row(Place::current) && !model_->items().empty())
         model_->setRow(Place::current, 0);

@@ -7,13 +7,16 @@
 #include "browser/ThumbnailStore.h"
 #include "browser/TypeAhead.h"
 #include "ui/FileIcons.h"
+#include "ui/FileViewDrop.h"
 #include "ui/FileViewPointer.h"
+#include "ui/RenameEditor.h"
 #include "ui/RowFacts.h"
 #include "ui/ScrollExtent.h"
 
 #include <QAbstractScrollArea>
 #include <QImage>
 #include <QPoint>
+#include <QPointer>
 #include <QRect>
 #include <QTimer>
 
@@ -24,6 +27,7 @@
 namespace ombrel {
 
 class AppSettings;
+class FileActions;
 enum class Setting : std::uint8_t;
 class ClipboardService;
 class LoadingLine;
@@ -57,9 +61,10 @@ public:
     };
     /// What a view looks at besides its pane. Each may be missing and must outlive the view.
     struct Sources {
-        const AppSettings* settings = nullptr;       ///< check boxes, compact rows, hidden endings
+        AppSettings* settings = nullptr; ///< check boxes, compact rows, hidden endings, columns
         const ClipboardService* clipboard = nullptr; ///< what is cut
         ThumbnailStore* thumbnails = nullptr;
+        FileActions* actions = nullptr; ///< renaming and dropping; without it there is neither
     };
     /// What of a row lies under the pointer.
     enum class Part : std::uint8_t { content, name, emptiness, checkBox };
@@ -80,6 +85,17 @@ public:
     /// Where keys that mean commands go, before what the view does with keys itself: moving, selecting and
     /// typing. Without it they mean nothing. `keys` must outlive the view.
     void setKeys(const KeyRouter& keys) noexcept { keys_ = &keys; }
+
+    // ---- Renaming in place
+
+    /// Begins to rename the row's item, revealed. Without actions nothing happens.
+    void beginRename(std::size_t row);
+    /// The field, while an item is being renamed.
+    [[nodiscard]] RenameEditor* renameEditor() const noexcept { return editor_; }
+
+    // ---- Dragging
+    [[nodiscard]] const FileViewDrop& drop() const noexcept { return drop_; }
+    [[nodiscard]] FileIcons& icons() noexcept { return icons_; }
 
     // ---- Where things are
     [[nodiscard]] qint64 offset() const noexcept { return extent_.offset(); }
@@ -109,7 +125,9 @@ public:
     /// How a row is read out.
     [[nodiscard]] QString spokenText(std::size_t row);
     /// Whether everything that is on the screen is known.
-    [[nodiscard]] bool isSettled() const noexcept { return !facts_.isWaiting(); }
+    [[nodiscard]] bool isSettled() const noexcept {
+        return !facts_.isWaiting() && (!sources_.thumbnails || sources_.thumbnails->isSettled());
+    }
 
     // ---- The layout, which a view gives
 
@@ -120,6 +138,13 @@ public:
     [[nodiscard]] virtual ContentRect contentRect(std::size_t row) const = 0;
     /// The rows that touch a rectangle of the contents, in ascending order.
     [[nodiscard]] virtual std::vector<RowRange> rowsTouching(const ContentRect& area) const = 0;
+    /// Where the row's name stands in the viewport, and how far it may reach.
+    struct NamePlace {
+        QRect name;
+        QRect room;
+        Qt::Alignment alignment = Qt::AlignLeft;
+    };
+    [[nodiscard]] virtual NamePlace namePlace(std::size_t row) const = 0;
     [[nodiscard]] virtual Part partAt(std::size_t row, QPoint viewportPoint) = 0;
     /// Where a step leads from `row`; `row` itself where it leads nowhere. The list is not empty.
     [[nodiscard]] virtual std::size_t stepped(std::size_t row, Step step) const = 0;
@@ -135,6 +160,8 @@ Q_SIGNALS:
     /// A double click on a row.
     void openRequested(std::size_t row);
     void scrolled();
+    /// What a drop would do where the drag is now; empty when there is none.
+    void dropEffectChanged(const QString& effect);
 
 protected:
     virtual void paintRow(QPainter& painter, std::size_t row, const QRect& rect, const RowState& state) = 0;
@@ -160,8 +187,6 @@ protected:
     [[nodiscard]] QImage thumbnailOf(std::size_t row, QSize box);
     /// Selects or clears all, as the header's box does.
     void toggleAll() { gestures_.toggleAll(); }
-    FileIcons& icons() noexcept { return icons_; }
-
     bool viewportEvent(QEvent* event) override;
     void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
@@ -194,6 +219,8 @@ private:
     [[nodiscard]] std::optional<Anchor> anchorToKeep() const;
     void paintBand(QPainter& painter) const;
     void askForThumbnails();
+    void placeEditor();
+    void endRename(RenameEditor* editor, RenameEditor::Then then);
     void zoomByWheel(const QWheelEvent& event);
     void takeSetting(Setting setting);
     bool endByKey(const KeyStroke& stroke);
@@ -223,6 +250,9 @@ private:
     QTimer placeholderDelay_;
     bool showsPlaceholders_ = false;
     Sources sources_;
+    QPointer<RenameEditor> editor_;
+    std::optional<ItemRef> renamed_; ///< the item that the editor is for
+    FileViewDrop drop_;
     std::vector<ThumbnailStore::Request> painted_; ///< the thumbnails of this painting
     std::vector<ThumbnailStore::Request> wanted_;  ///< and those that were asked for last
     bool paintsAll_ = false;

@@ -1,5 +1,6 @@
 #include "ui/FileViewPointer.h"
 
+#include "ui/FileDrag.h"
 #include "ui/FileView.h"
 
 #include <QApplication>
@@ -38,12 +39,19 @@ FileViewPointer::FileViewPointer(FileView& view, SelectionGestures& gestures)
     connect(&edgeScroll_, &QTimer::timeout, this, &FileViewPointer::scrollAtEdge);
     patience_.setSingleShot(true);
     patience_.setInterval(bandPatience);
+    slowClick_.setSingleShot(true);
+    connect(&slowClick_, &QTimer::timeout, this, [this] {
+        const auto row = std::exchange(slowRow_, std::nullopt);
+        const auto& selection = view_->model().selection();
+        if (row && view_->hasFocus() && selection.count() == 1 && selection.firstRow() == row)
+            view_->beginRename(*row);
+    });
     connect(&patience_, &QTimer::timeout, this, [this] { view_->model().setHeld(false); });
 }
 
 void FileViewPointer::press(QMouseEvent& event) {
-    const bool isLeft = event.button() == Qt::LeftButton;
-    if (!isLeft && event.button() != Qt::RightButton) return event.ignore();
+    const bool isLeft = event.button() == Qt::LeftButton, isMiddle = event.button() == Qt::MiddleButton;
+    if (!isLeft && !isMiddle && event.button() != Qt::RightButton) return event.ignore();
     cancel();
     view_->touch();
     const QPoint at = event.position().toPoint();
@@ -52,33 +60,40 @@ void FileViewPointer::press(QMouseEvent& event) {
     press_ = Press{.at = at,
                    .contentX = content.x,
                    .contentY = content.y,
+                   .button = event.button(),
+                   .row = row,
                    .rowToSelect = std::nullopt,
                    .mayBand = isLeft && !row,
                    .mode = bandModeOf(event.modifiers())};
+    if (isMiddle) return;
     if (row)
         pressRow(*row, event);
     else if (!(event.modifiers() & (Qt::ControlModifier | Qt::ShiftModifier)))
         gestures_->clear();
+    hasJustFocused_ = false;
 }
 
 void FileViewPointer::pressRow(std::size_t row, const QMouseEvent& event) {
-    const bool isSelected = view_->model().selection().contains(row);
+    const auto& selection = view_->model().selection();
+    const bool isSelected = selection.contains(row);
     if (event.button() == Qt::RightButton) {
         if (!isSelected) gestures_->select(row, How::only);
+        press_->mayDrag = true;
         return;
     }
-    switch (view_->partAt(row, press_->at)) {
-    case FileView::Part::checkBox:
+    const auto part = view_->partAt(row, press_->at);
+    if (part == FileView::Part::checkBox) {
         gestures_->select(row, How::toggle);
         hasTickedBoxes_ = !view_->model().selection().empty();
         view_->viewport()->update();
         return;
-    case FileView::Part::emptiness: press_->mayBand = true; break;
-    case FileView::Part::content:
-    case FileView::Part::name: break;
     }
+    press_->mayBand = part == FileView::Part::emptiness;
+    press_->mayDrag = !press_->mayBand;
     const How how = howOf(event.modifiers());
-    if (how == How::only && isSelected && view_->model().selection().count() > 1) {
+    press_->mayRename = part == FileView::Part::name && how == How::only && isSelected &&
+                        selection.count() == 1 && !hasJustFocused_;
+    if (how == How::only && isSelected && selection.count() > 1) {
         press_->rowToSelect = row;
         view_->model().setRow(BrowserModel::Place::current, row);
         return;
@@ -88,11 +103,17 @@ void FileViewPointer::pressRow(std::size_t row, const QMouseEvent& event) {
 
 void FileViewPointer::move(QMouseEvent& event) {
     pointer_ = event.position().toPoint();
-    if (!(event.buttons() & Qt::LeftButton) || !press_) return hover(pointer_);
+    if (!press_ || !(event.buttons() & press_->button)) return hover(pointer_);
     if (gestures_->hasBand()) return moveBand();
-    if (!press_->mayBand ||
-        (pointer_ - press_->at).manhattanLength() < QGuiApplication::styleHints()->startDragDistance())
-        return;
+    const int distance = (pointer_ - press_->at).manhattanLength();
+    if (distance < QGuiApplication::styleHints()->startDragDistance()) return;
+    if (press_->mayBand)
+        beginBand();
+    else if (press_->mayDrag)
+        beginDrag();
+}
+
+void FileViewPointer::beginBand() {
     press_->rowToSelect.reset();
     gestures_->beginBand(press_->mode);
     view_->model().setHeld(true);
@@ -101,14 +122,37 @@ void FileViewPointer::move(QMouseEvent& event) {
     moveBand();
 }
 
-void FileViewPointer::release(QMouseEvent& event) {
-    if (event.button() != Qt::LeftButton && event.button() != Qt::RightButton) return event.ignore();
-    if (press_ && press_->rowToSelect) gestures_->select(*press_->rowToSelect, How::only);
+void FileViewPointer::beginDrag() {
+    const bool isSelected = press_->row && *press_->row < view_->model().items().size() &&
+                            view_->model().selection().contains(*press_->row);
+    const auto button = press_->button;
+    // Whoever takes the drop has the button's release too.
     cancel();
+    if (isSelected) FileDrag::run(*view_, button);
+}
+
+void FileViewPointer::release(QMouseEvent& event) {
+    if (!press_ || event.button() != press_->button) return event.ignore();
+    const Press press = *press_;
+    cancel();
+    if (press.rowToSelect) gestures_->select(*press.rowToSelect, How::only);
+    const auto row = view_->rowAt(event.position().toPoint());
+    if (press.button == Qt::MiddleButton && row && row == press.row) openInTab(*row);
+    if (press.mayRename && row == press.row) {
+        slowRow_ = row;
+        slowClick_.start(QGuiApplication::styleHints()->mouseDoubleClickInterval());
+    }
     hover(event.position().toPoint());
 }
 
+void FileViewPointer::openInTab(std::size_t row) {
+    const FileItemView item = view_->model().items()[row];
+    const bool isFolder = item.isDirectoryLike() || item.isPackage();
+    if (isFolder && view_->model().requestNewTab) view_->model().requestNewTab(item.url());
+}
+
 void FileViewPointer::doubleClick(QMouseEvent& event) {
+    slowClick_.stop();
     const auto row = view_->rowAt(event.position().toPoint());
     const bool opens = event.button() == Qt::LeftButton && row &&
                        view_->partAt(*row, event.position().toPoint()) != FileView::Part::checkBox &&
@@ -137,6 +181,7 @@ void FileViewPointer::rowsMoved() {
 
 void FileViewPointer::cancel() {
     const bool hadBand = gestures_->hasBand();
+    slowClick_.stop();
     press_.reset();
     gestures_->endBand();
     edgeScroll_.stop();

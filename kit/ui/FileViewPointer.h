@@ -29,6 +29,10 @@ public:
     void release(QMouseEvent& event);
     void doubleClick(QMouseEvent& event);
     void leave();
+    /// The view has got the focus by a click, which is no click on what is selected then.
+    void noteFocusByClick() noexcept { hasJustFocused_ = true; }
+    /// What is done meanwhile keeps a slow second click from renaming.
+    void forgetSlowClick() { slowClick_.stop(); }
     /// To be called when other rows have come under the pointer.
     void rowsMoved();
     /// Gives a press or a band up.
@@ -46,13 +50,20 @@ private:
         QPoint at;           ///< in the viewport
         qint64 contentX = 0; ///< and in the contents, which may scroll meanwhile
         qint64 contentY = 0;
+        Qt::MouseButton button = Qt::LeftButton;
+        std::optional<std::size_t> row;
         std::optional<std::size_t> rowToSelect; ///< on release, unless something was dragged
+        bool mayDrag = false;
+        bool mayRename = false; ///< a click on the name of what alone was selected already
         bool mayBand = false;
         SelectionGestures::BandMode mode = SelectionGestures::BandMode::replace;
     };
 
     void pressRow(std::size_t row, const QMouseEvent& event);
     void hover(QPoint at);
+    void beginDrag();
+    void openInTab(std::size_t row);
+    void beginBand();
     void moveBand();
     void scrollAtEdge();
 
@@ -62,6 +73,9 @@ private:
     std::optional<Press> press_;
     QPoint pointer_;
     bool hasTickedBoxes_ = false;
+    bool hasJustFocused_ = false;
+    std::optional<std::size_t> slowRow_;
+    QTimer slowClick_;
     QTimer edgeScroll_;
     QTimer patience_;
 };

@@ -1,5 +1,6 @@
 #include "ui/IconsView.h"
 
+#include "services/AppSettings.h"
 #include "ui/ItemPainting.h"
 #include "ui/Theme.h"
 
@@ -53,6 +54,7 @@ IconsView::Measures IconsView::measures() const {
 }
 
 void IconsView::layOut() {
+    if (sources().settings) size_ = sources().settings->iconSize();
     measures_ = measures();
     columns_ = std::max(1, viewport()->width() / (measures_.cell.width() + theme().size(ThemeSize::cellGap)));
     names_.setRoom(font(), measures_.cell.width() - 2 * theme().size(ThemeSize::space4));
@@ -60,6 +62,12 @@ void IconsView::layOut() {
 
 void IconsView::setIconSize(IconSize size, std::optional<Anchor> anchor) {
     if (size == size_) return;
+    if (auto* const settings = sources().settings) {
+        // Which tells this view too.
+        settings->setIconSize(size);
+        if (anchor) restore(*anchor);
+        return;
+    }
     relayoutAround(
         [&] {
             size_ = size;
@@ -170,6 +178,15 @@ QRect IconsView::checkBoxRect(const QRect& cell) const {
     const int inset = theme().size(ThemeSize::cellCheckBox), side = theme().size(ThemeSize::checkBox);
     return QStyle::visualRect(layoutDirection(), cell,
                               QRect(cell.left() + inset, cell.top() + inset, side, side));
+}
+
+FileView::NamePlace IconsView::namePlace(std::size_t row) const {
+    const QRect cell = rowRect(row);
+    const int margin = theme().size(ThemeSize::space2);
+    const QRect line = textRect(cell, 1).adjusted(0, -margin, 0, margin);
+    // A longer name grows to both sides, over the cells beside it.
+    const QRect room(0, line.top(), viewport()->width(), line.height());
+    return {.name = line, .room = room, .alignment = Qt::AlignHCenter};
 }
 
 FileView::Part IconsView::partAt(std::size_t row, QPoint viewportPoint) {

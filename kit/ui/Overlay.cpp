@@ -132,6 +132,17 @@ Overlay::Overlay(BrowserModel& model, const Theme& theme, QWidget* view)
     refresh();
 }
 
+void Overlay::lieOver(QWidget* view) {
+    const bool wasShown = !isHidden();
+    parentWidget()->removeEventFilter(this);
+    setParent(view);
+    view->installEventFilter(this);
+    setGeometry(view->rect());
+    if (!wasShown) return;
+    QWidget::show();
+    raise();
+}
+
 QString Overlay::title() const {
     return title_->text();
 }

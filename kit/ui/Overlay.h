@@ -45,6 +45,9 @@ public:
     /// Lies over `view`. `model` and `theme` must outlive it.
     Overlay(BrowserModel& model, const Theme& theme, QWidget* view);
 
+    /// From now on covers `view`.
+    void lieOver(QWidget* view);
+
     [[nodiscard]] QString title() const;
     [[nodiscard]] QString message() const;
 

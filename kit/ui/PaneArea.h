@@ -1,27 +1,29 @@
 #pragma once
 
+#include "ui/FileView.h"
+
 #include <QWidget>
+
+#include <optional>
 
 namespace ombrel {
 
-class BrowserModel;
 class DetailsView;
-class FileView;
-class KeyRouter;
+class IconsView;
 class Overlay;
-class Theme;
 
-/// What one tab shows of its pane: the items in a file view, and over them why there are none.
+/// What one tab shows of its pane: the items in one of the file views, and over them why there are none.
 class PaneArea final : public QWidget {
     Q_OBJECT
 
 public:
     /// All must outlive it; `keys` is where keys go that mean commands.
-    PaneArea(BrowserModel& model, const Theme& theme, const KeyRouter& keys, QWidget* parent = nullptr);
+    PaneArea(BrowserModel& model, const Theme& theme, const KeyRouter& keys,
+             const FileView::Sources& sources = {}, QWidget* parent = nullptr);
 
     [[nodiscard]] BrowserModel& model() const noexcept { return *model_; }
     /// The file view that shows the items.
-    [[nodiscard]] FileView& view() const noexcept;
+    [[nodiscard]] FileView& view() const noexcept { return *view_; }
     [[nodiscard]] Overlay& overlay() const noexcept { return *overlay_; }
 
     /// What is shown while the pane is at home; the area takes it over.
@@ -38,11 +40,20 @@ Q_SIGNALS:
 
 private:
     void showHomeOrFolder();
+    void equip(FileView& view);
+    void followMode();
+    void zoom(int step, QPoint at);
 
     BrowserModel* model_;
+    const Theme* theme_;
+    const KeyRouter* keys_;
+    FileView::Sources sources_;
     DetailsView* details_;
+    IconsView* icons_ = nullptr; ///< made when it is first looked at
+    FileView* view_;
     Overlay* overlay_;
     QWidget* homePage_ = nullptr;
+    std::optional<FileView::Anchor> anchor_; ///< what is to keep its place in the next view
 };
 
 } // namespace ombrel

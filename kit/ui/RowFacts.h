@@ -29,6 +29,7 @@ public:
         QString date;
         QString type; ///< empty until it is known
         QString size;
+        QString folder; ///< where the item lies
         FileClass fileClass = FileClass::other;
         IconBadge badge = IconBadge::none;
         bool isHidden = false;
@@ -49,6 +50,10 @@ public:
     [[nodiscard]] const Facts& of(const FileItemList& items, std::size_t row);
     /// Whether a type's words are still being asked for.
     [[nodiscard]] bool isWaiting() const noexcept { return isAsking_ || !unasked_.empty(); }
+    /// Shows an item by another name until its facts are forgotten.
+    void setName(ItemRef item, const QString& name) {
+        if (const auto known = kept_.find(item); known != kept_.end()) known->second.name = name;
+    }
     /// To be called when the rows stand for other items.
     void forget();
 

@@ -144,6 +144,8 @@ constexpr SizeRow sizeTable[] = {
     {ThemeSize::typeColumnMinimum, 70},
     {ThemeSize::sizeColumn, 92},
     {ThemeSize::sizeColumnMinimum, 60},
+    {ThemeSize::folderColumn, 200},
+    {ThemeSize::folderColumnMinimum, 90},
     {ThemeSize::overlayWidth, 420},
     {ThemeSize::overlayIcon, 104},
     {ThemeSize::overlayBadge, 40},

@@ -132,6 +132,8 @@ enum class ThemeSize : std::uint8_t {
     typeColumnMinimum,
     sizeColumn,
     sizeColumnMinimum,
+    folderColumn,
+    folderColumnMinimum,
     overlayWidth,
     overlayIcon,
     overlayBadge,
