@@ -9,6 +9,7 @@
 #include "services/ClipboardService.h"
 #include "services/FileUndoHistory.h"
 #include "services/OperationCenter.h"
+#include "services/RecentAddresses.h"
 #include "services/SleepInhibitor.h"
 #include "services/SoftwareUpdater.h"
 #include "services/Telemetry.h"
@@ -54,6 +55,7 @@ public:
     [[nodiscard]] const std::shared_ptr<ConcurrencyLimiter>& treeLimiter() const noexcept {
         return treeLimiter_;
     }
+    [[nodiscard]] RecentAddresses& recentAddresses() noexcept { return recentAddresses_; }
     [[nodiscard]] const Telemetry& telemetry() const noexcept { return *telemetry_; }
 
     /// Makes whoever shows the jobs, when `start` is called; none without it.
@@ -107,6 +109,7 @@ private:
     std::unique_ptr<OperationPresenting> progressWindow_;
     const DirectoryProvider directories_{};
     const std::shared_ptr<ConcurrencyLimiter> treeLimiter_;
+    RecentAddresses recentAddresses_;
     const std::shared_ptr<Telemetry> telemetry_ = std::make_shared<Telemetry>();
     bool isReadOnlyDiagnostics_ = false;
     QPointer<SoftwareUpdater> updater_;

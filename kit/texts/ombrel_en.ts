@@ -359,6 +359,13 @@
     <message id="ui.accessible.tabs"><source></source><translation>Tabs</translation></message>
     <message id="ui.accessible.tree"><source></source><translation>Folders</translation></message>
     <message id="ui.address.collapsed"><source></source><translation>Folders further up</translation></message>
+    <message id="ui.address.edit"><source></source><translation>Edit address</translation></message>
+    <message id="ui.address.foldersIn"><source></source><translation>Folders in {1}</translation></message>
+    <message id="ui.address.noFolders"><source></source><translation>No folders here</translation></message>
+    <message id="ui.address.noRecent"><source></source><translation>No recent addresses</translation></message>
+    <message id="ui.address.reading"><source></source><translation>Reading folders…</translation></message>
+    <message id="ui.address.recent"><source></source><translation>Recent addresses</translation></message>
+    <message id="ui.address.suggestions"><source></source><translation>Suggestions</translation></message>
     <message id="ui.column.dateModified"><source></source><translation>Date modified</translation></message>
     <message id="ui.column.folder"><source></source><translation>Folder</translation></message>
     <message id="ui.column.name"><source></source><translation>Name</translation></message>

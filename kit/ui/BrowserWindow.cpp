@@ -5,6 +5,7 @@
 #include "browser/PaneMaker.h"
 #include "browser/ThumbnailStore.h"
 #include "services/AppServices.h"
+#include "ui/AddressBar.h"
 #include "ui/FileView.h"
 #include "ui/FocusRing.h"
 #include "ui/LocationLook.h"
@@ -40,7 +41,7 @@ BrowserWindow::BrowserWindow(const Setting& setting)
                         .performTabCommand = [this](TabCommand command) { tabs_.perform(command); }}),
       actions_(new WindowActions(*this, tabs_, commands_, setting.services)),
       tabStrip_(new TabStrip(tabs_, *theme_, setting.services.settings(), this)),
-      navigationRow_(new NavigationRow(tabs_, *theme_, setting.home,
+      navigationRow_(new NavigationRow(tabs_, setting.services, *theme_, setting.home,
                                        {.back = actions_->of(FileCommand::goBack),
                                         .forward = actions_->of(FileCommand::goForward),
                                         .up = actions_->of(FileCommand::goUp),
@@ -135,6 +136,8 @@ void BrowserWindow::followTabs() {
     });
     connect(&tabs_, &BrowserTabsModel::activeTabChanged, this, &BrowserWindow::showActiveTab);
     connect(&tabs_, &BrowserTabsModel::titleChanged, this, &BrowserWindow::applySettings);
+    connect(&navigationRow_->addressBar(), &AddressBar::finished, this,
+            [this] { paneArea().focusContent(); });
     connect(tabStrip_, &TabStrip::copyPathRequested, this,
             [this](const FileURL& folder) { services_->clipboard().copyPaths({folder}); });
     connect(tabStrip_, &TabStrip::openFoldersRequested, this,

@@ -1,54 +1,96 @@
 #pragma once
 
-#include "base/FileURL.h"
+#include "browser/AddressCrumbs.h"
 
+#include <QString>
 #include <QWidget>
 
+#include <cstddef>
+#include <functional>
+#include <optional>
 #include <vector>
-
-class QHBoxLayout;
 
 namespace ombrel {
 
-class BrowserModel;
+class DropSpring;
 class GlyphButton;
 class Theme;
 
-/// The address of a pane as a row of its folders, each a button that goes there. It begins at the home
-/// folder, or at the root for what lies elsewhere. Crumbs that do not fit collapse, the first ones first,
-/// into a button with a menu.
+/// An address as a row of its folders: each a button that goes there, and after it one that opens the list of
+/// its subfolders. Crumbs that do not fit collapse, the first ones first, into a button with a menu; the last
+/// one is cut short when it alone does not fit.
+///
+/// To the keyboard it is one stop; the arrow keys move inside it.
 class CrumbBar final : public QWidget {
     Q_OBJECT
 
 public:
-    /// `model` and `theme` must outlive it.
-    CrumbBar(BrowserModel& model, const Theme& theme, FileURL home, QWidget* parent = nullptr);
+    /// `theme` must outlive it.
+    explicit CrumbBar(const Theme& theme, QWidget* parent = nullptr);
 
-    /// Shows the address of another pane from now on, which must outlive it too.
-    void setModel(BrowserModel& model);
+    void setCrumbs(const std::vector<AddressCrumb>& crumbs);
+    /// One crumb that is no folder: what is shown is called `text`.
+    void setOnly(const QString& text);
+    [[nodiscard]] const std::vector<AddressCrumb>& crumbs() const noexcept { return crumbs_; }
 
-    /// The folders of the crumbs that a location has.
-    [[nodiscard]] static std::vector<FileURL> crumbs(const FileURL& location, const FileURL& home);
+    /// What becomes of a drop on a crumb. Answers the action that a drop on the folder would have now;
+    /// absent, crumbs only spring open.
+    std::function<Qt::DropAction(const QDropEvent& event, const FileURL& folder)> offerDrop;
+    std::function<void(const QDropEvent& event, const FileURL& folder)> performDrop;
 
     QSize sizeHint() const override;
-    QSize minimumSizeHint() const override { return sizeHint(); }
+    QSize minimumSizeHint() const override;
+
+Q_SIGNALS:
+    void folderChosen(const ombrel::FileURL& folder);
+    /// The crumb of `setOnly` was clicked.
+    void onlyChosen();
+    /// The list of a crumb's subfolders is wanted, under `below`, which is where it stands on the screen.
+    void childrenRequested(std::size_t crumb, const QRect& below);
+    void menuRequested(std::size_t crumb, QPoint at);
+    /// A click beside the crumbs.
+    void emptySpaceClicked();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
     class Crumb;
-    void rebuild();
+    /// A crumb's two buttons; the second is absent where there are no subfolders to list.
+    struct Pair {
+        Crumb* name;
+        GlyphButton* chevron;
+    };
+
+    void rebuild(const std::vector<QString>& names);
     void arrange();
     void showCollapsed();
+    void moveFocus(const QWidget* from, int step);
+    void requestChildren(std::size_t crumb);
+    [[nodiscard]] std::optional<std::size_t> pairOf(const QObject* button) const;
+    [[nodiscard]] std::optional<std::size_t> crumbAt(QPoint point) const;
+    [[nodiscard]] QRect shapeOf(std::size_t crumb) const;
+    void takeDropTarget(std::optional<std::size_t> crumb);
+    [[nodiscard]] Qt::DropAction dropActionAt(std::optional<std::size_t> crumb,
+                                              const QDropEvent& event) const;
 
-    BrowserModel* model_;
     const Theme* theme_;
-    FileURL home_;
     GlyphButton* collapsed_;
-    std::vector<Crumb*> crumbs_;
+    std::vector<AddressCrumb> crumbs_; ///< none where the only crumb is no folder
+    std::vector<Pair> pairs_;
     std::size_t firstShown_ = 0;
+    bool isPressed_ = false; ///< beside the crumbs
+    std::optional<std::size_t> dropTarget_;
+    DropSpring* spring_;
 };
 
 } // namespace ombrel

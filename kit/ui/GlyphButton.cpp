@@ -18,6 +18,11 @@ void GlyphButton::setGlyph(Glyph glyph) {
     update();
 }
 
+void GlyphButton::setInk(ThemeColor ink) {
+    ink_ = ink;
+    update();
+}
+
 void GlyphButton::follow(QAction* action) {
     const auto update = [this, action] {
         setEnabled(action->isEnabled());
@@ -41,7 +46,7 @@ QSize GlyphButton::sizeHint() const {
 void GlyphButton::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    if (isEnabled() && (isDown() || underMouse())) {
+    if (!isBare_ && isEnabled() && (isDown() || underMouse())) {
         const int radius = theme_->size(ThemeSize::radiusButton);
         painter.setPen(Qt::NoPen);
         painter.setBrush(theme_->color(isDown() ? ThemeColor::pressed : ThemeColor::hover));
@@ -49,8 +54,7 @@ void GlyphButton::paintEvent(QPaintEvent*) {
     }
     const int side = theme_->size(ThemeSize::glyph);
     const QRect box((width() - side) / 2, (height() - side) / 2, side, side);
-    Glyphs::draw(painter, glyph_, box,
-                 theme_->color(isEnabled() ? ThemeColor::text : ThemeColor::textDisabled));
+    Glyphs::draw(painter, glyph_, box, theme_->color(isEnabled() ? ink_ : ThemeColor::textDisabled));
 }
 
 } // namespace ombrel

@@ -21,6 +21,9 @@ public:
     void setGlyph(Glyph glyph);
     /// What it is called, as name and as tooltip; for one that follows no action.
     void setLabel(const QString& label);
+    void setInk(ThemeColor ink);
+    /// Whoever it stands in paints its ground.
+    void setBare(bool bare) { isBare_ = bare; }
     /// The button follows `action` from now on and triggers it.
     void follow(QAction* action);
 
@@ -34,6 +37,8 @@ private:
     const Theme* theme_;
     Glyph glyph_;
     ThemeSize side_;
+    ThemeColor ink_ = ThemeColor::text;
+    bool isBare_ = false;
 };
 
 } // namespace ombrel

@@ -1,7 +1,7 @@
 #include "ui/NavigationRow.h"
 
 #include "browser/BrowserTabsModel.h"
-#include "ui/CrumbBar.h"
+#include "ui/AddressBar.h"
 #include "ui/GlyphButton.h"
 #include "ui/Theme.h"
 
@@ -10,9 +10,9 @@
 
 namespace ombrel {
 
-NavigationRow::NavigationRow(BrowserTabsModel& tabs, const Theme& theme, const FileURL& home,
-                             const Actions& actions, QWidget* parent)
-    : QWidget(parent), theme_(&theme) {
+NavigationRow::NavigationRow(BrowserTabsModel& tabs, AppServices& services, const Theme& theme,
+                             const FileURL& home, const Actions& actions, QWidget* parent)
+    : QWidget(parent), theme_(&theme), address_(new AddressBar(tabs, services, theme, home, this)) {
     auto* const row = new QHBoxLayout(this);
     const auto add = [&](Glyph glyph, QAction* action) {
         auto* const button = new GlyphButton(theme, glyph, ThemeSize::navigationButton, this);
@@ -24,10 +24,7 @@ NavigationRow::NavigationRow(BrowserTabsModel& tabs, const Theme& theme, const F
     add(Glyph::up, actions.up);
     add(Glyph::refresh, actions.refresh);
     row->addSpacing(theme.size(ThemeSize::space8));
-    auto* const crumbs = new CrumbBar(tabs.activeTab(), theme, home, this);
-    row->addWidget(crumbs, 1);
-    connect(&tabs, &BrowserTabsModel::activeTabChanged, crumbs,
-            [crumbs, &tabs] { crumbs->setModel(tabs.activeTab()); });
+    row->addWidget(address_, 1);
     connect(&theme, &Theme::changed, this, &NavigationRow::takeSizes);
     takeSizes();
 }

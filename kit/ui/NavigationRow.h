@@ -8,6 +8,8 @@ class QAction;
 
 namespace ombrel {
 
+class AddressBar;
+class AppServices;
 class BrowserTabsModel;
 class Theme;
 
@@ -23,9 +25,11 @@ public:
         QAction* refresh;
     };
 
-    /// `tabs` and `theme` must outlive it; the actions are the window's.
-    NavigationRow(BrowserTabsModel& tabs, const Theme& theme, const FileURL& home, const Actions& actions,
-                  QWidget* parent = nullptr);
+    /// `tabs`, `services` and `theme` must outlive it; the actions are the window's.
+    NavigationRow(BrowserTabsModel& tabs, AppServices& services, const Theme& theme, const FileURL& home,
+                  const Actions& actions, QWidget* parent = nullptr);
+
+    [[nodiscard]] AddressBar& addressBar() const noexcept { return *address_; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -33,6 +37,7 @@ protected:
 private:
     void takeSizes();
     const Theme* theme_;
+    AddressBar* address_;
 };
 
 } // namespace ombrel

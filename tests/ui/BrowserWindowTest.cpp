@@ -3,7 +3,6 @@
 
 #include "listing/SystemCall.h"
 #include "support/FailingCalls.h"
-#include "ui/CrumbBar.h"
 #include "ui/GlyphButton.h"
 #include "ui/Overlay.h"
 #include "ui/StatusBar.h"
@@ -252,20 +251,6 @@ TEST_F(Window, TellsOfEntriesThatCouldNotBeRead) {
         ++row;
     EXPECT_TRUE(window.view().facts(row).date.isEmpty());
     EXPECT_EQ(window.view().facts(row).badge, IconBadge::lock);
-}
-
-TEST(Crumbs, BeginAtHomeOrAtTheRoot) {
-    const auto home = *FileURL::fromPath("/home/ann");
-    const auto crumbs = [&](std::string_view path) {
-        std::vector<std::string> paths;
-        for (const FileURL& crumb : CrumbBar::crumbs(*FileURL::fromPath(path), home))
-            paths.push_back(crumb.path());
-        return paths;
-    };
-    EXPECT_THAT(crumbs("/home/ann/a/b"), ElementsAre("/home/ann", "/home/ann/a", "/home/ann/a/b"));
-    EXPECT_THAT(crumbs("/home/ann"), ElementsAre("/home/ann"));
-    EXPECT_THAT(crumbs("/home/anna"), ElementsAre("/", "/home", "/home/anna"));
-    EXPECT_THAT(crumbs("/"), ElementsAre("/"));
 }
 
 } // namespace

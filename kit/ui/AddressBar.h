@@ -1,0 +1,76 @@
+#pragma once
+
+#include "base/FileURL.h"
+
+#include <QString>
+#include <QWidget>
+
+namespace ombrel {
+
+class AddressError;
+class AddressField;
+class AppServices;
+class BrowserModel;
+class BrowserTabsModel;
+class CrumbBar;
+class GlyphButton;
+class Theme;
+
+/// Where the active tab is: as crumbs, or, while an address is typed, as a text field. A refused address
+/// keeps the field, with the reason under it.
+class AddressBar final : public QWidget {
+    Q_OBJECT
+
+public:
+    /// All must outlive it; addresses begin at `home` where nothing nearer is known.
+    AddressBar(BrowserTabsModel& tabs, AppServices& services, const Theme& theme, FileURL home,
+               QWidget* parent = nullptr);
+
+    /// Turns the bar into a field with the whole address selected.
+    void edit();
+    [[nodiscard]] bool isEditing() const;
+    [[nodiscard]] CrumbBar& crumbBar() const noexcept { return *crumbs_; }
+    [[nodiscard]] AddressField& field() const noexcept { return *field_; }
+    [[nodiscard]] const AddressError& error() const noexcept { return *error_; }
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+Q_SIGNALS:
+    /// An address was entered, or given up: the keyboard goes back to the files.
+    void finished();
+    void openInNewWindowRequested(const ombrel::FileURL& folder);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void followPane();
+    void follow();
+    void arrange();
+    void stopEditing();
+    void enter();
+    void refuse(const QString& message);
+    void clearError();
+    void showChildren(std::size_t crumb, const QRect& below);
+    void showCrumbMenu(std::size_t crumb, QPoint at);
+    void showRecent();
+    [[nodiscard]] BrowserModel& pane() const;
+    [[nodiscard]] QString wholeAddress() const;
+
+    BrowserTabsModel* tabs_;
+    AppServices* services_;
+    const Theme* theme_;
+    FileURL home_;
+    CrumbBar* crumbs_;
+    AddressField* field_;
+    GlyphButton* recent_;
+    AddressError* error_;
+    QObject* following_ = nullptr; ///< goes when another tab is active
+};
+
+} // namespace ombrel

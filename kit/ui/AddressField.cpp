@@ -1,0 +1,142 @@
+#include "ui/AddressField.h"
+
+#include "ui/LocalizedText.h"
+#include "ui/Theme.h"
+
+#include <QAccessible>
+#include <QKeyEvent>
+#include <QListView>
+#include <QStringListModel>
+
+namespace ombrel {
+
+AddressField::AddressField(const Theme& theme, const FileURL& home, std::function<Base()> base,
+                           QWidget* parent)
+    : QLineEdit(parent), theme_(&theme), base_(std::move(base)),
+      completion_(new AddressCompletion(home, this)), model_(new QStringListModel(this)),
+      list_(new QListView(this)) {
+    setFrame(false);
+    setAccessibleName(localized("ui.accessible.address"));
+    QPalette colors = palette();
+    colors.setColor(QPalette::Base, Qt::transparent);
+    setPalette(colors);
+    // It floats, and the keyboard stays here.
+    list_->setWindowFlags(Qt::ToolTip);
+    list_->setAttribute(Qt::WA_ShowWithoutActivating);
+    list_->setFocusPolicy(Qt::NoFocus);
+    list_->setFocusProxy(this);
+    list_->setModel(model_);
+    list_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    list_->setUniformItemSizes(true);
+    list_->setMouseTracking(true);
+    list_->setFrameStyle(QFrame::StyledPanel | QFrame::Plain);
+    list_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    list_->setTextElideMode(Qt::ElideMiddle);
+    list_->setAccessibleName(localized("ui.address.suggestions"));
+    list_->hide();
+    connect(list_, &QListView::clicked, this, [this](const QModelIndex& index) {
+        list_->setCurrentIndex(index);
+        setText(index.data().toString());
+        Q_EMIT accepted();
+    });
+    connect(this, &QLineEdit::textEdited, this, [this](const QString& text) {
+        typed_ = text;
+        const Base base = base_();
+        completion_->complete(text, base.folder, base.filter);
+    });
+    connect(completion_, &AddressCompletion::changed, this, &AddressField::showSuggestions);
+}
+
+void AddressField::begin(const QString& text) {
+    end();
+    setText(text);
+    selectAll();
+}
+
+void AddressField::end() {
+    completion_->cancel();
+    list_->hide();
+}
+
+bool AddressField::isSuggesting() const {
+    return list_->isVisible();
+}
+
+void AddressField::showSuggestions() {
+    const QStringList& texts = completion_->suggestions();
+    model_->setStringList(texts);
+    // The only suggestion may be what stands there already.
+    const bool isNews = !texts.isEmpty() && (texts.size() > 1 || texts.constFirst() != text());
+    if (!isNews || !hasFocus()) return list_->hide();
+    QPalette colors = palette();
+    colors.setColor(QPalette::Base, theme_->color(ThemeColor::menu));
+    colors.setColor(QPalette::Highlight, theme_->color(ThemeColor::selection));
+    list_->setPalette(colors);
+    list_->clearSelection();
+    list_->setCurrentIndex({});
+    const int row = std::max(list_->sizeHintForRow(0), 1);
+    const int height = row * static_cast<int>(texts.size()) + 2 * list_->frameWidth();
+    const QWidget* const bar = parentWidget();
+    list_->setGeometry(QRect(bar->mapToGlobal(QPoint(0, bar->height())), QSize(bar->width(), height)));
+    list_->show();
+    list_->raise();
+}
+
+void AddressField::pick(int step) {
+    const int count = model_->rowCount();
+    const int from = list_->currentIndex().isValid() ? list_->currentIndex().row() : (step > 0 ? -1 : count);
+    const int to = from + step;
+    // Beyond either end stands what was typed.
+    const bool isInside = to >= 0 && to < count;
+    list_->setCurrentIndex(isInside ? model_->index(to) : QModelIndex());
+    setText(isInside ? model_->index(to).data().toString() : typed_);
+    QAccessibleValueChangeEvent change(this, text());
+    QAccessible::updateAccessibility(&change);
+}
+
+void AddressField::take() {
+    const QModelIndex picked = list_->currentIndex().isValid() ? list_->currentIndex() : model_->index(0);
+    // On with the folders in it.
+    setText(picked.data().toString() + QLatin1Char('/'));
+    Q_EMIT textEdited(text());
+}
+
+bool AddressField::event(QEvent* event) {
+    // Before Tab leaves the field.
+    if (event->type() == QEvent::KeyPress && isSuggesting()) {
+        const auto* const key = static_cast<QKeyEvent*>(event);
+        if (key->key() == Qt::Key_Tab && key->modifiers() == Qt::NoModifier) {
+            take();
+            return true;
+        }
+    }
+    return QLineEdit::event(event);
+}
+
+void AddressField::keyPressEvent(QKeyEvent* event) {
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter: list_->hide(); return Q_EMIT accepted();
+    case Qt::Key_Escape:
+        if (isSuggesting()) {
+            if (list_->currentIndex().isValid()) setText(typed_);
+            return list_->hide();
+        }
+        return Q_EMIT cancelled();
+    case Qt::Key_Down:
+    case Qt::Key_Up:
+        if (isSuggesting() && event->modifiers() == Qt::NoModifier)
+            return pick(event->key() == Qt::Key_Down ? 1 : -1);
+        break;
+    default: break;
+    }
+    QLineEdit::keyPressEvent(event);
+}
+
+void AddressField::resizeEvent(QResizeEvent* event) {
+    QLineEdit::resizeEvent(event);
+    if (isSuggesting()) showSuggestions();
+}
+
+} // namespace ombrel

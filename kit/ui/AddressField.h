@@ -1,0 +1,61 @@
+#pragma once
+
+#include "browser/AddressCompletion.h"
+
+#include <QLineEdit>
+
+#include <functional>
+
+class QListView;
+class QStringListModel;
+
+namespace ombrel {
+
+class Theme;
+
+/// The text field that the address bar turns into. Below it stand the folders that would complete what is
+/// typed: Down enters their list, Tab takes the one that is picked, or the first.
+class AddressField final : public QLineEdit {
+    Q_OBJECT
+
+public:
+    /// What a completion starts from when the text changes.
+    struct Base {
+        std::optional<FileURL> folder;
+        ItemFilter filter;
+    };
+
+    /// `theme` must outlive it.
+    AddressField(const Theme& theme, const FileURL& home, std::function<Base()> base,
+                 QWidget* parent = nullptr);
+
+    /// The whole text is selected, nothing is suggested yet.
+    void begin(const QString& text);
+    /// Nothing is to be suggested any more.
+    void end();
+    [[nodiscard]] QListView& suggestions() const noexcept { return *list_; }
+
+Q_SIGNALS:
+    void accepted();
+    void cancelled();
+
+protected:
+    bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void showSuggestions();
+    void pick(int step);
+    void take();
+    [[nodiscard]] bool isSuggesting() const;
+
+    const Theme* theme_;
+    std::function<Base()> base_;
+    AddressCompletion* completion_;
+    QStringListModel* model_;
+    QListView* list_;
+    QString typed_; ///< what the suggestions are for
+};
+
+} // namespace ombrel
