@@ -20,6 +20,14 @@ std::optional<HistoryEntry> BrowserHistory::go(Direction to, HistoryEntry left) 
     return entry;
 }
 
+std::vector<Location> BrowserHistory::places(Direction to, std::size_t most) const {
+    std::vector<Location> places;
+    const auto& entries = stack(to);
+    for (auto entry = entries.rbegin(); entry != entries.rend() && places.size() < most; ++entry)
+        places.push_back(entry->location);
+    return places;
+}
+
 std::optional<FileURL> BrowserHistory::child(const FileURL& base, const FileURL& url) {
     if (url == base || !url.isWithin(base)) return std::nullopt;
     std::string_view below = std::string_view(url.path()).substr(base.isRoot() ? 1 : base.path().size() + 1);

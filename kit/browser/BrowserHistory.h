@@ -25,6 +25,8 @@ public:
     [[nodiscard]] std::optional<Location> nearest(Direction to) const {
         return canGo(to) ? std::optional(stack(to).back().location) : std::nullopt;
     }
+    /// Where it leads that way, the nearest first, at most `most` places.
+    [[nodiscard]] std::vector<Location> places(Direction to, std::size_t most) const;
     /// A new way is taken from `left`; what lay ahead is forgotten.
     void record(HistoryEntry left);
     /// The nearest entry that way; `left` becomes the nearest the other way. Nothing when there is none.

@@ -99,10 +99,12 @@ void BrowserModel::go(const Location& to, bool recordHistory, const std::vector<
     load(to, SelectionMemory::of(selecting));
 }
 
-void BrowserModel::goAlong(BrowserHistory::Direction direction) {
-    if (!history_.canGo(direction)) return;
+void BrowserModel::goAlong(BrowserHistory::Direction direction, std::size_t steps) {
+    if (steps == 0 || history_.places(direction, steps).size() < steps) return;
     const auto left = currentURL();
-    const auto entry = history_.go(direction, currentEntry());
+    auto entry = history_.go(direction, currentEntry());
+    while (--steps > 0)
+        entry = history_.go(direction, std::move(*entry));
     load(entry->location, BrowserHistory::selectionOnReturn(*entry, left));
 }
 

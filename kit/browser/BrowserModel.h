@@ -93,6 +93,13 @@ public:
     /// Those of `selecting` that turn up are selected and revealed, unless the user has selected something by
     /// then. Going to where the pane is loads again and records nothing.
     void go(const Location& to, bool recordHistory, const std::vector<FileURL>& selecting);
+    /// Where the history leads that way, the nearest first.
+    [[nodiscard]] std::vector<Location> historyPlaces(BrowserHistory::Direction direction,
+                                                      std::size_t most) const {
+        return history_.places(direction, most);
+    }
+    /// So many steps back or forward at once; nothing where there are fewer.
+    void goAlong(BrowserHistory::Direction direction, std::size_t steps = 1);
     void goBack() { goAlong(BrowserHistory::Direction::back); }
     void goForward() { goAlong(BrowserHistory::Direction::forward); }
     /// To the parent folder, with the folder that was left selected in it. Nothing at the root and at home.
@@ -223,7 +230,6 @@ private:
     };
 
     std::optional<Mark>& mark(Place place) noexcept { return marks_[static_cast<std::size_t>(place)]; }
-    void goAlong(BrowserHistory::Direction direction);
     [[nodiscard]] HistoryEntry currentEntry() const;
     void load(const Location& to, std::shared_ptr<const SelectionMemory> selecting);
     [[nodiscard]] ListingState startListing();

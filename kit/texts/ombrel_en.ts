@@ -224,7 +224,10 @@
     <message id="open.error.several" numerus="yes"><source></source><translation><numerusform>{1}</numerusform><numerusform>{n} items could not be opened. {1}</numerusform></translation></message>
     <message id="open.error.special"><source></source><translation>“{1}” is a special file that can’t be opened.</translation></message>
     <message id="open.error.terminal"><source></source><translation>A terminal could not be opened in “{1}”: {2}.</translation></message>
+    <message id="overlay.clearSearch"><source></source><translation>Clear search</translation></message>
     <message id="overlay.empty.title"><source></source><translation>This folder is empty</translation></message>
+    <message id="overlay.emptySearch.message"><source></source><translation>Only names are searched.</translation></message>
+    <message id="overlay.emptySearch.title"><source></source><translation>No items match “{1}”</translation></message>
     <message id="overlay.failed.message"><source></source><translation>{1}</translation></message>
     <message id="overlay.failed.title"><source></source><translation>This folder can’t be shown</translation></message>
     <message id="overlay.goUp"><source></source><translation>Go to the folder above</translation></message>
@@ -476,6 +479,11 @@
     <message id="ui.rename.notOnWindows"><source></source><translation>Windows can’t use this name.</translation></message>
     <message id="ui.report.close"><source></source><translation>Close</translation></message>
     <message id="ui.report.copy"><source></source><translation>Copy report</translation></message>
+    <message id="ui.search.clear"><source></source><translation>Clear</translation></message>
+    <message id="ui.search.in"><source></source><translation>Search {1}</translation></message>
+    <message id="ui.search.limit"><source></source><translation>Showing the first 10,000 matches</translation></message>
+    <message id="ui.search.openFolder"><source></source><translation>Open a folder to search</translation></message>
+    <message id="ui.search.results"><source></source><translation>Results for “{1}” in {2}</translation></message>
     <message id="ui.status.failed"><source></source><translation>Can’t show this folder</translation></message>
     <message id="ui.status.items" numerus="yes"><source></source><translation><numerusform>{n} item</numerusform><numerusform>{n} items</numerusform></translation></message>
     <message id="ui.status.jumpTo"><source></source><translation>Jump to: {1}</translation></message>
@@ -488,6 +496,7 @@
     <message id="ui.tabs.duplicate"><source></source><translation>Duplicate tab</translation></message>
     <message id="ui.tabs.scrollBack"><source></source><translation>Earlier tabs</translation></message>
     <message id="ui.tabs.scrollOn"><source></source><translation>Later tabs</translation></message>
+    <message id="ui.tooltip.stop"><source></source><translation>Stop</translation></message>
     <message id="ui.tooltip.upTo"><source></source><translation>Up to “{1}”</translation></message>
     <message id="ui.tooltip.withShortcut"><source></source><translation>{1} ({2})</translation></message>
     <message id="ui.tree.loading"><source></source><translation>Loading…</translation></message>

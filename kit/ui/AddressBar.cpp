@@ -51,7 +51,12 @@ AddressBar::AddressBar(BrowserTabsModel& tabs, AppServices& services, const Them
     connect(recent_, &QAbstractButton::clicked, this, &AddressBar::showRecent);
     connect(crumbs_, &CrumbBar::folderChosen, this,
             [this](const FileURL& folder) { pane().navigate(folder); });
-    connect(crumbs_, &CrumbBar::onlyChosen, this, [this] { pane().refresh(); });
+    connect(crumbs_, &CrumbBar::onlyChosen, this, [this] {
+        if (pane().showsSearch())
+            pane().leaveSearch();
+        else
+            pane().refresh();
+    });
     connect(crumbs_, &CrumbBar::childrenRequested, this, &AddressBar::showChildren);
     connect(crumbs_, &CrumbBar::menuRequested, this, &AddressBar::showCrumbMenu);
     connect(crumbs_, &CrumbBar::emptySpaceClicked, this, &AddressBar::edit);
@@ -84,11 +89,12 @@ void AddressBar::followPane() {
 }
 
 void AddressBar::follow() {
-    if (const auto& folder = pane().currentURL()) {
+    const auto& folder = pane().currentURL();
+    if (folder && !pane().showsSearch()) {
         const auto starts = AddressCrumbs::startsOf(*services_, home_);
         crumbs_->setCrumbs(AddressCrumbs::of(*folder, starts));
     } else {
-        crumbs_->setOnly(LocationLook::title(pane()));
+        crumbs_->setOnly(LocationLook::nameOf(pane().location()));
     }
     update();
 }
@@ -151,7 +157,9 @@ void AddressBar::clearError() {
 }
 
 bool AddressBar::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == field_ && event->type() == QEvent::FocusIn) pane().setTextEditing(true);
     if (watched == field_ && event->type() == QEvent::FocusOut) {
+        pane().setTextEditing(false);
         const auto reason = static_cast<QFocusEvent*>(event)->reason();
         // A menu of the field, or another window for a moment, is no leaving.
         if (reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason)
@@ -170,10 +178,11 @@ bool AddressBar::eventFilter(QObject* watched, QEvent* event) {
 void AddressBar::showChildren(std::size_t crumb, const QRect& below) {
     const auto& crumbs = crumbs_->crumbs();
     const auto next = crumb + 1 < crumbs.size() ? std::optional(crumbs[crumb + 1].folder) : std::nullopt;
-    auto* const list = new FolderList(*theme_, crumbs[crumb].folder, next, pane().filter(), this);
-    connect(list, &FolderList::folderChosen, this,
+    delete children_;
+    children_ = new FolderList(*theme_, crumbs[crumb].folder, next, pane().filter(), this);
+    connect(children_, &FolderList::folderChosen, this,
             [this](const FileURL& folder) { pane().navigate(folder); });
-    list->popUp(below);
+    children_->popUp(below);
 }
 
 void AddressBar::showCrumbMenu(std::size_t crumb, QPoint at) {

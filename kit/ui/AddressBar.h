@@ -2,6 +2,7 @@
 
 #include "base/FileURL.h"
 
+#include <QPointer>
 #include <QString>
 #include <QWidget>
 
@@ -13,6 +14,7 @@ class AppServices;
 class BrowserModel;
 class BrowserTabsModel;
 class CrumbBar;
+class FolderList;
 class GlyphButton;
 class Theme;
 
@@ -70,7 +72,8 @@ private:
     AddressField* field_;
     GlyphButton* recent_;
     AddressError* error_;
-    QObject* following_ = nullptr; ///< goes when another tab is active
+    QPointer<FolderList> children_; ///< of a crumb, while they are listed
+    QObject* following_ = nullptr;  ///< goes when another tab is active
 };
 
 } // namespace ombrel

@@ -42,8 +42,8 @@ AddressField::AddressField(const Theme& theme, const FileURL& home, std::functio
     });
     connect(this, &QLineEdit::textEdited, this, [this](const QString& text) {
         typed_ = text;
-        const Base base = base_();
-        completion_->complete(text, base.folder, base.filter);
+        const Base from = base_();
+        completion_->complete(text, from.folder, from.filter);
     });
     connect(completion_, &AddressCompletion::changed, this, &AddressField::showSuggestions);
 }
@@ -132,6 +132,11 @@ void AddressField::keyPressEvent(QKeyEvent* event) {
     default: break;
     }
     QLineEdit::keyPressEvent(event);
+}
+
+void AddressField::focusOutEvent(QFocusEvent* event) {
+    QLineEdit::focusOutEvent(event);
+    list_->hide();
 }
 
 void AddressField::resizeEvent(QResizeEvent* event) {

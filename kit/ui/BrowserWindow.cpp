@@ -15,6 +15,7 @@
 #include "ui/Overlay.h"
 #include "ui/PaneArea.h"
 #include "ui/PaneSplitter.h"
+#include "ui/SearchField.h"
 #include "ui/StatusBar.h"
 #include "ui/TabStrip.h"
 #include "ui/Theme.h"
@@ -137,6 +138,8 @@ void BrowserWindow::followTabs() {
     connect(&tabs_, &BrowserTabsModel::activeTabChanged, this, &BrowserWindow::showActiveTab);
     connect(&tabs_, &BrowserTabsModel::titleChanged, this, &BrowserWindow::applySettings);
     connect(&navigationRow_->addressBar(), &AddressBar::finished, this,
+            [this] { paneArea().focusContent(); });
+    connect(&navigationRow_->searchField(), &SearchField::finished, this,
             [this] { paneArea().focusContent(); });
     connect(tabStrip_, &TabStrip::copyPathRequested, this,
             [this](const FileURL& folder) { services_->clipboard().copyPaths({folder}); });

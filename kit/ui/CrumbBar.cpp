@@ -18,6 +18,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 namespace ombrel {
 namespace {
@@ -187,6 +188,8 @@ void CrumbBar::showCollapsed() {
 
 void CrumbBar::requestChildren(std::size_t crumb) {
     const QRect shape = shapeOf(crumb);
+    // The popup takes the release of the mouse.
+    if (auto* const chevron = pairs_[crumb].chevron) chevron->setDown(false);
     Q_EMIT childrenRequested(crumb, {mapToGlobal(shape.topLeft()), shape.size()});
 }
 

@@ -75,7 +75,7 @@ DetailsHeader::DetailsHeader(BrowserModel& model, const Theme& theme, QWidget* p
     setSectionResizeMode(QHeaderView::Interactive);
     setSectionResizeMode(index(DetailsColumn::checkBox), QHeaderView::Fixed);
     setAccessibleName(localized("ui.accessible.columns"));
-    setSectionHidden(index(DetailsColumn::folder), true);
+    setSectionHidden(index(DetailsColumn::folder), !model.showsSearch());
     resetColumns();
     connect(this, &QHeaderView::sectionClicked, this,
             [this](int section) { sortBy(static_cast<DetailsColumn>(section)); });
@@ -90,6 +90,7 @@ DetailsHeader::DetailsHeader(BrowserModel& model, const Theme& theme, QWidget* p
     connect(&model, &BrowserModel::sortChanged, this, repaint);
     connect(&model, &BrowserModel::selectionChanged, this, repaint);
     connect(&model, &BrowserModel::itemsChanged, this, repaint);
+    connect(&model, &BrowserModel::locationChanged, this, [this] { setShowsFolders(model_->showsSearch()); });
     settling_.setSingleShot(true);
     settling_.setInterval(settlingTime);
     connect(&settling_, &QTimer::timeout, this, &DetailsHeader::arranged);
@@ -208,14 +209,19 @@ void DetailsHeader::arrange(const std::vector<std::string>& columns) {
 }
 
 void DetailsHeader::setShowsCheckBoxes(bool on) {
-    if (isShown(DetailsColumn::checkBox) == on) return;
-    setSectionHidden(index(DetailsColumn::checkBox), !on);
-    fitInto(available_);
+    setShown(DetailsColumn::checkBox, on);
 }
 
 void DetailsHeader::setShowsFolders(bool on) {
-    if (isShown(DetailsColumn::folder) == on) return;
-    setSectionHidden(index(DetailsColumn::folder), !on);
+    setShown(DetailsColumn::folder, on);
+}
+
+void DetailsHeader::setShown(DetailsColumn column, bool on) {
+    if (isShown(column) == on) return;
+    {
+        const QScopedValueRollback arranging(isArranging_, true);
+        setSectionHidden(index(column), !on);
+    }
     fitInto(available_);
 }
 

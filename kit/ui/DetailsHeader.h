@@ -15,7 +15,14 @@ namespace ombrel {
 class Theme;
 
 /// The columns of the details view, by their number in the header's model.
-enum class DetailsColumn : std::uint8_t { checkBox, name, dateModified, type, size, folder };
+enum class DetailsColumn : std::uint8_t {
+    checkBox,
+    name,
+    dateModified,
+    type,
+    size,
+    folder, ///< where a search found the item
+};
 inline constexpr std::size_t detailsColumnCount = 6;
 
 /// The header of the details view: a click sorts, edges are dragged, columns are moved and hidden.
@@ -64,6 +71,7 @@ protected:
 private:
     void paintLabel(QPainter& painter, const QRect& rect, DetailsColumn column) const;
     void paintCheckBox(QPainter& painter, const QRect& rect) const;
+    void setShown(DetailsColumn column, bool on);
     void sortBy(DetailsColumn column);
     void shareEdge(int logicalIndex, int before, int after);
     void keepFirstColumns();

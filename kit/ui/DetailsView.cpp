@@ -1,5 +1,7 @@
 #include "ui/DetailsView.h"
 
+#include "base/FileName.h"
+#include "browser/AddressCrumbs.h"
 #include "services/AppSettings.h"
 #include "ui/ItemPainting.h"
 #include "ui/Theme.h"
@@ -22,9 +24,6 @@ DetailsView::DetailsView(BrowserModel& model, const Theme& theme, QWidget* paren
     connect(header_, &DetailsHeader::arranged, this, [this] {
         if (sources().settings) sources().settings->setDetailsColumns(header_->arrangement());
     });
-    const auto showFolders = [this] { header_->setShowsFolders(this->model().isSearching()); };
-    connect(&model, &BrowserModel::locationChanged, this, showFolders);
-    showFolders();
     layOut();
 }
 
@@ -168,7 +167,7 @@ void DetailsView::fitColumn(DetailsColumn column) {
             widest = std::max(widest, fontMetrics().horizontalAdvance(shown.size));
             break;
         case DetailsColumn::folder:
-            widest = std::max(widest, fontMetrics().horizontalAdvance(shown.folder));
+            widest = std::max(widest, fontMetrics().horizontalAdvance(folderText(row)));
             break;
         }
     }
@@ -219,7 +218,17 @@ void DetailsView::paintRow(QPainter& painter, std::size_t row, const QRect& rect
     paintText(painter, rect, DetailsColumn::dateModified, shown.date);
     paintText(painter, rect, DetailsColumn::type, shown.type);
     paintText(painter, rect, DetailsColumn::size, shown.size);
-    paintText(painter, rect, DetailsColumn::folder, shown.folder);
+    if (model().showsSearch()) paintText(painter, rect, DetailsColumn::folder, folderText(row));
+}
+
+QString DetailsView::folderText(std::size_t row) const {
+    const auto& searched = model().currentURL();
+    if (!searched) return {};
+    const FileURL folder = model().items()[row].url().parent();
+    if (folder == *searched) return QString::fromStdString(AddressCrumbs::nameOf(folder));
+    std::string_view path = folder.path();
+    if (folder.isWithin(*searched)) path.remove_prefix(searched->isRoot() ? 1 : searched->path().size() + 1);
+    return QString::fromStdString(FileName::displayText(path));
 }
 
 void DetailsView::paintText(QPainter& painter, const QRect& row, DetailsColumn column,

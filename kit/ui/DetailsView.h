@@ -35,6 +35,8 @@ protected:
 
 private:
     void placeHeader();
+    /// Of an item that a search has found: where it lies, from the folder that was searched.
+    [[nodiscard]] QString folderText(std::size_t row) const;
     void fitColumn(DetailsColumn column);
     [[nodiscard]] int iconSize() const;
     [[nodiscard]] int inset() const;

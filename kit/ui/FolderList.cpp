@@ -109,6 +109,8 @@ FolderList::FolderList(const Theme& theme, const FileURL& folder, const std::opt
     : QFrame(parent, Qt::Popup), theme_(&theme), children_(new CrumbChildren(this)), model_(new Model(this)),
       list_(new QListView(this)), note_(new QLabel(this)) {
     setAttribute(Qt::WA_DeleteOnClose);
+    // A click on the button that opened it only closes it.
+    setAttribute(Qt::WA_NoMouseReplay);
     setFrameStyle(QFrame::NoFrame);
     QPalette colors = palette();
     colors.setColor(QPalette::Window, theme.color(ThemeColor::menu));

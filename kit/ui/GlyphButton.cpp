@@ -24,6 +24,12 @@ void GlyphButton::setInk(ThemeColor ink) {
 }
 
 void GlyphButton::follow(QAction* action) {
+    if (action == action_) return;
+    if (action_) {
+        action_->disconnect(this);
+        disconnect(action_);
+    }
+    action_ = action;
     const auto update = [this, action] {
         setEnabled(action->isEnabled());
         setToolTip(action->toolTip());

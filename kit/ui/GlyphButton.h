@@ -4,6 +4,7 @@
 #include "ui/Theme.h"
 
 #include <QAbstractButton>
+#include <QPointer>
 
 class QAction;
 
@@ -39,6 +40,7 @@ private:
     ThemeSize side_;
     ThemeColor ink_ = ThemeColor::text;
     bool isBare_ = false;
+    QPointer<QAction> action_;
 };
 
 } // namespace ombrel

@@ -1,19 +1,37 @@
 #include "ui/LocationLook.h"
 
+#include "browser/AddressCrumbs.h"
 #include "browser/BrowserModel.h"
 #include "ui/FileIconDrawing.h"
 #include "ui/Glyphs.h"
 #include "ui/LocalizedText.h"
 
+#include <utility>
+
 namespace ombrel {
 
 QString LocationLook::title(const BrowserModel& pane) {
-    return pane.currentURL() ? pane.title() : localized("ui.home.title");
+    return pane.isHome() ? nameOf(pane.location()) : pane.title();
+}
+
+QString LocationLook::nameOf(const Location& place) {
+    const auto& folder = place.folderURL();
+    switch (place.which()) {
+    case Location::Case::home: return localized("ui.home.title");
+    case Location::Case::folder: return QString::fromStdString(AddressCrumbs::nameOf(*folder));
+    case Location::Case::search:
+        return localized("ui.search.results",
+                         {isolated(place.searchText()),
+                          isolated(folder->isRoot() ? std::string_view(folder->path()) : folder->name())});
+    }
+    std::unreachable();
 }
 
 void LocationLook::drawIcon(QPainter& painter, const Theme& theme, const BrowserModel& pane,
                             const QRectF& box, ThemeColor ink) {
-    if (pane.currentURL())
+    if (pane.showsSearch())
+        Glyphs::draw(painter, Glyph::search, box, theme.color(ink));
+    else if (pane.currentURL())
         FileIconDrawing::draw(painter, theme, FileClass::folder, box);
     else
         Glyphs::draw(painter, Glyph::home, box, theme.color(ink));

@@ -3,30 +3,59 @@
 #include "browser/BrowserTabsModel.h"
 #include "ui/AddressBar.h"
 #include "ui/GlyphButton.h"
+#include "ui/HistoryMenu.h"
+#include "ui/LocalizedText.h"
+#include "ui/SearchField.h"
 #include "ui/Theme.h"
 
+#include <QAction>
 #include <QHBoxLayout>
 #include <QPainter>
+
+#include <utility>
 
 namespace ombrel {
 
 NavigationRow::NavigationRow(BrowserTabsModel& tabs, AppServices& services, const Theme& theme,
                              const FileURL& home, const Actions& actions, QWidget* parent)
-    : QWidget(parent), theme_(&theme), address_(new AddressBar(tabs, services, theme, home, this)) {
+    : QWidget(parent), theme_(&theme), tabs_(&tabs),
+      address_(new AddressBar(tabs, services, theme, home, this)),
+      search_(new SearchField(tabs, theme, this)), refreshing_(actions.refresh),
+      stop_(new QAction(localized("ui.tooltip.stop"), this)) {
     auto* const row = new QHBoxLayout(this);
     const auto add = [&](Glyph glyph, QAction* action) {
         auto* const button = new GlyphButton(theme, glyph, ThemeSize::navigationButton, this);
         button->follow(action);
         row->addWidget(button);
+        return button;
     };
-    add(Glyph::back, actions.back);
-    add(Glyph::forward, actions.forward);
+    new HistoryMenu(*add(Glyph::back, actions.back), tabs, BrowserHistory::Direction::back);
+    new HistoryMenu(*add(Glyph::forward, actions.forward), tabs, BrowserHistory::Direction::forward);
     add(Glyph::up, actions.up);
-    add(Glyph::refresh, actions.refresh);
+    refresh_ = add(Glyph::refresh, actions.refresh);
+    connect(stop_, &QAction::triggered, this, [this] { tabs_->activeTab().stopSearch(); });
     row->addSpacing(theme.size(ThemeSize::space8));
     row->addWidget(address_, 1);
+    row->addSpacing(theme.size(ThemeSize::space8));
+    row->addWidget(search_);
+    connect(&tabs, &BrowserTabsModel::activeTabChanged, this, &NavigationRow::followPane);
+    followPane();
     connect(&theme, &Theme::changed, this, &NavigationRow::takeSizes);
     takeSizes();
+}
+
+void NavigationRow::followPane() {
+    delete std::exchange(following_, new QObject(this));
+    BrowserModel& pane = tabs_->activeTab();
+    connect(&pane, &BrowserModel::listingStateChanged, following_, [this] { refreshStop(); });
+    connect(&pane, &BrowserModel::locationChanged, following_, [this] { refreshStop(); });
+    refreshStop();
+}
+
+void NavigationRow::refreshStop() {
+    const bool isSearching = tabs_->activeTab().isSearching();
+    refresh_->setGlyph(isSearching ? Glyph::close : Glyph::refresh);
+    refresh_->follow(isSearching ? stop_ : refreshing_);
 }
 
 void NavigationRow::takeSizes() {

@@ -11,6 +11,8 @@ namespace ombrel {
 class AddressBar;
 class AppServices;
 class BrowserTabsModel;
+class GlyphButton;
+class SearchField;
 class Theme;
 
 /// Back, forward, up, refresh, and the address of the active tab.
@@ -30,6 +32,7 @@ public:
                   const Actions& actions, QWidget* parent = nullptr);
 
     [[nodiscard]] AddressBar& addressBar() const noexcept { return *address_; }
+    [[nodiscard]] SearchField& searchField() const noexcept { return *search_; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -37,7 +40,15 @@ protected:
 private:
     void takeSizes();
     const Theme* theme_;
+    void followPane();
+    void refreshStop();
+    BrowserTabsModel* tabs_;
     AddressBar* address_;
+    SearchField* search_;
+    GlyphButton* refresh_ = nullptr;
+    QAction* refreshing_;
+    QAction* stop_;
+    QObject* following_ = nullptr; ///< goes when another tab is active
 };
 
 } // namespace ombrel

@@ -80,6 +80,7 @@ OverlayContent failure(DirectoryError error, const BrowserModel& model) {
 
 QString labelOf(Action action) {
     switch (action) {
+    case Action::clearSearch: return localized("overlay.clearSearch");
     case Action::tryAgain: return localized("overlay.tryAgain");
     case Action::goUp: return localized("overlay.goUp");
     }
@@ -101,6 +102,11 @@ std::optional<OverlayContent> OverlayContent::of(const BrowserModel& model) {
             localized("overlay.noLocation.title"), localized("overlay.noLocation.message"), {}, {}};
     case ListingState::Case::loaded:
         if (!model.currentURL() || !model.items().empty()) return std::nullopt;
+        if (model.showsSearch())
+            return OverlayContent{localized("overlay.emptySearch.title", {isolated(model.searchQuery())}),
+                                  localized("overlay.emptySearch.message"),
+                                  {},
+                                  {Action::clearSearch}};
         return OverlayContent{localized("overlay.empty.title"), {}, {}, {}};
     case ListingState::Case::loading: return std::nullopt;
     }
@@ -225,6 +231,7 @@ void Overlay::fadeIn() {
 
 void Overlay::perform(Action action) {
     switch (action) {
+    case Action::clearSearch: model_->leaveSearch(); break;
     case Action::tryAgain: model_->refresh(); break;
     case Action::goUp: model_->goUp(); break;
     }

@@ -28,7 +28,6 @@ RowFacts::Facts RowFacts::formatted(FileItemView item) const {
     facts.name = QString::fromStdString(FileName::displayText(name));
     const bool isAnythingCut = clipboard_ && !clipboard_->cutURLs().empty();
     facts.isCut = isAnythingCut && clipboard_->cutURLs().contains(item.url());
-    facts.folder = QString::fromStdString(FileName::displayText(item.folder().path()));
     facts.badge = FileIcons::badgeOf(item);
     facts.isHidden = item.isHidden();
     if (const auto date = item.modificationDate(); date.hasValue())

@@ -29,7 +29,6 @@ public:
         QString date;
         QString type; ///< empty until it is known
         QString size;
-        QString folder; ///< where the item lies
         FileClass fileClass = FileClass::other;
         IconBadge badge = IconBadge::none;
         bool isHidden = false;

@@ -14,7 +14,7 @@
 namespace ombrel {
 namespace {
 
-constexpr std::size_t mostParts = 4;
+constexpr std::size_t mostParts = 5;
 
 std::int64_t count(std::size_t items) {
     return static_cast<std::int64_t>(items);
@@ -64,6 +64,7 @@ QStringList StatusBar::parts() const {
     case ListingState::Case::invalidated: return {localized("ui.status.failed")};
     case ListingState::Case::noLocation: return {};
     }
+    if (model_->hasReachedSearchLimit()) parts << localized("ui.search.limit");
     if (const std::size_t selected = model_->selection().count(); selected > 0) {
         const auto bytes = selectionSize_->bytes();
         parts << (bytes ? localized("ui.status.selectedWithSize", count(selected),

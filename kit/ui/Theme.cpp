@@ -174,6 +174,8 @@ constexpr SizeRow sizeTable[] = {
     {ThemeSize::menuMinimumWidth, 220},
     {ThemeSize::menuMaximumWidth, 360},
     {ThemeSize::addressMinimumWidth, 220},
+    {ThemeSize::searchWidth, 240},
+    {ThemeSize::searchMinimumWidth, 140},
     {ThemeSize::crumbChevron, 20},
     {ThemeSize::addressError, 28},
     {ThemeSize::windowWidth, 1280},

@@ -162,6 +162,8 @@ enum class ThemeSize : std::uint8_t {
     menuMinimumWidth,
     menuMaximumWidth,
     addressMinimumWidth,
+    searchWidth,
+    searchMinimumWidth,
     crumbChevron,
     addressError,
     windowWidth,

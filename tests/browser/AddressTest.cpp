@@ -1,7 +1,6 @@
 #include "browser/AddressCompletion.h"
 #include "browser/AddressCrumbs.h"
 #include "browser/CrumbChildren.h"
-
 #include "browser/ModelWorld.h"
 #include "services/RecentAddresses.h"
 

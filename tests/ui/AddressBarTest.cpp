@@ -84,7 +84,7 @@ TEST_F(Address, CollapsesWhatDoesNotFit) {
 }
 
 TEST_F(Address, IsTypedAndEntered) {
-    type(tree.url("Projects/Reports").path().c_str());
+    type(QString::fromStdString(tree.url("Projects/Reports").path()));
     QTest::keyClick(&field, Qt::Key_Return);
     EXPECT_EQ(window.model().currentURL(), tree.url("Projects/Reports"));
     EXPECT_FALSE(bar.isEditing());
@@ -120,7 +120,7 @@ TEST_F(Address, KeepsARefusedEntryAndSaysWhy) {
 
 TEST_F(Address, IsCompletedByTheFoldersThatAreThere) {
     tree.folder("Projects/Reports/2026");
-    type(tree.url().path().c_str() + QStringLiteral("/Pro"));
+    type(QString::fromStdString(tree.url().path()) + QStringLiteral("/Pro"));
     ASSERT_TRUE(runUntil([&] { return field.suggestions().isVisible(); }));
     QTest::keyClick(&field, Qt::Key_Tab);
     EXPECT_EQ(field.text().toStdString(), tree.url("Projects").path() + "/");

@@ -1,0 +1,204 @@
+#include "ui/SearchField.h"
+
+#include "browser/BrowserTabsModel.h"
+#include "ui/GlyphButton.h"
+#include "ui/LocalizedText.h"
+#include "ui/Theme.h"
+
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QStyle>
+
+#include <chrono>
+#include <utility>
+
+namespace ombrel {
+namespace {
+
+/// How long the typing rests before a search begins by itself, and from how many characters on.
+constexpr std::chrono::milliseconds typingRest(400);
+constexpr qsizetype fewestCharacters = 2;
+
+} // namespace
+
+SearchField::SearchField(BrowserTabsModel& tabs, const Theme& theme, QWidget* parent)
+    : QWidget(parent), tabs_(&tabs), theme_(&theme), field_(new QLineEdit(this)),
+      clear_(new GlyphButton(theme, Glyph::close, ThemeSize::smallButton, this)) {
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    field_->setFrame(false);
+    field_->setAccessibleName(localized("ui.command.focusSearch"));
+    field_->installEventFilter(this);
+    clear_->setAccessibleName(localized("ui.search.clear"));
+    clear_->setToolTip(clear_->accessibleName());
+    clear_->setInk(ThemeColor::textSecondary);
+    clear_->setFocusPolicy(Qt::NoFocus);
+    clear_->hide();
+    rest_.setSingleShot(true);
+    rest_.setInterval(typingRest);
+    connect(&rest_, &QTimer::timeout, this, &SearchField::search);
+    connect(field_, &QLineEdit::textEdited, this, &SearchField::takeText);
+    connect(field_, &QLineEdit::textChanged, this, [this](const QString& text) {
+        clear_->setVisible(!text.isEmpty());
+        arrange();
+    });
+    connect(clear_, &QAbstractButton::clicked, this, &SearchField::clear);
+    connect(&tabs, &BrowserTabsModel::activeTabChanged, this, &SearchField::followPane);
+    connect(&theme, &Theme::changed, this, &SearchField::arrange);
+    followPane();
+    arrange();
+}
+
+BrowserModel& SearchField::pane() const {
+    return tabs_->activeTab();
+}
+
+void SearchField::followPane() {
+    delete std::exchange(following_, new QObject(this));
+    pane().requestSearchFocus = [this] { focus(); };
+    connect(&pane(), &BrowserModel::locationChanged, following_, [this] { follow(); });
+    connect(&pane(), &BrowserModel::listingStateChanged, following_, [this] { refreshAbility(); });
+    follow();
+}
+
+void SearchField::follow() {
+    rest_.stop();
+    const QString query = QString::fromStdString(pane().searchQuery());
+    if (query != field_->text()) field_->setText(query);
+    const auto& folder = pane().currentURL();
+    field_->setPlaceholderText(
+        folder ? localized("ui.search.in", {isolated(folder->isRoot() ? folder->path() : folder->name())})
+               : localized("ui.search.openFolder"));
+    refreshAbility();
+}
+
+void SearchField::refreshAbility() {
+    // There is something to search in, or to go back from.
+    const auto state = pane().listingState().which();
+    const bool isCovered = state == ListingState::Case::failed || state == ListingState::Case::invalidated ||
+                           state == ListingState::Case::noLocation;
+    setEnabled(!pane().isHome() && (!isCovered || pane().showsSearch()));
+    update();
+}
+
+void SearchField::takeText(const QString& text) {
+    if (text.isEmpty() && pane().showsSearch()) return pane().leaveSearch();
+    if (text.trimmed().size() >= fewestCharacters)
+        rest_.start();
+    else
+        rest_.stop();
+}
+
+void SearchField::search() {
+    rest_.stop();
+    const QString text = field_->text();
+    if (text.trimmed().isEmpty() || text.toStdString() == pane().searchQuery()) return;
+    pane().search(text.toStdString());
+}
+
+void SearchField::clear() {
+    rest_.stop();
+    field_->clear();
+    if (pane().showsSearch()) pane().leaveSearch();
+}
+
+void SearchField::focus() {
+    if (!isEnabled()) return;
+    field_->setFocus(Qt::ShortcutFocusReason);
+    field_->selectAll();
+}
+
+bool SearchField::eventFilter(QObject* watched, QEvent* event) {
+    if (watched != field_) return QWidget::eventFilter(watched, event);
+    switch (event->type()) {
+    case QEvent::FocusIn:
+        pane().setTextEditing(true);
+        update();
+        break;
+    case QEvent::FocusOut:
+        pane().setTextEditing(false);
+        update();
+        break;
+    case QEvent::KeyPress: {
+        switch (static_cast<QKeyEvent*>(event)->key()) {
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            search();
+            if (pane().showsSearch()) Q_EMIT finished();
+            return true;
+        case Qt::Key_Escape:
+            if (field_->text().isEmpty())
+                Q_EMIT finished();
+            else
+                clear();
+            return true;
+        case Qt::Key_Down: Q_EMIT finished(); return true;
+        default: break;
+        }
+        break;
+    }
+    default: break;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+// ---- How it looks
+
+QSize SearchField::sizeHint() const {
+    return {theme_->size(ThemeSize::searchWidth), theme_->size(ThemeSize::field)};
+}
+
+QSize SearchField::minimumSizeHint() const {
+    return {theme_->size(ThemeSize::searchMinimumWidth), theme_->size(ThemeSize::field)};
+}
+
+void SearchField::arrange() {
+    setMaximumWidth(sizeHint().width());
+    QPalette colors = palette();
+    colors.setColor(QPalette::Base, Qt::transparent);
+    field_->setPalette(colors);
+    const int button = theme_->size(ThemeSize::smallButton), inset = theme_->size(ThemeSize::focusRing);
+    const int left =
+        theme_->size(ThemeSize::space12) + theme_->size(ThemeSize::glyph) + theme_->size(ThemeSize::space4);
+    const int right = width() - theme_->size(ThemeSize::space4) - (clear_->isHidden() ? 0 : button);
+    const auto mirrored = [&](const QRect& part) {
+        return QStyle::visualRect(layoutDirection(), rect(), part);
+    };
+    field_->setGeometry(mirrored(QRect(left, inset, right - left, height() - 2 * inset)));
+    clear_->setGeometry(mirrored(QRect(right, (height() - button) / 2, button, button)));
+    update();
+}
+
+void SearchField::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    arrange();
+}
+
+void SearchField::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::LayoutDirectionChange) arrange();
+}
+
+void SearchField::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton) focus();
+}
+
+void SearchField::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const bool hasKeyboard = field_->hasFocus();
+    const double line = theme_->size(hasKeyboard ? ThemeSize::focusRing : ThemeSize::hairline);
+    painter.setPen(QPen(theme_->color(hasKeyboard ? ThemeColor::accent : ThemeColor::border), line));
+    painter.setBrush(theme_->color(isEnabled() ? ThemeColor::surface : ThemeColor::chromeRaised));
+    const int radius = theme_->size(ThemeSize::radiusField);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(line / 2, line / 2, -line / 2, -line / 2), radius,
+                            radius);
+    const int glyph = theme_->size(ThemeSize::glyph);
+    const QRect box(theme_->size(ThemeSize::space12) - theme_->size(ThemeSize::space2),
+                    (height() - glyph) / 2, glyph, glyph);
+    Glyphs::draw(painter, Glyph::search, QStyle::visualRect(layoutDirection(), rect(), box),
+                 theme_->color(isEnabled() ? ThemeColor::textSecondary : ThemeColor::textDisabled));
+}
+
+} // namespace ombrel

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QTimer>
+#include <QWidget>
+
+class QLineEdit;
+
+namespace ombrel {
+
+class BrowserModel;
+class BrowserTabsModel;
+class GlyphButton;
+class Theme;
+
+/// The field that searches below the folder of the active tab: on Enter, and by itself once the typing rests.
+/// Emptied, it leads back to the folder.
+class SearchField final : public QWidget {
+    Q_OBJECT
+
+public:
+    /// Both must outlive it.
+    SearchField(BrowserTabsModel& tabs, const Theme& theme, QWidget* parent = nullptr);
+
+    [[nodiscard]] QLineEdit& field() const noexcept { return *field_; }
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+Q_SIGNALS:
+    /// The keyboard goes back to the files.
+    void finished();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void followPane();
+    void follow();
+    void refreshAbility();
+    void arrange();
+    void takeText(const QString& text);
+    void search();
+    void clear();
+    void focus();
+    [[nodiscard]] BrowserModel& pane() const;
+
+    BrowserTabsModel* tabs_;
+    const Theme* theme_;
+    QLineEdit* field_;
+    GlyphButton* clear_;
+    QTimer rest_;                  ///< since the last key
+    QObject* following_ = nullptr; ///< goes when another tab is active
+};
+
+} // namespace ombrel
