@@ -111,7 +111,7 @@ FolderList::FolderList(const Theme& theme, const FileURL& folder, const std::opt
     setAttribute(Qt::WA_DeleteOnClose);
     // A click on the button that opened it only closes it.
     setAttribute(Qt::WA_NoMouseReplay);
-    setFrameStyle(QFrame::NoFrame);
+    setFrameStyle(QFrame::StyledPanel | QFrame::Plain);
     QPalette colors = palette();
     colors.setColor(QPalette::Window, theme.color(ThemeColor::menu));
     colors.setColor(QPalette::Base, theme.color(ThemeColor::menu));

@@ -159,6 +159,8 @@ void TabStrip::startMotion() {
         shown.shareFrom = shown.share;
     const int duration = isVisible() ? theme_->duration(ThemeDuration::tab) : 0;
     if (duration == 0) return takeShares(1);
+    // What is shown from now on has its place before the first step.
+    takeShares(0);
     motion_.setDuration(duration);
     motion_.start();
 }

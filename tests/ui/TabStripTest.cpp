@@ -180,6 +180,21 @@ TEST_F(Strip, OffersWhatCanBeDoneWithATab) {
     EXPECT_EQ(order(), "[A]");
 }
 
+TEST_F(Strip, IsWholeWhileTabsComeAndGo) {
+    const Theme moving{Appearance{}};
+    TabStrip other(tabs, moving, settings);
+    other.resize(900, other.sizeHint().height());
+    other.show();
+    tabs.addTab(folder("B"), activate);
+    EXPECT_EQ(other.tabRect(1).width(), 0);
+    static_cast<void>(other.grab());
+    EXPECT_TRUE(runUntil([&] { return other.tabRect(1).width() == 216; }));
+    tabs.closeTab(0);
+    EXPECT_EQ(other.tabAt(other.tabRect(0).center()), 0U);
+    static_cast<void>(other.grab());
+    EXPECT_TRUE(runUntil([&] { return other.tabRect(0).left() == 8; }));
+}
+
 class DragOverStrip : public Strip {
 protected:
     DragOverStrip() { data.setUrls({QUrl::fromLocalFile(QString::fromStdString(folder("A").path()))}); }
