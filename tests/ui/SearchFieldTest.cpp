@@ -25,9 +25,8 @@ protected:
     SearchInAWindow() : box(*window.findChild<SearchField*>()), field(box.field()) {
         tree.file("Projects/Reports/two weeks.txt");
         window.activateWindow();
-        runUntil([this] {
-            return window.isActiveWindow() && window.model().listingState() == ListingState::Case::loaded;
-        });
+        runUntil([this] { return window.isActiveWindow(); });
+        open(tree.url("Projects"));
     }
     void type(const QString& text) {
         press(Qt::Key_F, Qt::ControlModifier);
