@@ -26,7 +26,8 @@ QString detailOf(const ChoiceText& text) {
 } // namespace
 
 ConflictPrompt::ConflictPrompt(const Theme& theme, std::shared_ptr<OperationPrompt> prompt,
-                               std::shared_ptr<OperationJob> job, DecideEach decideEach, QWidget* parent)
+                               std::shared_ptr<OperationJob> job, DecideEach decideEach,
+                               ThumbnailStore* thumbnails, QWidget* parent)
     : PromptView(parent), theme_(&theme), prompt_(std::move(prompt)), job_(std::move(job)),
       cards_(new ChoiceCards(theme, this)) {
     const auto& question = std::get<OperationPrompt::Conflict>(prompt_->kind());
@@ -37,7 +38,7 @@ ConflictPrompt::ConflictPrompt(const Theme& theme, std::shared_ptr<OperationProm
     if (prompt_->isBatch())
         layOutBatch(decideEach);
     else
-        layOutSingle();
+        layOutSingle(thumbnails);
 }
 
 const ConflictContext& ConflictPrompt::context() const {
@@ -62,8 +63,8 @@ void ConflictPrompt::layOutBatch(const DecideEach& decideEach) {
     layout()->addWidget(cards_);
 }
 
-void ConflictPrompt::layOutSingle() {
-    auto* const sides = new ConflictSides(*theme_, context(), this);
+void ConflictPrompt::layOutSingle(ThumbnailStore* thumbnails) {
+    auto* const sides = new ConflictSides(*theme_, context(), thumbnails, this);
     layout()->addWidget(sides);
     const ChoiceText replace = replaceOneText(context()), skip = skipOneText(),
                      both = keepBothText(context());

@@ -12,6 +12,7 @@ class ChoiceCards;
 class OperationJob;
 class OperationPrompt;
 class Theme;
+class ThumbnailStore;
 
 /// The question about names that are taken: one for all of them, or one for one with both items to compare.
 class ConflictPrompt final : public PromptView {
@@ -21,9 +22,10 @@ public:
     /// Puts the conflicts one by one.
     using DecideEach = std::function<void()>;
 
-    /// `theme` must outlive it; `prompt` is a conflict of `job`.
+    /// `theme` and, where given, `thumbnails` must outlive it; `prompt` is a conflict of `job`.
     ConflictPrompt(const Theme& theme, std::shared_ptr<OperationPrompt> prompt,
-                   std::shared_ptr<OperationJob> job, DecideEach decideEach, QWidget* parent = nullptr);
+                   std::shared_ptr<OperationJob> job, DecideEach decideEach, ThumbnailStore* thumbnails,
+                   QWidget* parent = nullptr);
 
     [[nodiscard]] QString title() const override { return title_; }
     [[nodiscard]] QString message() const override;
@@ -31,7 +33,7 @@ public:
 
 private:
     void layOutBatch(const DecideEach& decideEach);
-    void layOutSingle();
+    void layOutSingle(ThumbnailStore* thumbnails);
     void answer(ConflictChoice choice, bool applyToAll);
     [[nodiscard]] const ConflictContext& context() const;
 

@@ -36,7 +36,8 @@ public:
         bool isLarger = false;
     };
 
-    Side(const Theme& theme, const Content& content, QWidget* parent) : QWidget(parent), theme_(&theme) {
+    Side(const Theme& theme, const Content& content, ThumbnailStore* thumbnails, QWidget* parent)
+        : QWidget(parent), theme_(&theme) {
         setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
         auto* const column = new QVBoxLayout(this);
         const int inset = theme.size(ThemeSize::space12);
@@ -45,7 +46,7 @@ public:
         auto* const heading = new TextLabel(theme, ThemeFont::bodyStrong, ThemeColor::text, this);
         heading->setText(content.heading);
         column->addWidget(heading);
-        auto* const picture = new ItemPicture(theme, content.url, content.isDirectory, this);
+        auto* const picture = new ItemPicture(theme, content.url, content.isDirectory, thumbnails, this);
         picture->setFixedHeight(theme.size(ThemeSize::conflictPictureHeight));
         picture->setMaximumWidth(theme.size(ThemeSize::conflictPictureWidth));
         column->addWidget(picture);
@@ -91,7 +92,8 @@ private:
 
 } // namespace
 
-ConflictSides::ConflictSides(const Theme& theme, const ConflictContext& context, QWidget* parent)
+ConflictSides::ConflictSides(const Theme& theme, const ConflictContext& context, ThumbnailStore* thumbnails,
+                             QWidget* parent)
     : QWidget(parent), theme_(&theme), row_(new QBoxLayout(QBoxLayout::LeftToRight, this)) {
     row_->setContentsMargins({});
     row_->setSpacing(theme.size(ThemeSize::space12));
@@ -100,11 +102,11 @@ ConflictSides::ConflictSides(const Theme& theme, const ConflictContext& context,
     row_->addWidget(new Side(theme,
                              {localized(newItemText()), context.source, context.sourceIsDirectory,
                               context.sourceFacts, isNewer == true, isLarger == true},
-                             this));
+                             thumbnails, this));
     row_->addWidget(new Side(theme,
                              {localized(existingItemText()), context.existing, context.existingIsDirectory,
                               context.existingFacts, isNewer == false, isLarger == false},
-                             this));
+                             thumbnails, this));
 }
 
 void ConflictSides::resizeEvent(QResizeEvent* event) {

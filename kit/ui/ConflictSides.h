@@ -11,6 +11,7 @@
 namespace ombrel {
 
 class Theme;
+class ThumbnailStore;
 
 /// Both items that want one name, beside one another to compare, or below one another where there is little
 /// room.
@@ -18,8 +19,9 @@ class ConflictSides final : public QWidget {
     Q_OBJECT
 
 public:
-    /// `theme` must outlive it.
-    ConflictSides(const Theme& theme, const ConflictContext& context, QWidget* parent = nullptr);
+    /// `theme` and, where given, `thumbnails` must outlive it.
+    ConflictSides(const Theme& theme, const ConflictContext& context, ThumbnailStore* thumbnails,
+                  QWidget* parent = nullptr);
 
     /// Whether the first of two values is the greater one; nothing when they are equal or one is not known.
     template <typename Value>

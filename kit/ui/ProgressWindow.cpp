@@ -90,7 +90,7 @@ PromptView* ProgressWindow::makeView(const std::shared_ptr<OperationPrompt>& pro
             const auto owner = of.lock();
             if (question && owner) center->decideEach(*question, *owner);
         };
-        return new ConflictPrompt(setting_.theme, prompt, job, decideEach);
+        return new ConflictPrompt(setting_.theme, prompt, job, decideEach, setting_.thumbnails);
     }
     ErrorPrompt::DeletePermanently deletePermanently;
     if (setting_.deletePermanently)

@@ -17,6 +17,7 @@ class OperationCenter;
 class ProgressFrame;
 class PromptView;
 class Theme;
+class ThumbnailStore;
 
 /// Shows all jobs of all windows in one window of its own: their progress, their questions, and what they
 /// left. Closing that window only hides it.
@@ -28,6 +29,7 @@ public:
         const Theme& theme;                     ///< must outlive the window
         OperationCenter& center;                ///< likewise
         JobHeading::OpenFolder openFolder = {}; ///< in a new tab
+        ThumbnailStore* thumbnails = nullptr;   ///< if given, must outlive the window
         /// Deletes what cannot go to the trash; the user has been asked.
         std::function<void(const FileURL&)> deletePermanently = {};
     };
