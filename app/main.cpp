@@ -11,7 +11,9 @@
 #include "services/SettingsFollower.h"
 #include "ui/BrowserWindow.h"
 #include "ui/DesktopAppearance.h"
+#include "ui/FolderPickerDialog.h"
 #include "ui/OmbrelStyle.h"
+#include "ui/OnboardingDialog.h"
 #include "ui/SystemPasteboard.h"
 #include "ui/Theme.h"
 
@@ -94,7 +96,9 @@ int runApplication(QApplication& application, const Arguments& arguments) {
                      [&theme] { QApplication::setPalette(theme.palette()); });
     DesktopAppearance desktop(theme);
     SystemPasteboard pasteboard;
+    FolderPickerDialog folderPicker([] { return QApplication::activeWindow(); });
     const auto services = makeServices(std::move(settings), pasteboard);
+    services->access().setFolderPicker(&folderPicker);
     std::optional<Windows> windows(std::in_place, theme, *services);
     const Lifetime lifetime(theme, *services,
                             [&windows](const FileURL& folder) { windows->open(std::optional(folder)); });
@@ -114,8 +118,18 @@ int runApplication(QApplication& application, const Arguments& arguments) {
                          [&follower](Qt::ApplicationState state) {
                              if (state == Qt::ApplicationActive) follower.refresh();
                          });
-        windows->open(arguments.folders.empty() ? std::vector{PathInput::userHomeDirectory()}
-                                                : arguments.folders);
+        const auto openWindows = [&windows, &arguments] {
+            windows->open(arguments.folders.empty() ? std::vector{PathInput::userHomeDirectory()}
+                                                    : arguments.folders);
+        };
+        // Who asks for a folder is not kept from it.
+        if (arguments.folders.empty() && !services->settings().didCompleteOnboarding()) {
+            auto* const onboarding = new OnboardingDialog(theme, *services);
+            QObject::connect(onboarding, &QDialog::finished, &application, openWindows);
+            onboarding->show();
+        } else {
+            openWindows();
+        }
     }
     const int status = QApplication::exec();
     follower.stop();
@@ -153,5 +167,6 @@ int main(int argumentCount, char** argumentValues) {
     QApplication application(applicationArguments, argumentValues);
     QApplication::setApplicationName(QStringLiteral("ombrel"));
     QApplication::setApplicationDisplayName(QString());
+    QApplication::setApplicationVersion(QStringLiteral(OMBREL_VERSION));
     return runApplication(application, *arguments);
 }

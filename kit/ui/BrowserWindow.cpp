@@ -22,6 +22,7 @@
 #include "ui/WindowActions.h"
 #include "ui/WindowKeys.h"
 #include "ui/WindowPlaces.h"
+#include "ui/WindowPrompter.h"
 
 #include <QCloseEvent>
 #include <QEvent>
@@ -41,6 +42,7 @@ BrowserWindow::BrowserWindow(const Setting& setting)
                         .activePane = [this]() -> BrowserModel& { return tabs_.activeTab(); },
                         .performTabCommand = [this](TabCommand command) { tabs_.perform(command); }}),
       actions_(new WindowActions(*this, tabs_, commands_, setting.services)),
+      prompter_(new WindowPrompter(*theme_, *this, this)),
       tabStrip_(new TabStrip(tabs_, *theme_, setting.services.settings(), this)),
       navigationRow_(new NavigationRow(tabs_, setting.services, *theme_, setting.home,
                                        {.back = actions_->of(FileCommand::goBack),
@@ -152,6 +154,7 @@ void BrowserWindow::followTabs() {
 
 void BrowserWindow::addPaneArea(std::size_t index) {
     BrowserModel& pane = tabs_.tab(index);
+    pane.setPrompter(prompter_);
     auto* const area = new PaneArea(pane, *theme_, keys_,
                                     {.settings = &services_->settings(),
                                      .clipboard = &services_->clipboard(),

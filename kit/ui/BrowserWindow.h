@@ -27,6 +27,7 @@ class TabStrip;
 class Theme;
 class WindowActions;
 class WindowPlaces;
+class WindowPrompter;
 
 /// One window: it makes the models of its tabs and the widgets that show them, and connects them. What stands
 /// around the file view follows the active tab. Deletes itself when closed.
@@ -97,6 +98,7 @@ private:
     OpenActions opening_;
     KeyRouter keys_;
     WindowActions* actions_;
+    WindowPrompter* prompter_;
     TabStrip* tabStrip_;
     NavigationRow* navigationRow_;
     WindowPlaces* places_;

@@ -79,6 +79,8 @@ OnboardingDialog::OnboardingDialog(const Theme& theme, AppServices& services, QW
       counter_(new TextLabel(theme, ThemeFont::body, ThemeColor::textSecondary, this)),
       back_(new QPushButton(localized("ui.onboarding.back"), this)), next_(new QPushButton(this)) {
     setAttribute(Qt::WA_DeleteOnClose);
+    // What ends with it goes on with the first window.
+    setAttribute(Qt::WA_QuitOnClose, false);
     setWindowTitle(localized("ui.onboarding.title"));
     setMinimumSize(theme.size(ThemeSize::settingsMinimumWidth), theme.size(ThemeSize::settingsMinimumHeight));
     resize(theme.size(ThemeSize::onboardingWidth), theme.size(ThemeSize::onboardingHeight));
