@@ -371,6 +371,11 @@
     <message id="ui.address.reading"><source></source><translation>Reading folders…</translation></message>
     <message id="ui.address.recent"><source></source><translation>Recent addresses</translation></message>
     <message id="ui.address.suggestions"><source></source><translation>Suggestions</translation></message>
+    <message id="ui.bar.details"><source></source><translation>Details</translation></message>
+    <message id="ui.bar.more"><source></source><translation>More</translation></message>
+    <message id="ui.bar.new"><source></source><translation>New</translation></message>
+    <message id="ui.bar.sort"><source></source><translation>Sort</translation></message>
+    <message id="ui.bar.view"><source></source><translation>View</translation></message>
     <message id="ui.column.dateModified"><source></source><translation>Date modified</translation></message>
     <message id="ui.column.folder"><source></source><translation>Folder</translation></message>
     <message id="ui.column.name"><source></source><translation>Name</translation></message>
@@ -404,6 +409,7 @@
     <message id="ui.command.openInNewTab"><source></source><translation>Open in new tab</translation></message>
     <message id="ui.command.openInNewWindow"><source></source><translation>Open in new window</translation></message>
     <message id="ui.command.openInTerminal"><source></source><translation>Open in terminal</translation></message>
+    <message id="ui.command.openWith"><source></source><translation>Open with</translation></message>
     <message id="ui.command.paste"><source></source><translation>Paste</translation></message>
     <message id="ui.command.pin"><source></source><translation>Pin to quick access</translation></message>
     <message id="ui.command.quickLook"><source></source><translation>Quick look</translation></message>
@@ -455,6 +461,11 @@
     <message id="ui.location.needsPermission"><source></source><translation>Needs permission</translation></message>
     <message id="ui.location.remove"><source></source><translation>Remove location</translation></message>
     <message id="ui.location.unavailable"><source></source><translation>Not available</translation></message>
+    <message id="ui.menu.sortBy"><source></source><translation>Sort by</translation></message>
+    <message id="ui.more.about"><source></source><translation>About Ombrel</translation></message>
+    <message id="ui.more.folderOptions"><source></source><translation>Folder options…</translation></message>
+    <message id="ui.more.settings"><source></source><translation>Settings…</translation></message>
+    <message id="ui.new.folder"><source></source><translation>Folder</translation></message>
     <message id="ui.new.textDocument"><source></source><translation>Text document</translation></message>
     <message id="ui.onboarding.back"><source></source><translation>Back</translation></message>
     <message id="ui.onboarding.folders.caption"><source></source><translation>They are pinned to quick access. You can change this at any time.</translation></message>
@@ -528,13 +539,19 @@
     <message id="ui.settings.nextStart"><source></source><translation>Takes effect when you start Ombrel again.</translation></message>
     <message id="ui.settings.title"><source></source><translation>Settings</translation></message>
     <message id="ui.settings.updates"><source></source><translation>Updates</translation></message>
+    <message id="ui.sort.ascending"><source></source><translation>Ascending</translation></message>
+    <message id="ui.sort.descending"><source></source><translation>Descending</translation></message>
+    <message id="ui.sort.foldersFirst"><source></source><translation>Folders first</translation></message>
     <message id="ui.status.failed"><source></source><translation>Can’t show this folder</translation></message>
     <message id="ui.status.items" numerus="yes"><source></source><translation><numerusform>{n} item</numerusform><numerusform>{n} items</numerusform></translation></message>
+    <message id="ui.status.jobs" numerus="yes"><source></source><translation><numerusform>{n} job, {1}%</numerusform><numerusform>{n} jobs, {1}%</numerusform></translation></message>
     <message id="ui.status.jumpTo"><source></source><translation>Jump to: {1}</translation></message>
     <message id="ui.status.loading" numerus="yes"><source></source><translation><numerusform>Loading, {n} item so far</numerusform><numerusform>Loading, {n} items so far</numerusform></translation></message>
     <message id="ui.status.selected" numerus="yes"><source></source><translation><numerusform>{n} item selected</numerusform><numerusform>{n} items selected</numerusform></translation></message>
     <message id="ui.status.selectedWithSize" numerus="yes"><source></source><translation><numerusform>{n} item selected, {1}</numerusform><numerusform>{n} items selected, {1}</numerusform></translation></message>
+    <message id="ui.status.showJobs"><source></source><translation>Show the running jobs</translation></message>
     <message id="ui.status.unreadable" numerus="yes"><source></source><translation><numerusform>{n} item could not be read</numerusform><numerusform>{n} items could not be read</numerusform></translation></message>
+    <message id="ui.status.waitingForAnswer"><source></source><translation>Waiting for your answer</translation></message>
     <message id="ui.tabs.closeOthers"><source></source><translation>Close other tabs</translation></message>
     <message id="ui.tabs.closeToTheRight"><source></source><translation>Close tabs to the right</translation></message>
     <message id="ui.tabs.duplicate"><source></source><translation>Duplicate tab</translation></message>
@@ -544,6 +561,10 @@
     <message id="ui.tooltip.upTo"><source></source><translation>Up to “{1}”</translation></message>
     <message id="ui.tooltip.withShortcut"><source></source><translation>{1} ({2})</translation></message>
     <message id="ui.tree.loading"><source></source><translation>Loading…</translation></message>
+    <message id="ui.view.compactRows"><source></source><translation>Compact rows</translation></message>
+    <message id="ui.view.hiddenItems"><source></source><translation>Hidden items</translation></message>
+    <message id="ui.view.itemCheckBoxes"><source></source><translation>Item check boxes</translation></message>
+    <message id="ui.view.statusBar"><source></source><translation>Status bar</translation></message>
     <message id="ui.volume.eject"><source></source><translation>Eject</translation></message>
     <message id="ui.volume.ejecting"><source></source><translation>Ejecting…</translation></message>
     <message id="ui.volume.free"><source></source><translation>{1} free of {2}</translation></message>

@@ -6,10 +6,16 @@
 #include "browser/ThumbnailStore.h"
 #include "services/AppServices.h"
 #include "ui/AddressBar.h"
+#include "ui/CommandBar.h"
+#include "ui/ContextMenu.h"
 #include "ui/FileView.h"
+#include "ui/FocusCycle.h"
 #include "ui/FocusRing.h"
-#include "ui/LocationLook.h"
 #include "ui/HomeView.h"
+#include "ui/JobChip.h"
+#include "ui/LocalizedText.h"
+#include "ui/LocationLook.h"
+#include "ui/MenuTrigger.h"
 #include "ui/NavigationRow.h"
 #include "ui/NavigationTree.h"
 #include "ui/Overlay.h"
@@ -21,11 +27,14 @@
 #include "ui/Theme.h"
 #include "ui/WindowActions.h"
 #include "ui/WindowKeys.h"
+#include "ui/WindowMenus.h"
 #include "ui/WindowPlaces.h"
 #include "ui/WindowPrompter.h"
 
 #include <QCloseEvent>
 #include <QEvent>
+#include <QKeyEvent>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QStackedWidget>
 #include <QVBoxLayout>
@@ -41,7 +50,13 @@ BrowserWindow::BrowserWindow(const Setting& setting)
       keys_(commands_, {.preset = [this] { return services_->settings().keyPreset(); },
                         .activePane = [this]() -> BrowserModel& { return tabs_.activeTab(); },
                         .performTabCommand = [this](TabCommand command) { tabs_.perform(command); }}),
-      actions_(new WindowActions(*this, tabs_, commands_, setting.services)),
+      actions_(new WindowActions(*this, *theme_, tabs_, commands_, setting.services)),
+      menus_(new WindowMenus(*this, *theme_, setting.services, tabs_, *actions_)),
+      contextMenu_(new ContextMenu(*this, {.theme = *theme_,
+                                           .services = setting.services,
+                                           .commands = commands_,
+                                           .actions = *actions_,
+                                           .menus = *menus_})),
       prompter_(new WindowPrompter(*theme_, *this, this)),
       tabStrip_(new TabStrip(tabs_, *theme_, setting.services.settings(), this)),
       navigationRow_(new NavigationRow(tabs_, setting.services, *theme_, setting.home,
@@ -51,11 +66,14 @@ BrowserWindow::BrowserWindow(const Setting& setting)
                                         .refresh = actions_->of(FileCommand::refresh)},
                                        this)),
       places_(new WindowPlaces(*this, tabs_, setting.services, *theme_, setting.home)),
-      panes_(new QStackedWidget), splitter_(new PaneSplitter(*theme_, panes_, this)),
-      statusBar_(new StatusBar(*theme_, this)) {
+      commandBar_(new CommandBar(*theme_, *actions_, *menus_, this)), panes_(new QStackedWidget),
+      splitter_(new PaneSplitter(*theme_, panes_, this)), statusBar_(new StatusBar(*theme_, this)),
+      jobChip_(new JobChip(setting.services.center(), *theme_, statusBar_)) {
     setAttribute(Qt::WA_DeleteOnClose);
     setMinimumSize(theme_->size(ThemeSize::windowMinimumWidth), theme_->size(ThemeSize::windowMinimumHeight));
     layOut();
+    statusBar_->take(jobChip_);
+    connect(jobChip_, &QAbstractButton::clicked, this, &BrowserWindow::showJobs);
     new FocusRing(this);
     new WindowKeys(*this, keys_);
     bindCommands();
@@ -81,6 +99,7 @@ void BrowserWindow::layOut() {
     column->setSpacing(0);
     column->addWidget(tabStrip_);
     column->addWidget(navigationRow_);
+    column->addWidget(commandBar_);
     column->addWidget(splitter_, 1);
     splitter_->put(PaneSplitter::Side::tree, places_->makeTree());
     column->addWidget(statusBar_);
@@ -89,6 +108,7 @@ void BrowserWindow::layOut() {
 void BrowserWindow::applySettings() {
     const AppSettings& settings = services_->settings();
     statusBar_->setVisible(settings.showStatusBar());
+    placeJobChip();
     // There is nothing at home that it could say more about.
     splitter_->setWanted(PaneSplitter::Side::details,
                          settings.showsDetailsPane() && model().currentURL().has_value());
@@ -128,6 +148,41 @@ void BrowserWindow::bindCommands() {
     connect(&services_->settings(), &AppSettings::changed, this, &BrowserWindow::applySettings);
 }
 
+void BrowserWindow::watchMenuOf(FileView& view) {
+    if (view.findChild<MenuTrigger*>(QString(), Qt::FindDirectChildrenOnly)) return;
+    connect(new MenuTrigger(view), &MenuTrigger::requested, this, &BrowserWindow::showContextMenu);
+}
+
+void BrowserWindow::showContextMenu(QPoint globalPosition) {
+    auto* const menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    contextMenu_->fill(*menu, model());
+    menu->popup(globalPosition);
+}
+
+// ---- Jobs
+
+void BrowserWindow::placeJobChip() {
+    const bool isInStatusBar = services_->settings().showStatusBar();
+    if (isInStatusBar == (jobChip_->parentWidget() == statusBar_)) return;
+    const bool wasShown = !jobChip_->isHidden();
+    if (isInStatusBar) {
+        commandBar_->setTail(nullptr);
+        statusBar_->take(jobChip_);
+    } else {
+        jobChip_->setParent(commandBar_);
+        commandBar_->setTail(jobChip_);
+    }
+    jobChip_->setVisible(wasShown);
+}
+
+void BrowserWindow::showJobs() {
+    auto* const presenter = services_->progressWindow();
+    if (!presenter) return;
+    for (const auto& job : services_->center().jobs())
+        presenter->presentJob(job);
+}
+
 // ---- Tabs
 
 void BrowserWindow::followTabs() {
@@ -163,7 +218,9 @@ void BrowserWindow::addPaneArea(std::size_t index) {
     area->setHomePage(places_->makeHomeView());
     connect(area, &PaneArea::openRequested, this,
             [this, &pane](std::size_t row) { opening_.openRow(pane, row); });
+    watchMenuOf(area->view());
     connect(area, &PaneArea::viewChanged, this, [this, area] {
+        watchMenuOf(area->view());
         if (area == panes_->currentWidget()) statusBar_->follow(area->model(), area->view());
     });
     panes_->addWidget(area);
@@ -212,6 +269,25 @@ bool BrowserWindow::event(QEvent* event) {
         places_->folders().refresh();
     }
     return QWidget::event(event);
+}
+
+std::vector<QWidget*> BrowserWindow::focusStops() const {
+    std::vector<QWidget*> stops = {tabStrip_, navigationRow_, commandBar_};
+    for (int i = 0; i < splitter_->count(); ++i)
+        stops.push_back(splitter_->widget(i) == panes_ ? &paneArea() : splitter_->widget(i));
+    stops.push_back(statusBar_);
+    return stops;
+}
+
+void BrowserWindow::keyPressEvent(QKeyEvent* event) {
+    const bool isPlain = event->modifiers() == Qt::NoModifier;
+    if (event->key() == Qt::Key_F6 && (isPlain || event->modifiers() == Qt::ShiftModifier))
+        return FocusCycle::advance(focusStops(), isPlain ? FocusCycle::Direction::forward
+                                                         : FocusCycle::Direction::backward);
+    if (event->key() == Qt::Key_F10 && isPlain) return commandBar_->focusFirst();
+    // A control beside the file view has had no use for it.
+    if (event->key() == Qt::Key_Escape && isPlain) return paneArea().focusContent();
+    QWidget::keyPressEvent(event);
 }
 
 void BrowserWindow::closeEvent(QCloseEvent* event) {

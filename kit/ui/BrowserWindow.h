@@ -11,13 +11,17 @@
 #include <QWidget>
 
 #include <optional>
+#include <vector>
 
 class QStackedWidget;
 
 namespace ombrel {
 
 class AppServices;
+class CommandBar;
+class ContextMenu;
 class FileView;
+class JobChip;
 class NavigationRow;
 class Overlay;
 class PaneArea;
@@ -28,6 +32,7 @@ class Theme;
 class WindowActions;
 class WindowPlaces;
 class WindowPrompter;
+class WindowMenus;
 
 /// One window: it makes the models of its tabs and the widgets that show them, and connects them. What stands
 /// around the file view follows the active tab. Deletes itself when closed.
@@ -56,6 +61,8 @@ public:
     [[nodiscard]] FileActions& files() noexcept { return files_; }
     [[nodiscard]] OpenActions& opening() noexcept { return opening_; }
     [[nodiscard]] WindowActions& actions() noexcept { return *actions_; }
+    [[nodiscard]] WindowMenus& menus() noexcept { return *menus_; }
+    [[nodiscard]] ContextMenu& contextMenu() noexcept { return *contextMenu_; }
     /// Of the active tab.
     [[nodiscard]] PaneArea& paneArea() const;
     [[nodiscard]] FileView& view() const;
@@ -76,6 +83,7 @@ Q_SIGNALS:
     void closing();
 
 protected:
+    void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
@@ -89,6 +97,12 @@ private:
     void showActiveTab();
     void refreshTitle();
     void applySettings();
+    void watchMenuOf(FileView& view);
+    void showContextMenu(QPoint globalPosition);
+    void placeJobChip();
+    void showJobs();
+    /// Where F6 leads, in turn.
+    [[nodiscard]] std::vector<QWidget*> focusStops() const;
 
     const Theme* theme_;
     AppServices* services_;
@@ -98,13 +112,17 @@ private:
     OpenActions opening_;
     KeyRouter keys_;
     WindowActions* actions_;
+    WindowMenus* menus_;
+    ContextMenu* contextMenu_;
     WindowPrompter* prompter_;
     TabStrip* tabStrip_;
     NavigationRow* navigationRow_;
     WindowPlaces* places_;
+    CommandBar* commandBar_;
     QStackedWidget* panes_; ///< one for each tab
     PaneSplitter* splitter_;
     StatusBar* statusBar_;
+    JobChip* jobChip_;
 };
 
 } // namespace ombrel

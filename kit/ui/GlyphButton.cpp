@@ -52,10 +52,11 @@ QSize GlyphButton::sizeHint() const {
 void GlyphButton::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    if (!isBare_ && isEnabled() && (isDown() || underMouse())) {
+    const bool isOn = isDown() || isChecked();
+    if (!isBare_ && (isOn || (isEnabled() && underMouse()))) {
         const int radius = theme_->size(ThemeSize::radiusButton);
         painter.setPen(Qt::NoPen);
-        painter.setBrush(theme_->color(isDown() ? ThemeColor::pressed : ThemeColor::hover));
+        painter.setBrush(theme_->color(isOn ? ThemeColor::pressed : ThemeColor::hover));
         painter.drawRoundedRect(rect(), radius, radius);
     }
     const int side = theme_->size(ThemeSize::glyph);

@@ -98,6 +98,83 @@ constexpr PathStep syncSteps[] = {
     to(13.3, 6.5), arc(2.5, 2.5, 11, 16, 150),  to(2.6, 2.5),   line(2.6, 5.9),   line(6, 5.9),
     to(2.7, 9.5),  arc(2.5, 2.5, 11, 196, 150), to(13.4, 13.5), line(13.4, 10.1), line(10, 10.1)};
 
+constexpr PathStep newItemSteps[] = {circle(8, 8, 6), to(8, 5.25), line(8, 10.75), to(5.25, 8),
+                                     line(10.75, 8)};
+constexpr PathStep cutSteps[] = {circle(4.5, 12, 1.9), circle(11.5, 12, 1.9), to(5.6, 10.4),
+                                 line(11.25, 2.5),     to(10.4, 10.4),        line(4.75, 2.5)};
+constexpr PathStep copySteps[] = {to(6, 5.5),     line(13.5, 5.5), line(13.5, 14),  line(5.5, 14),
+                                  line(5.5, 5.5), line(6, 5.5),    to(10.5, 5.25),  line(10.5, 2),
+                                  line(2.5, 2),   line(2.5, 10.5), line(5.25, 10.5)};
+constexpr PathStep pasteSteps[] = {to(5.5, 3),        line(3.25, 3),    line(3.25, 14),   line(12.75, 14),
+                                   line(12.75, 3),    line(10.5, 3),    to(5.75, 1.75),   line(10.25, 1.75),
+                                   line(10.25, 4.25), line(5.75, 4.25), line(5.75, 1.75), to(5.75, 7.5),
+                                   line(10.25, 7.5),  to(5.75, 10.5),   line(10.25, 10.5)};
+constexpr PathStep renameSteps[] = {to(7, 4.5),     line(1.75, 4.5),  line(1.75, 11.5),  line(7, 11.5),
+                                    to(11.5, 4.5),  line(14.25, 4.5), line(14.25, 11.5), line(11.5, 11.5),
+                                    to(9.25, 2.5),  line(9.25, 13.5), to(7.75, 2.5),     line(10.75, 2.5),
+                                    to(7.75, 13.5), line(10.75, 13.5)};
+constexpr PathStep trashSteps[] = {to(2.5, 4),      line(13.5, 4),    to(6, 3.75), line(6, 2),
+                                   line(10, 2),     line(10, 3.75),   to(4, 4.25), line(4.75, 14),
+                                   line(11.25, 14), line(12, 4.25),   to(6.75, 7), line(6.75, 11.25),
+                                   to(9.25, 7),     line(9.25, 11.25)};
+constexpr PathStep sortSteps[] = {to(4, 3),          line(4, 13), to(1.75, 10.75), line(4, 13),
+                                  line(6.25, 10.75), to(8, 4),    line(14.25, 4),  to(8, 8),
+                                  line(12.5, 8),     to(8, 12),   line(10.5, 12)};
+constexpr PathStep linesSteps[] = {to(2.5, 4),    line(13.5, 4), to(2.5, 8),
+                                   line(13.5, 8), to(2.5, 12),   line(13.5, 12)};
+constexpr PathStep gridSteps[] = {to(2.5, 2.5),    line(6.5, 2.5),   line(6.5, 6.5),  line(2.5, 6.5),
+                                  line(2.5, 2.5),  to(9.5, 2.5),     line(13.5, 2.5), line(13.5, 6.5),
+                                  line(9.5, 6.5),  line(9.5, 2.5),   to(2.5, 9.5),    line(6.5, 9.5),
+                                  line(6.5, 13.5), line(2.5, 13.5),  line(2.5, 9.5),  to(9.5, 9.5),
+                                  line(13.5, 9.5), line(13.5, 13.5), line(9.5, 13.5), line(9.5, 9.5)};
+constexpr PathStep moreSteps[] = {circle(3, 8, 0.3), circle(8, 8, 0.3), circle(13, 8, 0.3)};
+constexpr PathStep detailsPaneSteps[] = {to(2, 3),   line(14, 3), line(14, 13), line(2, 13),
+                                         line(2, 3), to(10, 3),   line(10, 13)};
+constexpr PathStep openItemSteps[] = {to(9.5, 2.5),   line(13.5, 2.5), line(13.5, 6.5),  to(13.5, 2.5),
+                                      line(7.5, 8.5), to(11.5, 9.5),   line(11.5, 13.5), line(2.5, 13.5),
+                                      line(2.5, 4.5), line(6.5, 4.5)};
+constexpr PathStep chainSteps[] = {to(7.25, 4.75),    line(9, 3),       line(11, 3), line(13, 5), line(13, 7),
+                                   line(11.25, 8.75), to(8.75, 11.25),  line(7, 13), line(5, 13), line(3, 11),
+                                   line(3, 9),        line(4.75, 7.25), to(6, 10),   line(10, 6)};
+constexpr PathStep zipSteps[] = {to(3.5, 2),          line(9.5, 2),     line(12.5, 5), line(12.5, 14),
+                                 line(3.5, 14),       line(3.5, 2),     to(7.25, 4.5), line(8.75, 4.5),
+                                 to(7.25, 6.75),      line(8.75, 6.75), to(7.25, 9),   line(8.75, 9),
+                                 circle(8, 11.4, 0.9)};
+constexpr PathStep extractSteps[] = {to(2.5, 9.5),    line(2.5, 13.5), line(13.5, 13.5),
+                                     line(13.5, 9.5), to(8, 10.5),     line(8, 2.5),
+                                     to(5, 5.5),      line(8, 2.5),    line(11, 5.5)};
+constexpr PathStep folderPlusSteps[] = {to(1.75, 13),      line(1.75, 3.5), line(6, 3.5),   line(7.75, 5.25),
+                                        line(14.25, 5.25), line(14.25, 13), line(1.75, 13), to(6, 9.25),
+                                        line(10, 9.25),    to(8, 7.25),     line(8, 11.25)};
+constexpr PathStep folderUpSteps[] = {to(1.75, 13),      line(1.75, 3.5), line(6, 3.5),   line(7.75, 5.25),
+                                      line(14.25, 5.25), line(14.25, 13), line(1.75, 13), to(8, 11.25),
+                                      line(8, 7.25),     to(6.25, 9),     line(8, 7.25),  line(9.75, 9)};
+constexpr PathStep screenSteps[] = {to(1.75, 3),       line(14.25, 3), line(14.25, 11),
+                                    line(1.75, 11),    line(1.75, 3),  to(5.5, 13.75),
+                                    line(10.5, 13.75), to(8, 11),      line(8, 13.75)};
+constexpr PathStep eyeSteps[] = {to(1.49, 8), arc(0.7, 4, 14.6, 153.1, -126.2),
+                                 arc(0.7, -2.6, 14.6, -26.9, -126.2), circle(8, 8, 2)};
+constexpr PathStep propertiesSteps[] = {to(2.5, 2.5),   line(13.5, 2.5), line(13.5, 13.5),  line(2.5, 13.5),
+                                        line(2.5, 2.5), to(5.25, 5.75),  line(10.75, 5.75), to(5.25, 8),
+                                        line(10.75, 8), to(5.25, 10.25), line(10.75, 10.25)};
+constexpr PathStep undoSteps[] = {to(3, 3), line(3, 6.5), line(6.5, 6.5), to(3.47, 6.4),
+                                  arc(3, 3.5, 10, 155, -250)};
+constexpr PathStep redoSteps[] = {to(13, 3), line(13, 6.5), line(9.5, 6.5), to(12.53, 6.4),
+                                  arc(3, 3.5, 10, 25, 250)};
+constexpr PathStep terminalSteps[] = {to(1.75, 3),     line(14.25, 3),    line(14.25, 13), line(1.75, 13),
+                                      line(1.75, 3),   to(4.5, 6),        line(6.75, 8),   line(4.5, 10),
+                                      to(8.25, 10.25), line(11.25, 10.25)};
+constexpr PathStep newWindowSteps[] = {to(2, 3),   line(14, 3), line(14, 13), line(2, 13),
+                                       line(2, 3), to(2, 6),    line(14, 6)};
+constexpr PathStep newTabSteps[] = {to(1.75, 13),   line(1.75, 5),   line(4, 5),
+                                    line(4, 2.75),  line(10, 2.75),  line(10, 5),
+                                    line(14.25, 5), line(14.25, 13), line(1.75, 13)};
+constexpr PathStep pinSteps[] = {to(5, 2.25),       line(11, 2.25),   line(10.25, 7),
+                                 line(12.25, 9.25), line(3.75, 9.25), line(5.75, 7),
+                                 line(5, 2.25),     to(8, 9.25),      line(8, 14)};
+constexpr PathStep selectAllSteps[] = {to(2.5, 2.5),   line(13.5, 2.5), line(13.5, 13.5),  line(2.5, 13.5),
+                                       line(2.5, 2.5), to(5.25, 8.25),  line(7.25, 10.25), line(11, 6)};
+
 std::span<const PathStep> stepsOf(Glyph glyph) {
     switch (glyph) {
     case Glyph::back: return backSteps;
@@ -131,6 +208,33 @@ std::span<const PathStep> stepsOf(Glyph glyph) {
     case Glyph::globe: return globeSteps;
     case Glyph::key: return keySteps;
     case Glyph::sync: return syncSteps;
+    case Glyph::newItem: return newItemSteps;
+    case Glyph::cut: return cutSteps;
+    case Glyph::copy: return copySteps;
+    case Glyph::paste: return pasteSteps;
+    case Glyph::rename: return renameSteps;
+    case Glyph::trash: return trashSteps;
+    case Glyph::sort: return sortSteps;
+    case Glyph::lines: return linesSteps;
+    case Glyph::grid: return gridSteps;
+    case Glyph::more: return moreSteps;
+    case Glyph::detailsPane: return detailsPaneSteps;
+    case Glyph::openItem: return openItemSteps;
+    case Glyph::chain: return chainSteps;
+    case Glyph::zip: return zipSteps;
+    case Glyph::extract: return extractSteps;
+    case Glyph::folderPlus: return folderPlusSteps;
+    case Glyph::folderUp: return folderUpSteps;
+    case Glyph::screen: return screenSteps;
+    case Glyph::eye: return eyeSteps;
+    case Glyph::properties: return propertiesSteps;
+    case Glyph::undo: return undoSteps;
+    case Glyph::redo: return redoSteps;
+    case Glyph::terminal: return terminalSteps;
+    case Glyph::newWindow: return newWindowSteps;
+    case Glyph::newTab: return newTabSteps;
+    case Glyph::pin: return pinSteps;
+    case Glyph::selectAll: return selectAllSteps;
     }
     std::unreachable();
 }

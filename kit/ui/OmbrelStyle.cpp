@@ -3,6 +3,8 @@
 #include "ui/Glyphs.h"
 #include "ui/Theme.h"
 
+#include <QAction>
+#include <QMenu>
 #include <QPainter>
 #include <QPen>
 #include <QPushButton>
@@ -17,6 +19,12 @@ namespace {
 /// A rectangle whose outline of one pixel lies wholly inside `rect`.
 QRectF hairlineInside(const QRectF& rect) {
     return rect.adjusted(0.5, 0.5, -0.5, -0.5);
+}
+
+bool isDangerous(const QWidget* widget, const QRect& row) {
+    const auto* const menu = qobject_cast<const QMenu*>(widget);
+    const QAction* const action = menu ? menu->actionAt(row.center()) : nullptr;
+    return action && action->property(OmbrelStyle::dangerProperty).toBool();
 }
 
 } // namespace
@@ -91,7 +99,7 @@ void OmbrelStyle::drawControl(ControlElement element, const QStyleOption* option
         break;
     case CE_MenuItem:
         if (const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option))
-            return drawMenuItem(*item, *painter);
+            return drawMenuItem(*item, *painter, widget);
         break;
     case CE_HeaderEmptyArea: {
         const int hairline = theme_->size(ThemeSize::hairline);
@@ -166,7 +174,8 @@ void OmbrelStyle::drawCheckBox(const QStyleOption& option, QPainter& painter) co
     painter.restore();
 }
 
-void OmbrelStyle::drawMenuItem(const QStyleOptionMenuItem& option, QPainter& painter) const {
+void OmbrelStyle::drawMenuItem(const QStyleOptionMenuItem& option, QPainter& painter,
+                               const QWidget* widget) const {
     const QRect row = option.rect;
     if (option.menuItemType == QStyleOptionMenuItem::Separator) {
         painter.fillRect(QRect(row.left(), row.center().y(), row.width(), theme_->size(ThemeSize::hairline)),
@@ -183,7 +192,8 @@ void OmbrelStyle::drawMenuItem(const QStyleOptionMenuItem& option, QPainter& pai
         const int radius = theme_->size(ThemeSize::radiusRow);
         painter.drawRoundedRect(row.adjusted(inset, 0, -inset, 0), radius, radius);
     }
-    const QColor ink = theme_->color(isEnabled ? ThemeColor::text : ThemeColor::textDisabled);
+    const auto face = isDangerous(widget, row) ? ThemeColor::danger : ThemeColor::text;
+    const QColor ink = theme_->color(isEnabled ? face : ThemeColor::textDisabled);
     const int left = row.left() + theme_->size(ThemeSize::space12);
     const QRect glyphBox(left, row.center().y() - glyph / 2, glyph, glyph);
     if (option.checkType != QStyleOptionMenuItem::NotCheckable && option.checked)
@@ -318,7 +328,9 @@ int OmbrelStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWi
     case SH_UnderlineShortcut: return 0;
     case SH_ScrollView_FrameOnlyAroundContents: return 1;
     case SH_Menu_SubMenuPopupDelay: return subMenuDelay;
-    case SH_FocusFrame_AboveWidget: return 1;
+    case SH_FocusFrame_AboveWidget:
+    // Names have no underlined letters: typing jumps to them.
+    case SH_Menu_KeyboardSearch: return 1;
     case SH_Widget_Animation_Duration:
         if (theme_->appearance().isMotionReduced) return 0;
         break;

@@ -15,6 +15,9 @@ class OmbrelStyle final : public QProxyStyle {
     Q_OBJECT
 
 public:
+    /// A property of actions: menus write them in the colour of danger.
+    static constexpr const char* dangerProperty = "ombrelIsDangerous";
+
     /// `theme` must outlive it.
     explicit OmbrelStyle(const Theme& theme);
 
@@ -44,7 +47,7 @@ public:
 private:
     void drawButton(const QStyleOptionButton& option, QPainter& painter, const QWidget* widget) const;
     void drawCheckBox(const QStyleOption& option, QPainter& painter) const;
-    void drawMenuItem(const QStyleOptionMenuItem& option, QPainter& painter) const;
+    void drawMenuItem(const QStyleOptionMenuItem& option, QPainter& painter, const QWidget* widget) const;
     void drawScrollBar(const QStyleOptionSlider& option, QPainter& painter, const QWidget* widget) const;
 
     const Theme* theme_;

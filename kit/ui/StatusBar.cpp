@@ -27,6 +27,7 @@ StatusBar::StatusBar(const Theme& theme, QWidget* parent) : QWidget(parent), the
     for (std::size_t i = 0; i < mostParts; ++i) {
         auto* const label = new QLabel(this);
         label->setTextFormat(Qt::PlainText);
+        label->setMinimumWidth(1);
         row->addWidget(label);
         labels_.push_back(label);
     }
@@ -50,9 +51,20 @@ void StatusBar::follow(BrowserModel& model, const FileView& view) {
     refresh();
 }
 
+void StatusBar::setDropEffect(const QString& text) {
+    if (text == dropEffect_) return;
+    dropEffect_ = text;
+    refresh();
+}
+
+void StatusBar::take(QWidget* chip) {
+    static_cast<QHBoxLayout*>(layout())->insertWidget(static_cast<int>(labels_.size()) + 1, chip);
+}
+
 QStringList StatusBar::parts() const {
     QStringList parts;
     if (!model_) return parts;
+    if (!dropEffect_.isEmpty()) return {dropEffect_};
     switch (model_->listingState().which()) {
     case ListingState::Case::loading:
         parts << localized("ui.status.loading", count(model_->items().size()));

@@ -26,6 +26,11 @@ public:
     /// Speaks of this pane and its view from now on; both must live until it follows others.
     void follow(BrowserModel& model, const FileView& view);
 
+    /// What a drop would do now; nothing while nothing is dragged.
+    void setDropEffect(const QString& text);
+    /// Puts `chip` to the right end, and takes it over.
+    void take(QWidget* chip);
+
     /// The parts that are shown, from the left.
     [[nodiscard]] QStringList parts() const;
 
@@ -41,6 +46,7 @@ private:
     const FileView* view_ = nullptr;
     std::unique_ptr<SelectionSize> selectionSize_; ///< of the pane that is followed
     std::vector<QLabel*> labels_;
+    QString dropEffect_;
 };
 
 } // namespace ombrel

@@ -184,6 +184,7 @@ constexpr SizeRow sizeTable[] = {
     {ThemeSize::windowMinimumHeight, 420},
     {ThemeSize::cascade, 28},
     {ThemeSize::commandBar, 44},
+    {ThemeSize::statusButton, 24},
     {ThemeSize::tree, 232},
     {ThemeSize::treeMinimum, 160},
     {ThemeSize::treeFoldsBelow, 120},

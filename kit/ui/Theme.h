@@ -172,6 +172,7 @@ enum class ThemeSize : std::uint8_t {
     windowMinimumHeight,
     cascade, ///< how far a new window lies below and beside the one before it
     commandBar,
+    statusButton,
     tree,
     treeMinimum,
     treeFoldsBelow, ///< when it is dragged to that width

@@ -3,22 +3,76 @@
 #include "browser/BrowserTabsModel.h"
 #include "browser/CommandDispatcher.h"
 #include "services/AppServices.h"
+#include "ui/GlyphIcon.h"
 #include "ui/KeyStrokes.h"
 #include "ui/LocalizedText.h"
+#include "ui/OmbrelStyle.h"
 
 #include <QAction>
 #include <QWidget>
 
+#include <optional>
 #include <utility>
 
 namespace ombrel {
+namespace {
 
-WindowActions::WindowActions(QWidget& window, BrowserTabsModel& tabs, const CommandDispatcher& commands,
-                             AppServices& services)
+std::optional<Glyph> glyphOf(FileCommand command) {
+    switch (command) {
+    case FileCommand::open: return Glyph::openItem;
+    case FileCommand::rename: return Glyph::rename;
+    case FileCommand::moveToTrash:
+    case FileCommand::deletePermanently: return Glyph::trash;
+    case FileCommand::copy: return Glyph::copy;
+    case FileCommand::cut: return Glyph::cut;
+    case FileCommand::paste: return Glyph::paste;
+    case FileCommand::quickLook: return Glyph::eye;
+    case FileCommand::selectAll: return Glyph::selectAll;
+    case FileCommand::goBack: return Glyph::back;
+    case FileCommand::goForward: return Glyph::forward;
+    case FileCommand::goUp: return Glyph::up;
+    case FileCommand::refresh: return Glyph::refresh;
+    case FileCommand::newFolder:
+    case FileCommand::moveIntoNewFolder: return Glyph::folderPlus;
+    case FileCommand::showInfo: return Glyph::properties;
+    case FileCommand::newTab:
+    case FileCommand::openInNewTab: return Glyph::newTab;
+    case FileCommand::copyPath: return Glyph::chain;
+    case FileCommand::newWindow:
+    case FileCommand::openInNewWindow: return Glyph::newWindow;
+    case FileCommand::undo: return Glyph::undo;
+    case FileCommand::redo: return Glyph::redo;
+    case FileCommand::openInTerminal: return Glyph::terminal;
+    case FileCommand::openContainingFolder:
+    case FileCommand::dissolveFolder: return Glyph::folderUp;
+    case FileCommand::compress: return Glyph::zip;
+    case FileCommand::extract: return Glyph::extract;
+    case FileCommand::createShortcut: return Glyph::screen;
+    case FileCommand::pin:
+    case FileCommand::unpin: return Glyph::pin;
+    case FileCommand::newFile:
+    case FileCommand::closeTab:
+    case FileCommand::focusAddress:
+    case FileCommand::focusSearch:
+    case FileCommand::toggleDetailsPane:
+    case FileCommand::cancelCut: return std::nullopt;
+    }
+    std::unreachable();
+}
+
+} // namespace
+
+WindowActions::WindowActions(QWidget& window, const Theme& theme, BrowserTabsModel& tabs,
+                             const CommandDispatcher& commands, AppServices& services)
     : QObject(&window), tabs_(&tabs), commands_(&commands), services_(&services) {
     for (std::size_t i = 0; i < actions_.size(); ++i) {
         const auto command = static_cast<FileCommand>(i);
         auto* const action = new QAction(&window);
+        const bool isDangerous = command == FileCommand::deletePermanently;
+        if (const auto glyph = glyphOf(command))
+            action->setIcon(glyphIcon(theme, *glyph, isDangerous ? ThemeColor::danger : ThemeColor::text));
+        if (isDangerous) action->setProperty(OmbrelStyle::dangerProperty, true);
+        if (command == FileCommand::toggleDetailsPane) action->setCheckable(true);
         window.addAction(action);
         connect(action, &QAction::triggered, this,
                 [this, command] { commands_->perform(command, tabs_->activeTab()); });
@@ -73,6 +127,8 @@ void WindowActions::refreshOne(FileCommand command) {
         keys.isEmpty() ? toolTip
                        : localized("ui.tooltip.withShortcut", {toolTip.toStdString(), keys.toStdString()}));
     action.setEnabled(commands_->canPerform(command, tabs_->activeTab()));
+    if (command == FileCommand::toggleDetailsPane)
+        action.setChecked(services_->settings().showsDetailsPane());
 }
 
 QString WindowActions::nameOf(FileCommand command) const {

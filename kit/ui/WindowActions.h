@@ -1,7 +1,6 @@
 #pragma once
 
 #include "browser/FileCommand.h"
-#include "ui/Glyphs.h"
 
 #include <QObject>
 #include <QString>
@@ -18,6 +17,7 @@ namespace ombrel {
 class AppServices;
 class BrowserTabsModel;
 class CommandDispatcher;
+class Theme;
 
 /// Every command as an action of one window: named, with its shortcut to be read, and enabled as the active
 /// pane allows. Keys reach commands by another way, so the actions have no shortcuts that Qt knows of.
@@ -28,8 +28,8 @@ class WindowActions final : public QObject {
 
 public:
     /// The actions belong to `window`; all must outlive it.
-    WindowActions(QWidget& window, BrowserTabsModel& tabs, const CommandDispatcher& commands,
-                  AppServices& services);
+    WindowActions(QWidget& window, const Theme& theme, BrowserTabsModel& tabs,
+                  const CommandDispatcher& commands, AppServices& services);
 
     [[nodiscard]] QAction* of(FileCommand command) const noexcept;
 
