@@ -16,6 +16,9 @@ class Theme;
 
 /// Opens the program's windows, all over the same services, and keeps how the last one was left. Main thread
 /// only.
+///
+/// The program ends when nothing is shown any more and no job runs: jobs outlive the last window, in the
+/// window that shows them.
 class Windows final : public QObject {
     Q_OBJECT
 
@@ -30,8 +33,6 @@ public:
     void open(const std::optional<FileURL>& folder);
     /// A window for each folder, or one at home.
     void open(const std::vector<FileURL>& folders);
-    /// Brings the window that the user worked in last to the front, or opens one.
-    void bringForward();
 
 private:
     [[nodiscard]] static std::vector<BrowserWindow*> shown();
@@ -39,9 +40,12 @@ private:
     [[nodiscard]] BrowserWindow* latest() const;
     void place(BrowserWindow& window) const;
     void keepState(const BrowserWindow& closing);
+    void endIfDone();
+    void endIfDoneLater();
 
     const Theme* theme_;
     AppServices* services_;
+    bool hasOpened_ = false; ///< a window, once at least
 };
 
 } // namespace ombrel

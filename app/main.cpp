@@ -1,5 +1,6 @@
 #include "app/Arguments.h"
 #include "app/Lifetime.h"
+#include "app/Instance.h"
 #include "app/Picture.h"
 #include "app/Services.h"
 #include "app/Windows.h"
@@ -76,6 +77,11 @@ void chooseOffscreenLook(QApplication& application) {
 }
 
 int runApplication(QApplication& application, const Arguments& arguments) {
+    std::optional<Instance> instance;
+    if (arguments.request == Arguments::Request::windows) {
+        if (auto bus = Instance::sessionBus()) instance.emplace(*std::move(bus));
+        if (instance && instance->handOver(arguments.folders)) return 0;
+    }
     auto settings = std::make_unique<AppSettings>();
     const auto language = InterfaceLanguage::choose(settings->launchInterfaceLanguage());
     QLocale::setDefault(language.locale);
@@ -102,6 +108,8 @@ int runApplication(QApplication& application, const Arguments& arguments) {
     std::optional<Windows> windows(std::in_place, theme, *services);
     const Lifetime lifetime(theme, *services,
                             [&windows](const FileURL& folder) { windows->open(std::optional(folder)); });
+    if (instance)
+        instance->serve([&windows](const std::vector<FileURL>& folders) { windows->open(folders); });
     SettingsFollower follower(services->settings());
     std::unique_ptr<BrowserWindow> pictured;
     if (isPicture) {
@@ -132,6 +140,8 @@ int runApplication(QApplication& application, const Arguments& arguments) {
         }
     }
     const int status = QApplication::exec();
+    // Who starts the program from now on has one of his own.
+    instance.reset();
     follower.stop();
     services->stop();
     pictured.reset();
