@@ -62,7 +62,7 @@ Desktop::~Desktop() {
 std::vector<std::string> Desktop::variables() const {
     // 9 points at 104 dots an inch are 13 pixels.
     return {"DISPLAY=" + display_, "WAYLAND_DISPLAY=", "QT_QPA_PLATFORM=xcb", "QT_FONT_DPI=104",
-            "DBUS_SESSION_BUS_ADDRESS="};
+            "DBUS_SESSION_BUS_ADDRESS=" + busAddress_};
 }
 
 std::unique_ptr<ChildProcess> Desktop::start(const std::vector<std::string>& words) const {
@@ -86,9 +86,9 @@ bool Desktop::hasTitle(const std::string& title) const {
     return waitFor([&] { return this->title() == title; });
 }
 
-void Desktop::click(int x, int y, int times) const {
-    hand({"getactivewindow", "mousemove", "--window", "%1", std::to_string(x), std::to_string(y), "click",
-          "--repeat", std::to_string(times), "--delay", "40", "1"});
+void Desktop::click(QPoint at, int times) const {
+    hand({"getactivewindow", "mousemove", "--window", "%1", std::to_string(at.x()), std::to_string(at.y()),
+          "click", "--repeat", std::to_string(times), "--delay", "40", "1"});
 }
 
 } // namespace ombrel::testing

@@ -2,8 +2,11 @@
 
 #include "support/ChildProcess.h"
 
+#include <QPoint>
+
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace ombrel::testing {
@@ -21,6 +24,8 @@ public:
     /// Starts `words` on the display. Fonts are as large as the sizes in the theme's tables are given for,
     /// where the machine's default font has usual proportions.
     [[nodiscard]] std::unique_ptr<ChildProcess> start(const std::vector<std::string>& words) const;
+    /// What is started from now on is on the bus that has this address; before, on none.
+    void setBus(std::string address) { busAddress_ = std::move(address); }
 
     /// Runs xdotool with `words`; answers with what it prints, its last line end left out.
     std::string hand(const std::vector<std::string>& words) const;
@@ -29,7 +34,7 @@ public:
     /// Waits until the window with the focus is called `title`.
     [[nodiscard]] bool hasTitle(const std::string& title) const;
     /// A point inside the window with the focus.
-    void click(int x, int y, int times = 1) const;
+    void click(QPoint at, int times = 1) const;
     void key(const std::string& name) const { hand({"key", "--clearmodifiers", name}); }
 
 private:
@@ -39,6 +44,7 @@ private:
     std::unique_ptr<ChildProcess> server_;
     std::unique_ptr<ChildProcess> manager_;
     const std::string display_;
+    std::string busAddress_;
 };
 
 } // namespace ombrel::testing

@@ -1,4 +1,5 @@
 #include "app/Desktop.h"
+#include "app/WindowPlaces.h"
 #include "support/TempTree.h"
 
 #include <fcntl.h>
@@ -16,6 +17,7 @@ namespace {
 
 using testing::Desktop;
 using testing::TempTree;
+using testing::WindowPlaces;
 
 /// The real program on a real display server, driven by mouse and keys; what it shows is told by its title,
 /// because that follows the folder it is in.
@@ -45,9 +47,8 @@ protected:
         ASSERT_EQ(::utimensat(AT_FDCWD, tree.path(name).c_str(), times, 0), 0);
     }
 
-    // Places that hold for the usual default fonts, which differ a little in height.
-    void doubleClickFirstRow() { desktop->click(400, 92, 2); }
-    void clickNameHeader() { desktop->click(320, 60); }
+    void doubleClickFirstRow() { desktop->click(places.row(0), 2); }
+    void clickNameHeader() { desktop->click(places.nameHeader()); }
     /// Whether Enter on the first row leads into `name`.
     [[nodiscard]] bool firstFolderIs(const std::string& name) {
         desktop->key("Home");
@@ -57,6 +58,7 @@ protected:
     /// For what the program does on a worker and then shows without a change of its title.
     static void giveTime() { std::this_thread::sleep_for(std::chrono::milliseconds(300)); }
 
+    const WindowPlaces places = WindowPlaces::measured();
     TempTree tree;
     std::unique_ptr<Desktop> desktop;
     std::unique_ptr<testing::ChildProcess> program;

@@ -76,6 +76,7 @@ protected:
 
 TEST_F(WindowFrame, GivesUpLabelsAndThenGroupsWhenThereIsLittleRoom) {
     CommandBar bar(quietTheme(), window.actions(), window.menus());
+    bar.show();
     std::vector<std::string> stages;
     for (int width = 900; width > 60; --width) {
         bar.resize(width, bar.sizeHint().height());
