@@ -14,10 +14,6 @@ namespace ombrel {
 Windows::Windows(const Theme& theme, AppServices& services) : theme_(&theme), services_(&services) {
     services.openNewWindow = [this] { open(std::nullopt); };
     services.openWindowAt = [this](const FileURL& folder) { open(folder); };
-    QGuiApplication::setQuitOnLastWindowClosed(false);
-    connect(qGuiApp, &QGuiApplication::lastWindowClosed, this, &Windows::endIfDoneLater);
-    connect(&services.center(), &OperationCenter::jobsChanged, this, &Windows::endIfDoneLater);
-    connect(&services.center(), &OperationCenter::leftReportsChanged, this, &Windows::endIfDoneLater);
 }
 
 Windows::~Windows() {
@@ -40,7 +36,6 @@ void Windows::open(const std::optional<FileURL>& folder) {
     place(*window);
     window->show();
     window->activateWindow();
-    hasOpened_ = true;
 }
 
 void Windows::open(const std::vector<FileURL>& folders) {
@@ -94,25 +89,7 @@ void Windows::place(BrowserWindow& window) const {
 void Windows::keepState(const BrowserWindow& closing) {
     const auto windows = shown();
     const bool isLast = std::ranges::all_of(windows, [&](const auto* each) { return each == &closing; });
-    if (!isLast) return;
-    services_->settings().setWindowState(closing.state());
-    if (auto* const presenter = services_->progressWindow())
-        for (const auto& job : services_->center().jobs())
-            presenter->presentJob(job);
-}
-
-void Windows::endIfDoneLater() {
-    // The window of the jobs hears of them too, and may leave or appear.
-    QMetaObject::invokeMethod(this, &Windows::endIfDone, Qt::QueuedConnection);
-}
-
-void Windows::endIfDone() {
-    if (!hasOpened_ || !services_->center().jobs().empty()) return;
-    const auto all = QApplication::topLevelWidgets();
-    const bool isAnythingShown = std::ranges::any_of(all, [](const QWidget* each) {
-        return each->isVisible() && each->windowType() != Qt::ToolTip && each->windowType() != Qt::Popup;
-    });
-    if (!isAnythingShown) QApplication::quit();
+    if (isLast) services_->settings().setWindowState(closing.state());
 }
 
 } // namespace ombrel

@@ -16,9 +16,6 @@ class Theme;
 
 /// Opens the program's windows, all over the same services, and keeps how the last one was left. Main thread
 /// only.
-///
-/// The program ends when nothing is shown any more and no job runs: jobs outlive the last window, in the
-/// window that shows them.
 class Windows final : public QObject {
     Q_OBJECT
 
@@ -40,12 +37,9 @@ private:
     [[nodiscard]] BrowserWindow* latest() const;
     void place(BrowserWindow& window) const;
     void keepState(const BrowserWindow& closing);
-    void endIfDone();
-    void endIfDoneLater();
 
     const Theme* theme_;
     AppServices* services_;
-    bool hasOpened_ = false; ///< a window, once at least
 };
 
 } // namespace ombrel

@@ -224,17 +224,19 @@
     <message id="open.error.several" numerus="yes"><source></source><translation><numerusform>{1}</numerusform><numerusform>{n} items could not be opened. {1}</numerusform></translation></message>
     <message id="open.error.special"><source></source><translation>“{1}” is a special file that can’t be opened.</translation></message>
     <message id="open.error.terminal"><source></source><translation>A terminal could not be opened in “{1}”: {2}.</translation></message>
+    <message id="overlay.allowAccess"><source></source><translation>Allow access…</translation></message>
     <message id="overlay.clearSearch"><source></source><translation>Clear search</translation></message>
     <message id="overlay.empty.title"><source></source><translation>This folder is empty</translation></message>
-    <message id="overlay.emptySearch.message"><source></source><translation>Only names are searched.</translation></message>
-    <message id="overlay.emptySearch.title"><source></source><translation>No items match “{1}”</translation></message>
     <message id="overlay.failed.message"><source></source><translation>{1}</translation></message>
     <message id="overlay.failed.title"><source></source><translation>This folder can’t be shown</translation></message>
+    <message id="overlay.goHome"><source></source><translation>Go to Home</translation></message>
     <message id="overlay.goUp"><source></source><translation>Go to the folder above</translation></message>
     <message id="overlay.invalidated.message"><source></source><translation>It was moved, renamed or deleted.</translation></message>
     <message id="overlay.invalidated.title"><source></source><translation>This folder is gone</translation></message>
     <message id="overlay.noLocation.message"><source></source><translation>Choose a folder on the left or type an address above.</translation></message>
     <message id="overlay.noLocation.title"><source></source><translation>Nothing to show</translation></message>
+    <message id="overlay.noMatch.message"><source></source><translation>Only names are searched.</translation></message>
+    <message id="overlay.noMatch.title"><source></source><translation>No items match “{1}”</translation></message>
     <message id="overlay.permissionDenied.message"><source></source><translation>You don’t have permission to see what is in “{1}”. Allow access to this folder, or ask its owner to share it with you.</translation></message>
     <message id="overlay.permissionDenied.title"><source></source><translation>Ombrel can’t open this folder yet</translation></message>
     <message id="overlay.tryAgain"><source></source><translation>Try again</translation></message>
@@ -547,6 +549,8 @@
     <message id="ui.status.jobs" numerus="yes"><source></source><translation><numerusform>{n} job, {1}%</numerusform><numerusform>{n} jobs, {1}%</numerusform></translation></message>
     <message id="ui.status.jumpTo"><source></source><translation>Jump to: {1}</translation></message>
     <message id="ui.status.loading" numerus="yes"><source></source><translation><numerusform>Loading, {n} item so far</numerusform><numerusform>Loading, {n} items so far</numerusform></translation></message>
+    <message id="ui.status.searchLimit"><source></source><translation>Showing the first 10,000 matches</translation></message>
+    <message id="ui.status.searching" numerus="yes"><source></source><translation><numerusform>Searching, {n} match so far</numerusform><numerusform>Searching, {n} matches so far</numerusform></translation></message>
     <message id="ui.status.selected" numerus="yes"><source></source><translation><numerusform>{n} item selected</numerusform><numerusform>{n} items selected</numerusform></translation></message>
     <message id="ui.status.selectedWithSize" numerus="yes"><source></source><translation><numerusform>{n} item selected, {1}</numerusform><numerusform>{n} items selected, {1}</numerusform></translation></message>
     <message id="ui.status.showJobs"><source></source><translation>Show the running jobs</translation></message>
@@ -562,8 +566,13 @@
     <message id="ui.tooltip.withShortcut"><source></source><translation>{1} ({2})</translation></message>
     <message id="ui.tree.loading"><source></source><translation>Loading…</translation></message>
     <message id="ui.view.compactRows"><source></source><translation>Compact rows</translation></message>
+    <message id="ui.view.details"><source></source><translation>Details</translation></message>
+    <message id="ui.view.extraLargeIcons"><source></source><translation>Extra large icons</translation></message>
     <message id="ui.view.hiddenItems"><source></source><translation>Hidden items</translation></message>
     <message id="ui.view.itemCheckBoxes"><source></source><translation>Item check boxes</translation></message>
+    <message id="ui.view.largeIcons"><source></source><translation>Large icons</translation></message>
+    <message id="ui.view.mediumIcons"><source></source><translation>Medium icons</translation></message>
+    <message id="ui.view.smallIcons"><source></source><translation>Small icons</translation></message>
     <message id="ui.view.statusBar"><source></source><translation>Status bar</translation></message>
     <message id="ui.volume.eject"><source></source><translation>Eject</translation></message>
     <message id="ui.volume.ejecting"><source></source><translation>Ejecting…</translation></message>

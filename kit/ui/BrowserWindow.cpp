@@ -25,6 +25,7 @@
 #include "ui/StatusBar.h"
 #include "ui/TabStrip.h"
 #include "ui/Theme.h"
+#include "ui/ViewModeActions.h"
 #include "ui/WindowActions.h"
 #include "ui/WindowKeys.h"
 #include "ui/WindowMenus.h"
@@ -51,7 +52,8 @@ BrowserWindow::BrowserWindow(const Setting& setting)
                         .activePane = [this]() -> BrowserModel& { return tabs_.activeTab(); },
                         .performTabCommand = [this](TabCommand command) { tabs_.perform(command); }}),
       actions_(new WindowActions(*this, *theme_, tabs_, commands_, setting.services)),
-      menus_(new WindowMenus(*this, *theme_, setting.services, tabs_, *actions_)),
+      viewModes_(new ViewModeActions(*this, *theme_, tabs_, setting.services)),
+      menus_(new WindowMenus(*this, *theme_, setting.services, tabs_, *actions_, *viewModes_)),
       contextMenu_(new ContextMenu(*this, {.theme = *theme_,
                                            .services = setting.services,
                                            .commands = commands_,
@@ -72,6 +74,7 @@ BrowserWindow::BrowserWindow(const Setting& setting)
     setAttribute(Qt::WA_DeleteOnClose);
     setMinimumSize(theme_->size(ThemeSize::windowMinimumWidth), theme_->size(ThemeSize::windowMinimumHeight));
     layOut();
+    statusBar_->addSwitches(viewModes_->details(), viewModes_->largeIcons());
     statusBar_->take(jobChip_);
     connect(jobChip_, &QAbstractButton::clicked, this, &BrowserWindow::showJobs);
     new FocusRing(this);

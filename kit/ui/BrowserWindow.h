@@ -29,6 +29,7 @@ class PaneSplitter;
 class StatusBar;
 class TabStrip;
 class Theme;
+class ViewModeActions;
 class WindowActions;
 class WindowPlaces;
 class WindowPrompter;
@@ -112,6 +113,7 @@ private:
     OpenActions opening_;
     KeyRouter keys_;
     WindowActions* actions_;
+    ViewModeActions* viewModes_;
     WindowMenus* menus_;
     ContextMenu* contextMenu_;
     WindowPrompter* prompter_;

@@ -47,7 +47,8 @@ public:
     /// Belongs to `window`; all of `setting` must outlive it.
     ContextMenu(QWidget& window, const Setting& setting);
 
-    void setOwners(Owners owners) { owners_ = std::move(owners); }
+    /// For those who do it to say so.
+    [[nodiscard]] Owners& owners() noexcept { return owners_; }
 
     /// Appends what there is for `pane` now, which is the active one.
     void fill(QMenu& menu, BrowserModel& pane);

@@ -62,12 +62,12 @@ OverlayContent failure(DirectoryError error, const BrowserModel& model) {
         return {localized("overlay.permissionDenied.title"),
                 localized("overlay.permissionDenied.message", {name}),
                 Badge{Glyph::lock, ThemeColor::warning, ThemeColor::warningSoft},
-                {Action::tryAgain}};
+                {Action::allowAccess, Action::tryAgain}};
     case DirectoryError::Case::volumeUnavailable:
         return {localized("overlay.volumeUnavailable.title"),
                 localized("overlay.volumeUnavailable.message"),
                 Badge{Glyph::unplugged, ThemeColor::warning, ThemeColor::warningSoft},
-                {Action::tryAgain}};
+                {Action::tryAgain, Action::goHome}};
     case DirectoryError::Case::notFound:
     case DirectoryError::Case::notADirectory:
     case DirectoryError::Case::io: break;
@@ -80,9 +80,11 @@ OverlayContent failure(DirectoryError error, const BrowserModel& model) {
 
 QString labelOf(Action action) {
     switch (action) {
-    case Action::clearSearch: return localized("overlay.clearSearch");
     case Action::tryAgain: return localized("overlay.tryAgain");
     case Action::goUp: return localized("overlay.goUp");
+    case Action::goHome: return localized("overlay.goHome");
+    case Action::allowAccess: return localized("overlay.allowAccess");
+    case Action::clearSearch: return localized("overlay.clearSearch");
     }
     std::unreachable();
 }
@@ -98,15 +100,18 @@ std::optional<OverlayContent> OverlayContent::of(const BrowserModel& model) {
                               Badge{Glyph::gone, ThemeColor::warning, ThemeColor::warningSoft},
                               {Action::goUp, Action::tryAgain}};
     case ListingState::Case::noLocation:
-        return OverlayContent{
-            localized("overlay.noLocation.title"), localized("overlay.noLocation.message"), {}, {}};
+        return OverlayContent{localized("overlay.noLocation.title"),
+                              localized("overlay.noLocation.message"),
+                              {},
+                              {Action::goHome}};
     case ListingState::Case::loaded:
         if (!model.currentURL() || !model.items().empty()) return std::nullopt;
         if (model.showsSearch())
-            return OverlayContent{localized("overlay.emptySearch.title", {isolated(model.searchQuery())}),
-                                  localized("overlay.emptySearch.message"),
-                                  {},
-                                  {Action::clearSearch}};
+            return OverlayContent{
+                localized("overlay.noMatch.title", {isolated(model.searchQuery())}),
+                localized("overlay.noMatch.message"),
+                Badge{Glyph::search, ThemeColor::textSecondary, ThemeColor::selectionInactive},
+                {Action::clearSearch}};
         return OverlayContent{localized("overlay.empty.title"), {}, {}, {}};
     case ListingState::Case::loading: return std::nullopt;
     }
@@ -231,9 +236,11 @@ void Overlay::fadeIn() {
 
 void Overlay::perform(Action action) {
     switch (action) {
-    case Action::clearSearch: model_->leaveSearch(); break;
     case Action::tryAgain: model_->refresh(); break;
     case Action::goUp: model_->goUp(); break;
+    case Action::goHome: model_->navigateHome(); break;
+    case Action::allowAccess: model_->requestAccess(); break;
+    case Action::clearSearch: model_->leaveSearch(); break;
     }
 }
 

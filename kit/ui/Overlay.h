@@ -21,7 +21,7 @@ class BrowserModel;
 
 /// What an overlay says and offers.
 struct OverlayContent {
-    enum class Action : std::uint8_t { clearSearch, tryAgain, goUp };
+    enum class Action : std::uint8_t { tryAgain, goUp, goHome, allowAccess, clearSearch };
     struct Badge {
         Glyph glyph;
         ThemeColor color;

@@ -4,9 +4,11 @@
 #include "browser/SelectionSize.h"
 #include "ui/FileView.h"
 #include "ui/Formats.h"
+#include "ui/GlyphButton.h"
 #include "ui/LocalizedText.h"
 #include "ui/Theme.h"
 
+#include <QAction>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
@@ -32,6 +34,8 @@ StatusBar::StatusBar(const Theme& theme, QWidget* parent) : QWidget(parent), the
         labels_.push_back(label);
     }
     row->addStretch();
+    switches_ = new QHBoxLayout;
+    row->addLayout(switches_);
     connect(&theme, &Theme::changed, this, &StatusBar::takeSizes);
     takeSizes();
 }
@@ -57,6 +61,22 @@ void StatusBar::setDropEffect(const QString& text) {
     refresh();
 }
 
+void StatusBar::addSwitches(QAction* details, QAction* largeIcons) {
+    const auto add = [this](Glyph glyph, QAction* action) {
+        auto* const button = new GlyphButton(*theme_, glyph, ThemeSize::statusButton, this);
+        button->setCheckable(true);
+        button->follow(action);
+        const auto take = [button, action] { button->setChecked(action->isChecked()); };
+        connect(action, &QAction::changed, button, take);
+        // A click on the one that is on leaves it on.
+        connect(button, &QAbstractButton::clicked, button, take);
+        take();
+        switches_->addWidget(button);
+    };
+    add(Glyph::lines, details);
+    add(Glyph::grid, largeIcons);
+}
+
 void StatusBar::take(QWidget* chip) {
     static_cast<QHBoxLayout*>(layout())->insertWidget(static_cast<int>(labels_.size()) + 1, chip);
 }
@@ -67,6 +87,10 @@ QStringList StatusBar::parts() const {
     if (!dropEffect_.isEmpty()) return {dropEffect_};
     switch (model_->listingState().which()) {
     case ListingState::Case::loading:
+        if (model_->showsSearch()) {
+            parts << localized("ui.status.searching", count(model_->items().size()));
+            break;
+        }
         parts << localized("ui.status.loading", count(model_->items().size()));
         break;
     case ListingState::Case::loaded:
@@ -83,6 +107,7 @@ QStringList StatusBar::parts() const {
                                     {Formats::size(*bytes).toStdString()})
                         : localized("ui.status.selected", count(selected)));
     }
+    if (model_->hasReachedSearchLimit()) parts << localized("ui.status.searchLimit");
     if (model_->unreadableCount() > 0) parts << localized("ui.status.unreadable", model_->unreadableCount());
     const QString& typed = view_->typeAhead().text();
     if (!typed.isEmpty()) parts << localized("ui.status.jumpTo", {typed.toStdString()});
@@ -105,6 +130,7 @@ void StatusBar::takeSizes() {
     // A separator stands in the middle of the space between two parts.
     layout()->setSpacing(theme_->size(ThemeSize::space28));
     setFixedHeight(theme_->size(ThemeSize::statusBar));
+    switches_->setSpacing(theme_->size(ThemeSize::space2));
     QPalette colors = palette();
     colors.setColor(QPalette::WindowText, theme_->color(ThemeColor::textSecondary));
     for (QLabel* label : labels_) {

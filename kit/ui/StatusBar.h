@@ -5,6 +5,8 @@
 #include <memory>
 #include <vector>
 
+class QAction;
+class QHBoxLayout;
 class QLabel;
 
 namespace ombrel {
@@ -28,6 +30,8 @@ public:
 
     /// What a drop would do now; nothing while nothing is dragged.
     void setDropEffect(const QString& text);
+    /// Shows the two views that are used most as switches, which do what these actions do.
+    void addSwitches(QAction* details, QAction* largeIcons);
     /// Puts `chip` to the right end, and takes it over.
     void take(QWidget* chip);
 
@@ -46,6 +50,7 @@ private:
     const FileView* view_ = nullptr;
     std::unique_ptr<SelectionSize> selectionSize_; ///< of the pane that is followed
     std::vector<QLabel*> labels_;
+    QHBoxLayout* switches_ = nullptr;
     QString dropEffect_;
 };
 

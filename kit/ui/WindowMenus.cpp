@@ -5,6 +5,7 @@
 #include "ui/GlyphIcon.h"
 #include "ui/Glyphs.h"
 #include "ui/LocalizedText.h"
+#include "ui/ViewModeActions.h"
 #include "ui/WindowActions.h"
 
 #include <QAction>
@@ -33,8 +34,9 @@ bool canShowItems(const ListingState& state) {
 } // namespace
 
 WindowMenus::WindowMenus(QWidget& window, const Theme& theme, AppServices& services, BrowserTabsModel& tabs,
-                         WindowActions& actions)
-    : QObject(&window), theme_(&theme), services_(&services), tabs_(&tabs), actions_(&actions) {}
+                         WindowActions& actions, ViewModeActions& viewModes)
+    : QObject(&window), theme_(&theme), services_(&services), tabs_(&tabs), actions_(&actions),
+      viewModes_(&viewModes) {}
 
 QMenu* WindowMenus::make(Kind kind, QWidget* parent) {
     auto* const menu = new QMenu(parent);
@@ -112,6 +114,9 @@ void WindowMenus::fillSort(QMenu& menu) {
 
 void WindowMenus::fillView(QMenu& menu) {
     AppSettings& settings = services_->settings();
+    viewModes_->setEnabled(isUseful(Kind::view));
+    viewModes_->addTo(menu);
+    menu.addSeparator();
     struct Switch {
         Setting setting;
         std::string_view textKey;

@@ -15,6 +15,7 @@ namespace ombrel {
 class AppServices;
 class BrowserTabsModel;
 class Theme;
+class ViewModeActions;
 class WindowActions;
 
 /// The menus of the command bar, which context menus have too. Each is filled anew for the active pane
@@ -36,9 +37,10 @@ public:
 
     /// Belongs to `window`; all must outlive it.
     WindowMenus(QWidget& window, const Theme& theme, AppServices& services, BrowserTabsModel& tabs,
-                WindowActions& actions);
+                WindowActions& actions, ViewModeActions& viewModes);
 
-    void setOwners(Owners owners) { owners_ = std::move(owners); }
+    /// For those who do it to say so.
+    [[nodiscard]] Owners& owners() noexcept { return owners_; }
 
     /// A menu of its own, whose parent is `parent`.
     [[nodiscard]] QMenu* make(Kind kind, QWidget* parent);
@@ -64,6 +66,7 @@ private:
     AppServices* services_;
     BrowserTabsModel* tabs_;
     WindowActions* actions_;
+    ViewModeActions* viewModes_;
     Owners owners_;
 };
 

@@ -228,12 +228,29 @@ TEST_F(Window, KnowsRefusalsApart) {
               "Ombrel can’t open this folder yet | You don’t have permission to see what is in "
               "“\u2068Projects\u2069”. Allow access to this folder, or ask its owner to share it with "
               "you.");
+    EXPECT_THAT(buttons(), ElementsAre("Allow access…", "Try again"));
     // The longest of them needs two lines and gets them.
     for (const auto* label : window.overlay().findChildren<QLabel*>())
         EXPECT_GE(label->height(), label->heightForWidth(label->width()));
     EXPECT_EQ(overlayUnder(ENXIO),
               "This volume is not connected | Connect it again and the folder will come back.");
+    EXPECT_THAT(buttons(), ElementsAre("Try again", "Go to Home"));
     EXPECT_THAT(overlayUnder(EMFILE), ::testing::HasSubstr("The folder could not be read: "));
+}
+
+TEST_F(Window, LeavesASearchThatFoundNothing) {
+    open(tree.url("Projects"));
+    window.model().search("one");
+    ASSERT_TRUE(runUntilLoaded(window.model()));
+    EXPECT_TRUE(window.overlay().isHidden());
+    window.model().search("nothing like it");
+    ASSERT_TRUE(runUntil([&] { return window.overlay().isVisible(); }));
+    EXPECT_EQ(window.overlay().title().toStdString(), "No items match “\u2068nothing like it\u2069”");
+    EXPECT_THAT(buttons(), ElementsAre("Clear search"));
+    QTest::mouseClick(window.overlay().findChildren<QPushButton*>().constLast(), Qt::LeftButton);
+    ASSERT_TRUE(runUntilLoaded(window.model()));
+    EXPECT_THAT(status(), ElementsAre("3 items"));
+    EXPECT_TRUE(window.overlay().isHidden());
 }
 
 TEST_F(Window, TellsOfEntriesThatCouldNotBeRead) {

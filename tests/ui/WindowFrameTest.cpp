@@ -160,9 +160,9 @@ TEST_F(WindowFrame, OffersWhatFitsTheItems) {
         FileCommand::rename,
         {.perform = [](BrowserModel&) {},
          .isEnabled = [](const BrowserModel& pane) { return pane.selection().count() == 1; }});
-    window.contextMenu().setOwners({.fillOpenWith = [](QMenu&, BrowserModel&) {},
-                                    .canPaste = [] { return true; },
-                                    .pasteIntoSelected = [](BrowserModel&) {}});
+    window.contextMenu().owners() = {.fillOpenWith = [](QMenu&, BrowserModel&) {},
+                                     .canPaste = [] { return true; },
+                                     .pasteIntoSelected = [](BrowserModel&) {}};
     select(window.model(), {"one.txt", "two.txt"});
     EXPECT_THAT(contextMenu(), ElementsAre("(Open)", "Open with", "-", "Cut", "Copy", "Copy path", "-",
                                            "(Rename)", "Move to trash", "Delete permanently", "-",
