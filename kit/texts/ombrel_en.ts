@@ -555,7 +555,6 @@
     <message id="ui.status.selectedWithSize" numerus="yes"><source></source><translation><numerusform>{n} item selected, {1}</numerusform><numerusform>{n} items selected, {1}</numerusform></translation></message>
     <message id="ui.status.showJobs"><source></source><translation>Show the running jobs</translation></message>
     <message id="ui.status.unreadable" numerus="yes"><source></source><translation><numerusform>{n} item could not be read</numerusform><numerusform>{n} items could not be read</numerusform></translation></message>
-    <message id="ui.status.waitingForAnswer"><source></source><translation>Waiting for your answer</translation></message>
     <message id="ui.tabs.closeOthers"><source></source><translation>Close other tabs</translation></message>
     <message id="ui.tabs.closeToTheRight"><source></source><translation>Close tabs to the right</translation></message>
     <message id="ui.tabs.duplicate"><source></source><translation>Duplicate tab</translation></message>

@@ -21,6 +21,7 @@
 #include "ui/Overlay.h"
 #include "ui/PaneArea.h"
 #include "ui/PaneSplitter.h"
+#include "ui/ProgressWindow.h"
 #include "ui/SearchField.h"
 #include "ui/StatusBar.h"
 #include "ui/TabStrip.h"
@@ -180,10 +181,8 @@ void BrowserWindow::placeJobChip() {
 }
 
 void BrowserWindow::showJobs() {
-    auto* const presenter = services_->progressWindow();
-    if (!presenter) return;
-    for (const auto& job : services_->center().jobs())
-        presenter->presentJob(job);
+    if (auto* const progress = qobject_cast<ProgressWindow*>(services_->progressWindow()))
+        progress->comeBack();
 }
 
 // ---- Tabs

@@ -53,7 +53,7 @@ void CommandBar::makeButtons(const Theme& theme, WindowActions& actions) {
         editing.buttons.push_back(button);
     }
     sort_ = withMenu(Glyph::sort, "ui.bar.sort", WindowMenus::Kind::sort);
-    view_ = withMenu(Glyph::lines, "ui.bar.view", WindowMenus::Kind::view);
+    view_ = withMenu(Glyph::list, "ui.bar.view", WindowMenus::Kind::view);
     more_ = withMenu(Glyph::more, "ui.bar.more", WindowMenus::Kind::more);
     details_ = new BarButton(theme, Glyph::detailsPane, this);
     details_->setLabel(localized("ui.bar.details"));

@@ -120,7 +120,7 @@ void ContextMenu::fillForFolder(QMenu& menu, BrowserModel& pane) {
         made->setEnabled(setting_.menus.isUseful(kind));
         menu.addMenu(made);
     };
-    subMenu(Kind::view, "ui.bar.view", Glyph::lines);
+    subMenu(Kind::view, "ui.bar.view", Glyph::list);
     subMenu(Kind::sort, "ui.menu.sortBy", Glyph::sort);
     add(menu, {FileCommand::refresh}, Which::bound);
     menu.addSeparator();

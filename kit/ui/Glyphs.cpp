@@ -120,8 +120,6 @@ constexpr PathStep trashSteps[] = {to(2.5, 4),      line(13.5, 4),    to(6, 3.75
 constexpr PathStep sortSteps[] = {to(4, 3),          line(4, 13), to(1.75, 10.75), line(4, 13),
                                   line(6.25, 10.75), to(8, 4),    line(14.25, 4),  to(8, 8),
                                   line(12.5, 8),     to(8, 12),   line(10.5, 12)};
-constexpr PathStep linesSteps[] = {to(2.5, 4),    line(13.5, 4), to(2.5, 8),
-                                   line(13.5, 8), to(2.5, 12),   line(13.5, 12)};
 constexpr PathStep gridSteps[] = {to(2.5, 2.5),    line(6.5, 2.5),   line(6.5, 6.5),  line(2.5, 6.5),
                                   line(2.5, 2.5),  to(9.5, 2.5),     line(13.5, 2.5), line(13.5, 6.5),
                                   line(9.5, 6.5),  line(9.5, 2.5),   to(2.5, 9.5),    line(6.5, 9.5),
@@ -215,7 +213,6 @@ std::span<const PathStep> stepsOf(Glyph glyph) {
     case Glyph::rename: return renameSteps;
     case Glyph::trash: return trashSteps;
     case Glyph::sort: return sortSteps;
-    case Glyph::lines: return linesSteps;
     case Glyph::grid: return gridSteps;
     case Glyph::more: return moreSteps;
     case Glyph::detailsPane: return detailsPaneSteps;

@@ -49,7 +49,6 @@ enum class Glyph : std::uint8_t {
     rename,
     trash,
     sort,
-    lines,
     grid,
     more,
     detailsPane,

@@ -86,7 +86,7 @@ void JobChip::refresh() {
     if (center_->jobs().empty()) return;
     const int percent = percentOf(*center_);
     const QString text = isAsked()
-                             ? localized("ui.status.waitingForAnswer")
+                             ? localized("ui.progress.waitingForAnswer")
                              : localized("ui.status.jobs", static_cast<std::int64_t>(center_->jobs().size()),
                                          {QLocale().toString(percent).toStdString()});
     if (text != this->text()) {

@@ -73,7 +73,7 @@ void StatusBar::addSwitches(QAction* details, QAction* largeIcons) {
         take();
         switches_->addWidget(button);
     };
-    add(Glyph::lines, details);
+    add(Glyph::list, details);
     add(Glyph::grid, largeIcons);
 }
 

@@ -27,7 +27,7 @@ ViewModeActions::ViewModeActions(QWidget& window, const Theme& theme, BrowserTab
     for (std::size_t i = 0; i < count; ++i) {
         auto* const action = new QAction(localized(textKeys[i]), &window);
         action->setCheckable(true);
-        action->setIcon(glyphIcon(theme, i == 0 ? Glyph::lines : Glyph::grid));
+        action->setIcon(glyphIcon(theme, i == 0 ? Glyph::list : Glyph::grid));
         group->addAction(action);
         connect(action, &QAction::triggered, this, [this, i] { choose(i); });
         actions_[i] = action;
