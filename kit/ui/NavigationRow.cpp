@@ -66,10 +66,7 @@ void NavigationRow::takeSizes() {
 }
 
 void NavigationRow::paintEvent(QPaintEvent*) {
-    QPainter painter(this);
-    painter.fillRect(rect(), theme_->color(ThemeColor::chromeRaised));
-    const int hairline = theme_->size(ThemeSize::hairline);
-    painter.fillRect(QRect(0, height() - hairline, width(), hairline), theme_->color(ThemeColor::border));
+    QPainter(this).fillRect(rect(), theme_->color(ThemeColor::chromeRaised));
 }
 
 } // namespace ombrel
