@@ -155,6 +155,7 @@ TEST_F(WindowFrame, SortsAndSetsByItsMenus) {
     choose(Kind::view, "Status bar");
     EXPECT_FALSE(window.statusBar().isVisible());
     bindAll({FileCommand::newFolder, FileCommand::newFile});
+    window.menus().owners().fillTemplates = nullptr;
     EXPECT_THAT(menu(Kind::create), ElementsAre("Folder", "-", "Text document"));
     choose(Kind::create, "Folder");
     choose(Kind::create, "Text document");
