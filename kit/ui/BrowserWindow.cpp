@@ -33,6 +33,7 @@
 #include "ui/WindowPlaces.h"
 #include "ui/WindowPrompter.h"
 
+#include <QAction>
 #include <QCloseEvent>
 #include <QEvent>
 #include <QKeyEvent>
@@ -81,6 +82,7 @@ BrowserWindow::BrowserWindow(const Setting& setting)
     new FocusRing(this);
     new WindowKeys(*this, keys_);
     bindCommands();
+    fillMenusWithFiles();
     followTabs();
     actions_->refresh();
     paneArea().focusContent();
@@ -150,6 +152,25 @@ void BrowserWindow::bindCommands() {
                        settings.setShowsDetailsPane(!settings.showsDetailsPane());
                    }});
     connect(&services_->settings(), &AppSettings::changed, this, &BrowserWindow::applySettings);
+}
+
+void BrowserWindow::fillMenusWithFiles() {
+    auto& context = contextMenu_->owners();
+    context.canPaste = [this] { return files_.clipboard().canPaste(); };
+    context.pasteIntoSelected = [this](BrowserModel& pane) {
+        files_.clipboard().pasteInto(pane, pane.items()[*pane.selection().firstRow()].url());
+    };
+    context.copyFolderPath = [this](const BrowserModel& pane) { files_.clipboard().copyPath(pane); };
+    menus_->owners().fillTemplates = [this](QMenu& menu) {
+        templates_.refresh();
+        for (const NewFileTemplate& pattern : templates_.list()) {
+            auto* const entry = menu.addAction(
+                QString::fromStdString(pattern.title).replace(QLatin1Char('&'), QLatin1String("&&")));
+            entry->setEnabled(files_.creation().canCreate(model()));
+            connect(entry, &QAction::triggered, this,
+                    [this, pattern] { files_.creation().createFile(model(), pattern); });
+        }
+    };
 }
 
 void BrowserWindow::watchMenuOf(FileView& view) {

@@ -6,6 +6,7 @@
 #include "browser/FileActions.h"
 #include "browser/KeyRouter.h"
 #include "browser/OpenActions.h"
+#include "browser/NewFileTemplates.h"
 #include "services/WindowState.h"
 
 #include <QWidget>
@@ -92,6 +93,7 @@ protected:
 private:
     void layOut();
     void bindCommands();
+    void fillMenusWithFiles();
     void followTabs();
     void addPaneArea(std::size_t index);
     [[nodiscard]] PaneArea* paneAreaOf(const BrowserModel& pane) const;
@@ -111,6 +113,7 @@ private:
     CommandDispatcher commands_;
     FileActions files_;
     OpenActions opening_;
+    NewFileTemplates templates_;
     KeyRouter keys_;
     WindowActions* actions_;
     ViewModeActions* viewModes_;
