@@ -1,5 +1,7 @@
 #include "browser/ClipboardActions.h"
 
+#include <algorithm>
+#include <functional>
 #include <memory>
 #include <utility>
 #include <vector>

@@ -4,6 +4,7 @@
 #include "operations/FileOperationError.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace ombrel {
 namespace {

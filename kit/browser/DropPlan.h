@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <optional>
 #include <set>
-#include <utility>
 #include <vector>
 
 namespace ombrel {

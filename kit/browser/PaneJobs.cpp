@@ -7,7 +7,7 @@
 #include <QPointer>
 
 #include <optional>
-#include <string>
+#include <string_view>
 #include <system_error>
 #include <unordered_set>
 #include <utility>
@@ -130,14 +130,26 @@ void PaneJobs::run(BrowserModel& pane, JobPlan plan, Aftermath aftermath) const 
 
 void PaneJobs::run(BrowserModel& pane, std::size_t itemCount, Make make, Aftermath aftermath) const {
     if (itemCount <= fewItems) return run(pane, make(), std::move(aftermath));
-    auto body = [services = QPointer(services_), outset = std::make_shared<Outset>(pane),
-                 make = std::move(make), aftermath = std::move(aftermath)](const std::stop_token&) mutable {
-        MainThread::post([services = std::move(services), outset = std::move(outset), plan = make(),
-                          aftermath = std::move(aftermath)]() mutable {
-            if (services) start(*services, std::move(outset), std::move(plan), std::move(aftermath));
+    struct Gathering {
+        QPointer<AppServices> services;
+        std::shared_ptr<Outset> outset;
+        Make make;
+        Aftermath aftermath;
+    };
+    const auto gathering = std::make_shared<Gathering>(services_, std::make_shared<Outset>(pane),
+                                                       std::move(make), std::move(aftermath));
+    const auto gather = [gathering] {
+        MainThread::post([gathering, plan = gathering->make()]() mutable {
+            auto& known = *gathering;
+            if (known.services)
+                start(*known.services, std::move(known.outset), std::move(plan), std::move(known.aftermath));
         });
     };
-    Worker("ombrel-gather", std::move(body)).detach();
+    try {
+        Worker("ombrel-gather", [gather](const std::stop_token&) { gather(); }).detach();
+    } catch (const std::system_error&) {
+        gather(); // no thread is left
+    }
 }
 
 std::vector<FileReference> PaneJobs::referencesOf(const FileSelection& selection) {

@@ -10,7 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <memory>
+#include <optional>
 #include <vector>
 
 namespace ombrel {
