@@ -189,7 +189,7 @@ TEST(PaneRefused, EndsEachListingThatFailsAtAnyPointAndRecovers) {
     const auto folder = tree.folder("shown");
     for (const char* name : {"shown/a", "shown/b", "shown/c"})
         tree.file(name);
-    tree.symlink("b", "shown/link");
+    tree.symlink("shown/link", "b");
     BrowserModel model(realListings());
     const auto isOver = [&] { return model.listingState() != ListingState::Case::loading; };
     const auto openAndRefresh = [&] {
