@@ -1,6 +1,6 @@
 #include "app/Arguments.h"
-#include "app/Lifetime.h"
 #include "app/Instance.h"
+#include "app/Lifetime.h"
 #include "app/Picture.h"
 #include "app/Services.h"
 #include "app/Windows.h"
@@ -126,10 +126,7 @@ int runApplication(QApplication& application, const Arguments& arguments) {
                          [&follower](Qt::ApplicationState state) {
                              if (state == Qt::ApplicationActive) follower.refresh();
                          });
-        const auto openWindows = [&windows, &arguments] {
-            windows->open(arguments.folders.empty() ? std::vector{PathInput::userHomeDirectory()}
-                                                    : arguments.folders);
-        };
+        const auto openWindows = [&windows, &arguments] { windows->open(arguments.folders); };
         // Who asks for a folder is not kept from it.
         if (arguments.folders.empty() && !services->settings().didCompleteOnboarding()) {
             auto* const onboarding = new OnboardingDialog(theme, *services);

@@ -5,12 +5,14 @@
 #include "browser/PaneMaker.h"
 #include "browser/ThumbnailStore.h"
 #include "services/AppServices.h"
+#include "ui/AboutDialog.h"
 #include "ui/AddressBar.h"
 #include "ui/CommandBar.h"
 #include "ui/ContextMenu.h"
 #include "ui/FileView.h"
 #include "ui/FocusCycle.h"
 #include "ui/FocusRing.h"
+#include "ui/FolderOptionsDialog.h"
 #include "ui/HomeView.h"
 #include "ui/JobChip.h"
 #include "ui/LocalizedText.h"
@@ -23,6 +25,7 @@
 #include "ui/PaneSplitter.h"
 #include "ui/ProgressWindow.h"
 #include "ui/SearchField.h"
+#include "ui/SettingsWindow.h"
 #include "ui/StatusBar.h"
 #include "ui/TabStrip.h"
 #include "ui/Theme.h"
@@ -36,9 +39,11 @@
 #include <QAction>
 #include <QCloseEvent>
 #include <QEvent>
+#include <QIcon>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -83,6 +88,7 @@ BrowserWindow::BrowserWindow(const Setting& setting)
     new WindowKeys(*this, keys_);
     bindCommands();
     fillMenusWithFiles();
+    places_->home().setPrompter(prompter_);
     followTabs();
     actions_->refresh();
     paneArea().focusContent();
@@ -161,7 +167,14 @@ void BrowserWindow::fillMenusWithFiles() {
         files_.clipboard().pasteInto(pane, pane.items()[*pane.selection().firstRow()].url());
     };
     context.copyFolderPath = [this](const BrowserModel& pane) { files_.clipboard().copyPath(pane); };
-    menus_->owners().fillTemplates = [this](QMenu& menu) {
+    context.fillOpenWith = [this](QMenu& menu, BrowserModel& pane) { fillOpenWith(menu, pane); };
+    auto& menus = menus_->owners();
+    menus.showSettings = [this] { SettingsWindow::open(*theme_, *services_); };
+    menus.showFolderOptions = [this] {
+        (new FolderOptionsDialog(*theme_, services_->settings(), this))->open();
+    };
+    menus.showAbout = [this] { (new AboutDialog(*theme_, this))->open(); };
+    menus.fillTemplates = [this](QMenu& menu) {
         templates_.refresh();
         for (const NewFileTemplate& pattern : templates_.list()) {
             auto* const entry = menu.addAction(
@@ -171,6 +184,22 @@ void BrowserWindow::fillMenusWithFiles() {
                     [this, pattern] { files_.creation().createFile(model(), pattern); });
         }
     };
+}
+
+/// The applications come when a worker has found them.
+void BrowserWindow::fillOpenWith(QMenu& menu, BrowserModel& pane) {
+    opening_.applicationsForSelection(
+        pane, [this, shown = QPointer(&menu), selected = QPointer(&pane)](const ApplicationChoice& choice) {
+            if (!shown || !selected) return;
+            for (const DesktopApplication& application : choice.applications) {
+                auto* const entry = shown->addAction(
+                    QIcon::fromTheme(QString::fromStdString(application.icon)),
+                    QString::fromStdString(application.name).replace(QLatin1Char('&'), QLatin1String("&&")));
+                connect(entry, &QAction::triggered, this, [this, selected, application] {
+                    if (selected) opening_.openWith(*selected, application);
+                });
+            }
+        });
 }
 
 void BrowserWindow::watchMenuOf(FileView& view) {

@@ -5,8 +5,8 @@
 #include "browser/CommandDispatcher.h"
 #include "browser/FileActions.h"
 #include "browser/KeyRouter.h"
-#include "browser/OpenActions.h"
 #include "browser/NewFileTemplates.h"
+#include "browser/OpenActions.h"
 #include "services/WindowState.h"
 
 #include <QWidget>
@@ -14,6 +14,7 @@
 #include <optional>
 #include <vector>
 
+class QMenu;
 class QStackedWidget;
 
 namespace ombrel {
@@ -100,6 +101,7 @@ private:
     void showActiveTab();
     void refreshTitle();
     void applySettings();
+    void fillOpenWith(QMenu& menu, BrowserModel& pane);
     void watchMenuOf(FileView& view);
     void showContextMenu(QPoint globalPosition);
     void placeJobChip();

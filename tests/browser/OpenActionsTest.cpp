@@ -14,10 +14,10 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using testing::namesOf;
+using testing::OpeningPrompter;
 using testing::runUntil;
 using testing::runUntilLoaded;
 using testing::runUntilQuiet;
-using testing::ScriptedPrompter;
 using testing::ScriptedWorkspace;
 using testing::select;
 using testing::selectedNames;
@@ -71,7 +71,7 @@ protected:
     std::shared_ptr<ScriptedWorkspace> workspace = std::make_shared<ScriptedWorkspace>();
     OpenActions actions{*services};
     CommandDispatcher commands;
-    ScriptedPrompter prompter;
+    OpeningPrompter prompter;
     BrowserModel pane{testing::realListings()};
     std::vector<FileURL> tabs, windows;
 };

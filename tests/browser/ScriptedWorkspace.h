@@ -85,7 +85,7 @@ private:
 };
 
 /// Answers at once, and keeps what it was asked and told.
-class ScriptedPrompter final : public BrowserPrompter {
+class OpeningPrompter final : public BrowserPrompter {
 public:
     void ask(const BrowserQuestion& question, Answer answer) override {
         questions.push_back(question);
