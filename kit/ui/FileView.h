@@ -61,7 +61,7 @@ public:
     };
     /// What a view looks at besides its pane. Each may be missing and must outlive the view.
     struct Sources {
-        AppSettings* settings = nullptr; ///< check boxes, compact rows, hidden endings, columns
+        AppSettings* settings = nullptr;             ///< check boxes, compact rows, hidden endings, columns
         const ClipboardService* clipboard = nullptr; ///< what is cut
         ThumbnailStore* thumbnails = nullptr;
         FileActions* actions = nullptr; ///< renaming and dropping; without it there is neither
