@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <functional>
+#include <string_view>
 #include <thread>
 #include <utility>
 
@@ -84,6 +86,13 @@ std::string Desktop::title() const {
 
 bool Desktop::hasTitle(const std::string& title) const {
     return waitFor([&] { return this->title() == title; });
+}
+
+int Desktop::windowWidth() const {
+    const std::string told = hand({"getactivewindow", "getwindowgeometry", "--shell"});
+    constexpr std::string_view label = "WIDTH=";
+    const auto found = told.find(label);
+    return found == std::string::npos ? 0 : std::atoi(told.c_str() + found + label.size());
 }
 
 void Desktop::click(QPoint at, int times) const {

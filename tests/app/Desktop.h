@@ -33,6 +33,8 @@ public:
     [[nodiscard]] std::string title() const;
     /// Waits until the window with the focus is called `title`.
     [[nodiscard]] bool hasTitle(const std::string& title) const;
+    /// In pixels, of the window with the focus; 0 when there is none.
+    [[nodiscard]] int windowWidth() const;
     /// A point inside the window with the focus.
     void click(QPoint at, int times = 1) const;
     void key(const std::string& name) const { hand({"key", "--clearmodifiers", name}); }

@@ -7,32 +7,27 @@
 
 namespace ombrel::testing {
 
-/// Where things are in a first window of the real program, from the same tables that it is laid out with.
-///
-/// Sizes follow the interface font: it is the one that a program has on a display without a desktop, as
-/// `Desktop` shows it.
+/// Where things are in a first window of the real program: its sizes follow the interface font of the
+/// display that it is on, and so does its width, which tells by how much.
 class WindowPlaces {
 public:
-    [[nodiscard]] static WindowPlaces measured() {
+    /// `width` of the window in pixels, on a screen that is large enough for a first window.
+    explicit WindowPlaces(int width) {
+        // Fonts want an application object.
         static int count = 3;
         static char program[] = "places", option[] = "-platform", platform[] = "offscreen";
         static char* words[] = {program, option, platform, nullptr};
-        qputenv("QT_FONT_DPI", "104");
         const QGuiApplication application(count, words);
-        constexpr int points = 9;
-        Theme theme;
-        theme.setInterfaceFont(QFont(QStringLiteral("Sans Serif"), points));
-        const auto size = [&theme](ThemeSize token) { return theme.size(token); };
-        WindowPlaces places;
-        places.listLeft_ = size(ThemeSize::tree);
-        places.headerTop_ =
-            size(ThemeSize::tabStrip) + size(ThemeSize::navigationRow) + size(ThemeSize::commandBar);
-        places.headerHeight_ = size(ThemeSize::header);
-        places.firstRowTop_ = places.headerTop_ + places.headerHeight_ + size(ThemeSize::listInset);
-        places.rowHeight_ = size(ThemeSize::row);
-        places.nameLeft_ = places.listLeft_ + size(ThemeSize::checkBoxColumn) + size(ThemeSize::listInset);
-        places.icon_ = size(ThemeSize::listIcon);
-        return places;
+        const Theme theme;
+        const double scale = static_cast<double>(width) / theme.size(ThemeSize::windowWidth);
+        const auto size = [&](ThemeSize token) { return static_cast<int>(theme.size(token) * scale); };
+        const int listLeft = size(ThemeSize::tree);
+        headerTop_ = size(ThemeSize::tabStrip) + size(ThemeSize::navigationRow) + size(ThemeSize::commandBar);
+        headerHeight_ = size(ThemeSize::header);
+        firstRowTop_ = headerTop_ + headerHeight_ + size(ThemeSize::listInset);
+        rowHeight_ = size(ThemeSize::row);
+        nameLeft_ = listLeft + size(ThemeSize::checkBoxColumn) + size(ThemeSize::listInset);
+        icon_ = size(ThemeSize::listIcon);
     }
 
     /// On the name of a row, counted from 0.
@@ -42,8 +37,7 @@ public:
     [[nodiscard]] QPoint nameHeader() const { return {nameLeft_ + icon_, headerTop_ + headerHeight_ / 2}; }
 
 private:
-    int listLeft_ = 0, headerTop_ = 0, headerHeight_ = 0, firstRowTop_ = 0, rowHeight_ = 0, nameLeft_ = 0,
-        icon_ = 0;
+    int headerTop_ = 0, headerHeight_ = 0, firstRowTop_ = 0, rowHeight_ = 0, nameLeft_ = 0, icon_ = 0;
 };
 
 } // namespace ombrel::testing

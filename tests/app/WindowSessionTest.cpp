@@ -47,8 +47,8 @@ protected:
         ASSERT_EQ(::utimensat(AT_FDCWD, tree.path(name).c_str(), times, 0), 0);
     }
 
-    void doubleClickFirstRow() { desktop->click(places.row(0), 2); }
-    void clickNameHeader() { desktop->click(places.nameHeader()); }
+    void doubleClickFirstRow() { desktop->click(WindowPlaces(desktop->windowWidth()).row(0), 2); }
+    void clickNameHeader() { desktop->click(WindowPlaces(desktop->windowWidth()).nameHeader()); }
     /// Whether Enter on the first row leads into `name`.
     [[nodiscard]] bool firstFolderIs(const std::string& name) {
         desktop->key("Home");
@@ -58,7 +58,6 @@ protected:
     /// For what the program does on a worker and then shows without a change of its title.
     static void giveTime() { std::this_thread::sleep_for(std::chrono::milliseconds(300)); }
 
-    const WindowPlaces places = WindowPlaces::measured();
     TempTree tree;
     std::unique_ptr<Desktop> desktop;
     std::unique_ptr<testing::ChildProcess> program;

@@ -159,11 +159,11 @@ TEST_F(Tree, TakesItemsIntoFoldersAndOpensUnderADrag) {
 
 TEST_F(Tree, SpeaksItsRows) {
     forbidPlace();
-    auto* const tree = QAccessible::queryAccessibleInterface(&view);
-    ASSERT_NE(tree, nullptr);
-    EXPECT_EQ(tree->role(), QAccessible::Tree);
-    EXPECT_EQ(tree->text(QAccessible::Name).toStdString(), "Folders");
-    auto* const last = tree->child(tree->childCount() - 1);
+    auto* const spoken = QAccessible::queryAccessibleInterface(&view);
+    ASSERT_NE(spoken, nullptr);
+    EXPECT_EQ(spoken->role(), QAccessible::Tree);
+    EXPECT_EQ(spoken->text(QAccessible::Name).toStdString(), "Folders");
+    auto* const last = spoken->child(spoken->childCount() - 1);
     ASSERT_NE(last, nullptr);
     EXPECT_EQ(last->role(), QAccessible::TreeItem);
     EXPECT_EQ(last->text(QAccessible::Name).toStdString(), "place");
