@@ -59,7 +59,7 @@ void FolderAccess::learn(const FileURL& url, bool isForbidden) {
 }
 
 void FolderAccess::openPinned(BrowserModel& pane, const PinnedFolder& folder, Prompting prompting) {
-    const FileURL url = folder.url(services_->settings().knownFolders());
+    const FileURL& url = folder.url(services_->settings().knownFolders());
     if (prompting == Prompting::no || isCovered(url)) return pane.navigate(url);
     look(url, [this, url, guard = QPointer(&pane), generation = pane.generation()](bool forbidden) {
         // The user may have gone elsewhere meanwhile.

@@ -122,6 +122,7 @@ FolderTreeModel::Nodes FolderTreeModel::topRows() const {
 FolderTreeModel::Node* FolderTreeModel::nodeOf(const QModelIndex& index) const {
     if (!index.isValid()) return root_.get();
     const auto* const above = static_cast<const Node*>(index.internalPointer());
+    if (!above) return nullptr;
     if (above == root_.get()) return above->children.at(static_cast<std::size_t>(index.row())).get();
     const auto found =
         std::ranges::find(above->children, index.row(), [](const auto& node) { return node->row; });
@@ -513,10 +514,10 @@ std::string FolderTreeModel::handKey(const Node& top, const FileURL& url) {
 
 void FolderTreeModel::setOrigin(const QModelIndex& index) {
     const Entry shown = entry(index);
-    if (!shown.url) return origin_.reset();
-    const auto* const above = static_cast<const Node*>(index.internalPointer());
-    const Node& node = above == root_.get() ? *nodeOf(index) : *above;
-    origin_ = Origin{topOf(node).key, *shown.url};
+    const auto* node = static_cast<const Node*>(index.internalPointer());
+    if (node == root_.get()) node = nodeOf(index);
+    if (!shown.url || !node) return origin_.reset();
+    origin_ = Origin{topOf(*node).key, *shown.url};
 }
 
 FolderTreeModel::Node* FolderTreeModel::rootFor(const FileURL& target) const {
