@@ -269,6 +269,7 @@ TEST_F(Opening, RemembersTheApplicationsThatOpenFolders) {
     tree.file("Work/file");
     show({"file"});
     actions.openWith(pane, ScriptedWorkspace::editor());
+    ASSERT_TRUE(settle());
     EXPECT_THAT(services->settings().recentFolderApps(), IsEmpty());
     select(pane, {"a"});
     actions.openWith(pane, ScriptedWorkspace::editor());
