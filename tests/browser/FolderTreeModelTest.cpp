@@ -18,7 +18,6 @@ namespace ombrel {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 using testing::realListings;
 using testing::runUntil;
 using testing::runUntilQuiet;

@@ -14,7 +14,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using testing::runUntil;
-using testing::runUntilQuiet;
 using testing::ServicesWorld;
 using testing::TempTree;
 using Section = HomeModel::Section;

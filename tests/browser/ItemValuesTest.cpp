@@ -15,7 +15,6 @@
 namespace ombrel {
 namespace {
 
-using ::testing::IsEmpty;
 using testing::runUntil;
 using testing::runUntilLoaded;
 using testing::runUntilQuiet;

@@ -13,7 +13,6 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using testing::namesOf;
 using testing::OpeningPrompter;
 using testing::runUntil;
 using testing::runUntilLoaded;

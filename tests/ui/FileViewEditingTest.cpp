@@ -13,7 +13,6 @@ namespace {
 
 using namespace testing;
 using ::testing::Contains;
-using ::testing::ElementsAre;
 using ::testing::Not;
 
 /// A details view whose pane can rename and take drops.
