@@ -24,15 +24,15 @@ TEST(Crumbs, BeginAtTheNearestPlaceThatIsKnown) {
     const std::vector<AddressCrumb> starts{{url("/"), "System"},
                                            {url("/media/stick"), "Survey drive"},
                                            {url("/home/ann"), "ann"},
-                                           {url("/home/ann/Work/Projects"), "Projects"}};
+                                           {url("/home/ann/Desk/Projects"), "Projects"}};
     const auto crumbs = [&](std::string_view path) {
         std::string names;
         for (const AddressCrumb& crumb : AddressCrumbs::of(url(path), starts))
             names += (names.empty() ? "" : " > ") + crumb.name;
         return names;
     };
-    EXPECT_EQ(crumbs("/home/ann/Work/Projects/a/b"), "Projects > a > b");
-    EXPECT_EQ(crumbs("/home/ann/Work"), "ann > Work");
+    EXPECT_EQ(crumbs("/home/ann/Desk/Projects/a/b"), "Projects > a > b");
+    EXPECT_EQ(crumbs("/home/ann/Desk"), "ann > Desk");
     EXPECT_EQ(crumbs("/home/anna"), "System > home > anna");
     EXPECT_EQ(crumbs("/media/stick"), "Survey drive");
     EXPECT_EQ(crumbs("/"), "System");
