@@ -44,7 +44,8 @@ std::string timeText(double value) {
 std::string lineWith(const char* path, const std::string& beginning) {
     std::ifstream file(path);
     for (std::string line; std::getline(file, line);)
-        if (line.starts_with(beginning)) return line.substr(line.find(':') + 1);
+        if (line.starts_with(beginning))
+            return line.substr(std::min(line.find_first_not_of(" \t", line.find(':') + 1), line.size()));
     return {};
 }
 
@@ -138,7 +139,7 @@ void Report::value(const std::string& figure, double ours, const std::string& un
 int Report::print() const {
     utsname system{};
     ::uname(&system);
-    std::printf("%s\n%u cores,%s; %s KiB memory; %s %s\n", subject_.c_str(),
+    std::printf("%s\n%u cores, %s; memory %s; %s %s\n", subject_.c_str(),
                 std::thread::hardware_concurrency(), lineWith("/proc/cpuinfo", "model name").c_str(),
                 lineWith("/proc/meminfo", "MemTotal").c_str(), system.sysname, system.release);
     for (const auto& line : notes_)

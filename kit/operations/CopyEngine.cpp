@@ -9,6 +9,7 @@
 
 #include <fcntl.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -22,6 +23,10 @@ std::unexpected<CopyFailure> cancelled() {
     return std::unexpected(CopyFailure{Error::Case::cancelled, Reach::item});
 }
 
+constexpr std::int64_t blockBytes = 512; // the unit of FileStatus::blocks
+/// A file of at least so many bytes is compared while it is copied.
+constexpr auto smallestAhead = 4 * PairChecker::pieceBytes;
+
 FileContent::Settings contentSettings(const CopyEngine::Settings& settings) {
     return {settings.keepsPace, settings.findsHolesItself};
 }
@@ -32,6 +37,7 @@ CopyEngine::CopyEngine(const Settings& settings, CopyObserver& observer)
     : settings_(settings), observer_(observer),
       content_(contentSettings(settings), [this](std::int64_t bytes) {
           copiedOfFile_ += bytes;
+          if (ahead_) checkAhead();
           return observer_.copied(bytes);
       }) {}
 
@@ -231,6 +237,10 @@ CopyResult<void> CopyEngine::copyFile(Index index) {
     if (!to) return std::unexpected(CopyFailure::ofCopyName(to.error()));
     hasBegun_ = true;
     copiedOfFile_ = 0;
+    // Of a file with holes it is not known how much of it is there while it is copied.
+    const bool hasHoles = status->blocks * blockBytes < status->size;
+    if (settings_.checker && !hasHoles && status->size >= smallestAhead && openPair())
+        ahead_ = {.index = index, .size = status->size};
     auto filled = fillFile(index, from->get(), *status, *to);
     if (!filled) return removePartial(index, filled.error());
     manifest_.record(index, *status);
@@ -265,6 +275,7 @@ CopyResult<void> CopyEngine::fillFile(Index index, int from, const FileStatus& s
 
 /// Takes a file away that was not copied whole. One that stays would be mistaken for a copy.
 CopyResult<void> CopyEngine::removePartial(Index index, CopyFailure failure) {
+    endCheckingAhead();
     const auto removed = POSIX::unlink(copyPlace(index));
     if (!removed) failure.reach = Reach::item;
     if (removed && index == TreeManifest::root) hasBegun_ = false;
@@ -299,19 +310,46 @@ CopyResult<void> CopyEngine::copyFIFO(Index index, const FileStatus& status) {
     return {};
 }
 
+bool CopyEngine::openPair() {
+    if (pair_) return true;
+    auto source = POSIX::open(POSIX::Place{source_->fd(), "."}, O_PATH | O_DIRECTORY);
+    auto copy = POSIX::open(POSIX::Place{copy_->fd(), "."}, O_PATH | O_DIRECTORY);
+    if (!source || !copy) return false;
+    pair_ = std::make_shared<FolderPair>(FolderPair{std::move(*source), std::move(*copy)});
+    return true;
+}
+
+void CopyEngine::checkAhead() {
+    constexpr auto piece = PairChecker::pieceBytes;
+    const PairChecker::Names names{sourcePlace(ahead_->index).name, copyPlace(ahead_->index).name};
+    const auto end = std::min(copiedOfFile_, ahead_->size - 1);
+    for (; ahead_->next + piece <= end; ahead_->next += piece)
+        settings_.checker->addPiece(pair_, names, {ahead_->next, ahead_->next + piece}, {ahead_->size});
+}
+
+/// Nobody reads a copy that is to be removed, so that nothing is missed where another takes its name.
+void CopyEngine::endCheckingAhead() {
+    if (!ahead_) return;
+    ahead_.reset();
+    while (settings_.checker->compareSome()) {
+    }
+    settings_.checker->waitUntilIdle();
+}
+
 void CopyEngine::check(Index index, std::int64_t size) {
     if (!settings_.checker) return;
-    if (!pair_) {
-        auto source = POSIX::open(POSIX::Place{source_->fd(), "."}, O_PATH | O_DIRECTORY);
-        auto copy = POSIX::open(POSIX::Place{copy_->fd(), "."}, O_PATH | O_DIRECTORY);
-        isChecked_ = isChecked_ && source && copy;
-        if (!source || !copy) return;
-        pair_ = std::make_shared<FolderPair>(FolderPair{std::move(*source), std::move(*copy)});
+    if (!openPair()) {
+        isChecked_ = false;
+        return;
     }
+    const auto ahead = std::exchange(ahead_, std::nullopt);
+    const PairChecker::Names names{sourcePlace(index).name, copyPlace(index).name};
     // What does not know its size is looked at anew.
-    FilePairComparison::Known known;
-    if (copiedOfFile_ == size) known = {size, !fileHasAttributes_};
-    settings_.checker->add(pair_, sourcePlace(index).name, copyPlace(index).name, size, known);
+    if (copiedOfFile_ != size) return settings_.checker->add(pair_, names, size);
+    const FilePairComparison::Known known{size, !fileHasAttributes_};
+    if (!ahead) return settings_.checker->add(pair_, names, size, known);
+    settings_.checker->addPiece(pair_, names, {0, PairChecker::pieceBytes}, known);
+    settings_.checker->add(pair_, names, size, known, ahead->next);
 }
 
 } // namespace ombrel

@@ -93,6 +93,9 @@ private:
     [[nodiscard]] CopyResult<void> copyLink(Index index, const FileStatus& status);
     [[nodiscard]] CopyResult<void> copyFIFO(Index index, const FileStatus& status);
     [[nodiscard]] CopyResult<void> removePartial(Index index, CopyFailure failure);
+    [[nodiscard]] bool openPair();
+    void checkAhead();
+    void endCheckingAhead();
     void check(Index index, std::int64_t size);
     [[nodiscard]] POSIX::Place sourcePlace(Index index) const noexcept;
     [[nodiscard]] POSIX::Place copyPlace(Index index) const noexcept;
@@ -113,6 +116,14 @@ private:
     std::vector<bool> copiedAhead_;
     Index firstAhead_ = 0;
     std::int64_t copiedOfFile_ = 0;
+    /// Of a large file, which is compared while it is still being copied; its first piece is left for the
+    /// end, because what the file carries is compared with that.
+    struct Ahead {
+        Index index = 0;
+        std::int64_t size = 0;
+        std::int64_t next = PairChecker::pieceBytes; ///< from where on nothing is given to the checker
+    };
+    std::optional<Ahead> ahead_;
     bool fileHasAttributes_ = false; // the file that was copied last
     OwnedFd top_;
     bool hasBegun_ = false;

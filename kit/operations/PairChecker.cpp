@@ -13,28 +13,40 @@ PairChecker::~PairChecker() {
     abandon();
 }
 
-void PairChecker::add(const std::shared_ptr<const FolderPair>& folders, const char* source, const char* copy,
-                      std::int64_t size, FilePairComparison::Known known) {
+void PairChecker::add(const std::shared_ptr<const FolderPair>& folders, Names names, std::int64_t size,
+                      FilePairComparison::Known known, std::int64_t from) {
+    if (open_.folders != folders) handOver();
+    // A large file goes in pieces, so that both threads have their share.
+    for (; size - from > pieceBytes; from += pieceBytes)
+        addPiece(folders, names, {from, from + pieceBytes}, known);
+    open_.folders = folders;
+    open_.pairs.push_back({names, {.start = from}, known});
+    open_.bytes += size - from;
+    if (open_.pairs.size() >= pairsPerBatch || open_.bytes >= pieceBytes) handOver();
+}
+
+void PairChecker::addPiece(const std::shared_ptr<const FolderPair>& folders, Names names,
+                           FilePairComparison::Range range, FilePairComparison::Known known) {
     if (open_.folders != folders) handOver();
     open_.folders = folders;
-    FilePairComparison::Range range;
-    // A large file goes in pieces, so that both threads have their share.
-    for (; size - range.start > bytesPerBatch; range.start += bytesPerBatch) {
-        range.end = range.start + bytesPerBatch;
-        open_.pairs.push_back({source, copy, range, known});
-        handOver();
-        open_.folders = folders;
-    }
-    range.end = FilePairComparison::Range{}.end;
-    open_.pairs.push_back({source, copy, range, known});
-    open_.bytes += size - range.start;
-    if (open_.pairs.size() >= pairsPerBatch || open_.bytes >= bytesPerBatch) handOver();
+    open_.pairs.push_back({names, range, known});
+    handOver();
 }
 
 void PairChecker::add(Work work) {
     Batch batch;
     batch.work = std::move(work);
     handOver(std::move(batch));
+}
+
+void PairChecker::share(Work work) {
+    startHelper();
+    add(std::move(work));
+}
+
+void PairChecker::note(Verification result) {
+    const std::scoped_lock lock(lock_);
+    worst_ = worse(worst_, result);
 }
 
 void PairChecker::handOver() {
@@ -50,11 +62,14 @@ void PairChecker::handOver(Batch batch) {
         waiting_.push_back(std::move(batch));
     }
     // One batch may be all there is, and then the other thread is not worth its start.
-    if (!isOnly && !worker_.joinable())
-        worker_ = std::jthread([this](const std::stop_token& stop) { work(stop); });
+    if (!isOnly) startHelper();
     changed_.notify_all();
     // The queue bounds the descriptors that wait in it.
     if (isFull) (void)takeOne(own_);
+}
+
+void PairChecker::startHelper() {
+    if (!worker_.joinable()) worker_ = std::jthread([this](const std::stop_token& stop) { work(stop); });
 }
 
 void PairChecker::work(const std::stop_token& stop) {
@@ -96,7 +111,7 @@ Verification PairChecker::compare(const Batch& batch, FilePairComparison& compar
     Verification worst = Verification::identical;
     const int source = batch.folders->source.get(), copy = batch.folders->copy.get();
     for (const auto& pair : batch.pairs) {
-        const POSIX::Place from{source, pair.source}, to{copy, pair.copy};
+        const POSIX::Place from{source, pair.names.source}, to{copy, pair.names.copy};
         worst = worse(worst, pair.known.size < 0
                                  ? comparison.compare(from, to, pair.range, support_)
                                  : comparison.compareRest(from, to, pair.range, pair.known, support_));

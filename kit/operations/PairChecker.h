@@ -31,12 +31,27 @@ public:
     /// Abandons what is not compared yet.
     ~PairChecker();
 
-    /// One more pair of regular files, about `size` bytes each. The names must stay until it is compared.
-    void add(const std::shared_ptr<const FolderPair>& folders, const char* source, const char* copy,
-             std::int64_t size, FilePairComparison::Known known = {});
+    /// Bytes of a large file that are compared at a time.
+    static constexpr std::int64_t pieceBytes = std::int64_t{32} << 20;
+
+    /// Two regular files, by their names in two folders, which must stay until they are compared.
+    struct Names {
+        const char* source;
+        const char* copy;
+    };
+    /// One more pair, about `size` bytes each, of which those before `from` are left out.
+    void add(const std::shared_ptr<const FolderPair>& folders, Names names, std::int64_t size,
+             FilePairComparison::Known known = {}, std::int64_t from = 0);
+    /// A part of a pair.
+    void addPiece(const std::shared_ptr<const FolderPair>& folders, Names names,
+                  FilePairComparison::Range range, FilePairComparison::Known known);
     /// Some other comparison, on whichever thread has the time for it.
     using Work = std::function<Verification(FilePairComparison&)>;
     void add(Work work);
+    /// The same, for the other thread to help with while this one is busy with its like.
+    void share(Work work);
+    /// The outcome of a comparison made elsewhere.
+    void note(Verification result);
 
     /// Does one piece of what waits, on this thread; answers whether there was any.
     bool compareSome();
@@ -52,8 +67,7 @@ public:
 
 private:
     struct Pair {
-        const char* source;
-        const char* copy;
+        Names names;
         FilePairComparison::Range range;
         FilePairComparison::Known known;
     };
@@ -67,12 +81,12 @@ private:
 
     void handOver();
     void handOver(Batch batch);
+    void startHelper();
     void work(const std::stop_token& stop);
     [[nodiscard]] bool takeOne(FilePairComparison& comparison);
     [[nodiscard]] Verification compare(const Batch& batch, FilePairComparison& comparison);
 
     static constexpr std::size_t pairsPerBatch = 64;
-    static constexpr std::int64_t bytesPerBatch = std::int64_t{32} << 20;
     static constexpr std::size_t longestQueue = 16;
 
     const FilePairComparison::Settings settings_;

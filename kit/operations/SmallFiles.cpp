@@ -29,17 +29,18 @@ SmallFiles::SmallFiles(const Settings& settings, std::vector<File> files, std::f
 
 CopyResult<void> SmallFiles::run(PairChecker& checker,
                                  const std::function<bool(std::int64_t bytes)>& copied) {
-    for (std::size_t first = 0; first < files_.size(); first += filesPerBatch)
-        checker.add([this, first](FilePairComparison&) { return copyBatch(first); });
-    bool goesOn = true;
-    do {
-        if (goesOn && !copied(bytes_.exchange(0))) {
-            goesOn = false;
-            isStopped_ = true;
-        }
-    } while (checker.compareSome());
+    checker.share([this](FilePairComparison&) { return copySome(files_.size()); });
+    Verification worst = Verification::identical;
+    while (!isStopped_ && stuck_ == 0 && next_ < files_.size()) {
+        worst = worse(worst, copySome(filesPerReport));
+        if (!copied(bytes_.exchange(0))) isStopped_ = true;
+    }
+    checker.note(worst);
+    // What the other thread has not even begun is not worth waiting for.
+    while (checker.compareSome()) {
+    }
     checker.waitUntilIdle();
-    goesOn = copied(bytes_.exchange(0)) && goesOn;
+    const bool goesOn = copied(bytes_.exchange(0)) && !isStopped_;
     if (const int number = stuck_)
         return std::unexpected(CopyFailure{CopyFailure::ofCopy({number}).error, CopyFailure::Reach::item});
     if (!goesOn)
@@ -47,13 +48,19 @@ CopyResult<void> SmallFiles::run(PairChecker& checker,
     return {};
 }
 
-/// On any thread.
-Verification SmallFiles::copyBatch(std::size_t first) {
+/// On any thread: files that nobody has taken yet, `most` of them.
+Verification SmallFiles::copySome(std::size_t most) {
     std::byte* const buffers = buffersOfThisThread();
     Verification worst = Verification::identical;
-    const auto end = std::min(first + filesPerBatch, files_.size());
-    for (std::size_t i = first; i < end && !isStopped_ && stuck_ == 0 && goesOn_(); ++i)
-        if (const auto compared = copyOne(files_[i], buffers)) worst = worse(worst, *compared);
+    for (std::size_t done = 0; done < most && !isStopped_ && stuck_ == 0; ++done) {
+        if (!goesOn_()) {
+            isStopped_ = true;
+            break;
+        }
+        const std::size_t taken = next_++;
+        if (taken >= files_.size()) break;
+        if (const auto compared = copyOne(files_[taken], buffers)) worst = worse(worst, *compared);
+    }
     return worst;
 }
 

@@ -51,17 +51,18 @@ public:
     [[nodiscard]] const std::vector<File>& files() const noexcept { return files_; }
 
 private:
-    [[nodiscard]] Verification copyBatch(std::size_t first);
+    [[nodiscard]] Verification copySome(std::size_t most);
     [[nodiscard]] std::optional<Verification> copyOne(File& file, std::byte* buffers);
     [[nodiscard]] std::optional<Verification> fill(int from, const FileStatus& status, int to,
                                                    std::byte* buffers);
     [[nodiscard]] bool isForHere(const FileStatus& status) const noexcept;
 
-    static constexpr std::size_t filesPerBatch = 4;
+    static constexpr std::size_t filesPerReport = 4;
 
     const Settings settings_;
     std::vector<File> files_;
     const std::function<bool()> goesOn_;
+    std::atomic<std::size_t> next_ = 0;   // the first that neither thread has taken
     std::atomic<std::int64_t> bytes_ = 0; // copied and not yet told
     std::atomic<bool> isStopped_ = false;
     std::atomic<int> stuck_ = 0; // why a name could not be removed

@@ -96,7 +96,7 @@ Verification TreeVerification::compareEntry(Index index) {
     if (source->isRegular()) {
         if (isAsItWas(index, *source, *copy)) return Verification::identical;
         if (!openPair()) return Verification::different;
-        checker_.add(pair_, sourcePlace(index).name, copyPlace(index).name, source->size);
+        checker_.add(pair_, {sourcePlace(index).name, copyPlace(index).name}, source->size);
         return Verification::identical;
     }
     if (source->isSymlink()) {
@@ -121,7 +121,7 @@ bool TreeVerification::openPair() {
 Verification TreeVerification::addFile(Index index) {
     if (!openPair()) return Verification::different;
     if (settings_.contents == Contents::all) {
-        checker_.add(pair_, manifest_.name(index), manifest_.name(index), manifest_.size(index));
+        checker_.add(pair_, {manifest_.name(index), manifest_.name(index)}, manifest_.size(index));
         return Verification::identical;
     }
     if (files_.end != index || files_.end - files_.first == filesPerBatch) {

@@ -3,6 +3,7 @@
 #include "base/FileName.h"
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 namespace ombrel::ClipboardFormats {
@@ -45,11 +46,21 @@ std::vector<FileURL> filesInText(std::string_view text) {
     return takeLine(text) == nautilusMark ? markedFilesIn(text) : std::vector<FileURL>();
 }
 
-std::string joined(const std::vector<std::string>& lines, std::string_view separator) {
+std::string uris(const std::vector<FileURL>& urls, std::string_view separator) {
     std::string text;
-    for (const auto& line : lines) {
-        if (&line != &lines.front()) text += separator;
-        text += line;
+    for (const auto& url : urls) {
+        if (&url != &urls.front()) text += separator;
+        // Programs that split a URI at its last "/" find no name in one that ends in it.
+        text += url.marked(FileURL::Mark::none).uri();
+    }
+    return text;
+}
+
+std::string paths(const std::vector<FileURL>& urls) {
+    std::string text;
+    for (const auto& url : urls) {
+        if (&url != &urls.front()) text += '\n';
+        text += url.path();
     }
     return text;
 }
@@ -58,27 +69,27 @@ std::string joined(const std::vector<std::string>& lines, std::string_view separ
 
 std::vector<Pasteboard::Entry> filesOf(const std::vector<FileURL>& urls, Marking marking,
                                        std::string tokenBytes) {
-    std::vector<std::string> uris, paths;
-    for (const auto& url : urls) {
-        // Programs that split a URI at its last "/" find no name in one that ends in it.
-        uris.push_back(url.marked(FileURL::Mark::none).uri());
-        paths.push_back(url.path());
-    }
+    const auto shared = std::make_shared<const std::vector<FileURL>>(urls);
     const bool isCut = marking == Marking::cut;
     std::vector<Pasteboard::Entry> entries = {
-        {std::string(uriList), joined(uris, "\r\n") + "\r\n"},
+        {uriList, [shared] { return uris(*shared, "\r\n") + "\r\n"; }},
         // Nautilus takes the empty line behind a final line feed for a broken list.
-        {std::string(gnomeFiles), (isCut ? "cut\n" : "copy\n") + joined(uris, "\n")},
-        {std::string(kdeCutMark), isCut ? "1" : "0"},
-        {std::string(token), std::move(tokenBytes)},
+        {gnomeFiles, [shared, isCut] { return (isCut ? "cut\n" : "copy\n") + uris(*shared, "\n"); }},
+        {kdeCutMark, std::string(isCut ? "1" : "0")},
+        {token, std::move(tokenBytes)},
     };
-    std::ranges::move(textOf(paths), std::back_inserter(entries));
+    for (const auto format : {utf8Text, plainText})
+        entries.emplace_back(format, [shared] { return paths(*shared); });
     return entries;
 }
 
 std::vector<Pasteboard::Entry> textOf(const std::vector<std::string>& lines) {
-    auto text = joined(lines, "\n");
-    return {{std::string(utf8Text), text}, {std::string(plainText), std::move(text)}};
+    std::string text;
+    for (const auto& line : lines) {
+        if (&line != &lines.front()) text += '\n';
+        text += line;
+    }
+    return {{utf8Text, text}, {plainText, std::move(text)}};
 }
 
 std::vector<FileURL> filesOn(const Pasteboard& pasteboard) {

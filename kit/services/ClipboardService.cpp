@@ -66,7 +66,9 @@ std::optional<std::string> ClipboardService::write(const std::vector<FileReferen
                                                    ClipboardFormats::Marking marking) {
     if (items.empty()) return std::nullopt;
     auto token = QUuid::createUuid().toString(QUuid::WithoutBraces).toStdString();
-    replaceContents(ClipboardFormats::filesOf(urlsOf(items), marking, token));
+    auto urls = urlsOf(items);
+    replaceContents(ClipboardFormats::filesOf(urls, marking, token));
+    fileURLs_ = std::move(urls);
     return token;
 }
 

@@ -16,7 +16,7 @@ bool PrivatePasteboard::has(std::string_view format) const {
 
 std::optional<std::string> PrivatePasteboard::read(std::string_view format) const {
     const auto found = std::ranges::find(entries_, format, &Entry::format);
-    return found == entries_.end() ? std::nullopt : std::optional(found->bytes);
+    return found == entries_.end() ? std::nullopt : std::optional(found->bytes());
 }
 
 } // namespace ombrel

@@ -2,9 +2,11 @@
 
 #include <QObject>
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace ombrel {
@@ -17,9 +19,17 @@ class Pasteboard : public QObject {
     Q_OBJECT
 
 public:
+    /// One of the formats. Its bytes are made when somebody asks for them: most formats of most writes are
+    /// never read, and there may be a million names in each.
     struct Entry {
+        using Maker = std::function<std::string()>;
+
         std::string format; ///< a MIME type
-        std::string bytes;
+        Maker bytes;        ///< called on the main thread, as often as asked for
+
+        Entry(std::string_view type, Maker maker) : format(type), bytes(std::move(maker)) {}
+        Entry(std::string_view type, std::string content)
+            : format(type), bytes([content = std::move(content)] { return content; }) {}
     };
 
     using QObject::QObject;

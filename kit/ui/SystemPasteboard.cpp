@@ -23,7 +23,7 @@ class Offer final : public QMimeData {
 public:
     explicit Offer(std::vector<Pasteboard::Entry> entries) {
         for (auto& entry : entries)
-            entries_.emplace_back(textOf(entry.format), QByteArray::fromStdString(entry.bytes));
+            entries_.emplace_back(textOf(entry.format), std::move(entry.bytes));
     }
     bool hasFormat(const QString& format) const override { return find(format) != entries_.end(); }
     QStringList formats() const override {
@@ -36,11 +36,11 @@ public:
 protected:
     QVariant retrieveData(const QString& format, QMetaType) const override {
         const auto found = find(format);
-        return found == entries_.end() ? QVariant() : QVariant(found->second);
+        return found == entries_.end() ? QVariant() : QVariant(QByteArray::fromStdString(found->second()));
     }
 
 private:
-    using Entries = std::vector<std::pair<QString, QByteArray>>;
+    using Entries = std::vector<std::pair<QString, Pasteboard::Entry::Maker>>;
 
     Entries::const_iterator find(const QString& format) const {
         return std::ranges::find(entries_, format, &Entries::value_type::first);

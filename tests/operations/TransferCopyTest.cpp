@@ -1,4 +1,6 @@
 #include "operations/FileOperationService.h"
+#include "support/FailingCalls.h"
+#include "support/StrikeAt.h"
 #include "support/TempTree.h"
 #include "support/TestMount.h"
 #include "support/TransferWorld.h"
@@ -9,6 +11,9 @@
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
 
 namespace ombrel {
 namespace {
@@ -82,6 +87,65 @@ TEST(TransferCopy, CarriesEverythingOfFoldersThatTwoThreadsCopy) {
     EXPECT_THAT(tree.names("target"), ElementsAre("source"));
     const auto& last = world.answers.reports.back();
     EXPECT_EQ(last.completedBytes, last.totalBytes);
+}
+
+// ---- Large files, which are compared while they are copied
+
+constexpr std::size_t large = 170'000'001;
+
+class TransferOfALargeFile : public ::testing::Test {
+protected:
+    TransferOfALargeFile() {
+        tree.folder("source");
+        tree.fileOfSize("source/large", large);
+        tree.file("source/small", "small");
+    }
+    OperationReport copy() { return world.copy({tree.url("source")}, target); }
+    std::string contents(const std::string& name) { return tree.contents(name); }
+
+    const TempTree tree;
+    const FileURL target = tree.folder("target");
+    TransferWorld world;
+};
+
+TEST_F(TransferOfALargeFile, IsWhole) {
+    EXPECT_EQ(copy().overall(), OperationReport::Overall::succeeded);
+    EXPECT_EQ(contents("target/source/large"), contents("source/large"));
+    EXPECT_EQ(world.answers.reports.back().completedBytes, world.answers.reports.back().totalBytes);
+}
+
+TEST_F(TransferOfALargeFile, BeginsAnewAfterAnErrorInItsMiddle) {
+    world.answers.errorAnswers = {{ErrorChoice::retry}};
+    const FailingCalls failing(SystemCall::Kind::write, EFBIG, 600, 1);
+    EXPECT_EQ(copy().overall(), OperationReport::Overall::succeeded);
+    EXPECT_THAT(world.answers.errors, ::testing::SizeIs(1));
+    EXPECT_EQ(contents("target/source/large"), contents("source/large"));
+}
+
+TEST_F(TransferOfALargeFile, LeavesTheOthersWellWhenItIsSkipped) {
+    const FailingCalls failing(SystemCall::Kind::write, EFBIG, 600, 1);
+    (void)copy();
+    ASSERT_THAT(world.answers.errors, ::testing::SizeIs(1));
+    EXPECT_EQ(world.answers.errors.front().error, FileOperationError::posix(EFBIG));
+    EXPECT_THAT(tree.names("target/source"), ElementsAre("small"));
+}
+
+TEST_F(TransferOfALargeFile, IsNotKeptWhenItsCopyWasSpoiledMeanwhile) {
+    // Where the copy stands, in the part that has long been written.
+    const StrikeAt strike(SystemCall::Kind::write, 200, [&] {
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(tree.path("target"))) {
+            if (entry.path().filename() != "large") continue;
+            const int fd = ::open(entry.path().c_str(), O_WRONLY | O_CLOEXEC);
+            EXPECT_EQ(::pwrite(fd, "spoiled", 7, 45'000'000), 7);
+            ::close(fd);
+        }
+    });
+    const auto report = copy();
+    EXPECT_TRUE(strike.hasStruck());
+    EXPECT_NE(report.overall(), OperationReport::Overall::succeeded);
+    EXPECT_FALSE(tree.exists("target/source/large"));
+    EXPECT_THAT(stagingNames(tree.names("target")), IsEmpty());
+    EXPECT_EQ(contents("source/large").size(), large);
 }
 
 } // namespace

@@ -238,7 +238,7 @@ public:
     bool has(std::string_view format) const override { return read(format).has_value(); }
     std::optional<std::string> read(std::string_view format) const override {
         for (const auto& entry : entries_)
-            if (entry.format == format) return entry.bytes;
+            if (entry.format == format) return entry.bytes();
         return std::nullopt;
     }
 
