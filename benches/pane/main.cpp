@@ -9,6 +9,7 @@
 #include "support/Floor.h"
 #include "support/NamedTree.h"
 #include "support/Report.h"
+#include "support/Stretches.h"
 
 #include <QEventLoop>
 
@@ -26,14 +27,13 @@
 #include <utility>
 #include <vector>
 
-#include "pane/Stretches.h"
-
 using namespace ombrel;
 using namespace ombrel::bench;
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
+using StretchedApplication = Stretched<QCoreApplication>;
 
 constexpr long entries = 1'000'000;
 constexpr int rounds = 7, gestureRounds = 9, navigations = 1000;

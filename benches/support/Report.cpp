@@ -131,6 +131,16 @@ void Report::ratio(const std::string& figure, const std::string& against, double
                      text("%.2f x", target), ours / theirs <= target});
 }
 
+void Report::share(const std::string& figure, const std::string& against, double ours, double theirs,
+                   const std::string& unit, double target) {
+    rows_.push_back({figure, against, text("%.1f ", ours) + unit, text("%.1f ", theirs) + unit,
+                     text("%.2f x", ours / theirs), text("%.2f x", target), ours / theirs <= target});
+}
+
+void Report::gap(const std::string& figure, const std::string& against, const std::string& reason) {
+    rows_.push_back({figure, against, "", "", reason, "", std::nullopt});
+}
+
 void Report::value(const std::string& figure, double ours, const std::string& unit, double target) {
     rows_.push_back(
         {figure, "-", "", "", text("%.1f ", ours) + unit, text("%.0f ", target) + unit, ours <= target});
@@ -150,8 +160,10 @@ int Report::print() const {
     for (const auto& row : rows_) {
         std::printf("| %s | %s | %s | %s | %s | %s | %s |\n", row.figure.c_str(), row.against.c_str(),
                     row.ours.c_str(), row.theirs.c_str(), row.result.c_str(), row.target.c_str(),
-                    row.isMet ? "met" : "MISSED");
-        if (!row.isMet) ++missed;
+                    !row.isMet   ? ""
+                    : *row.isMet ? "met"
+                                 : "MISSED");
+        if (row.isMet == false) ++missed;
     }
     return missed;
 }

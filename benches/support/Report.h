@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,8 +36,14 @@ public:
     /// Ours as a ratio to a floor or peer, both in seconds.
     void ratio(const std::string& figure, const std::string& against, double ours, double theirs,
                double target);
+    /// The same for figures in another unit.
+    void share(const std::string& figure, const std::string& against, double ours, double theirs,
+               const std::string& unit, double target);
     /// A figure with a unit and a limit of its own.
     void value(const std::string& figure, double ours, const std::string& unit, double target);
+    /// A figure that could not be held against what it was to be, and why; it counts neither as met nor
+    /// missed.
+    void gap(const std::string& figure, const std::string& against, const std::string& reason);
     void note(const std::string& line) { notes_.push_back(line); }
 
     /// Prints the table with the facts of the machine. Answers how many figures miss their target.
@@ -45,7 +52,7 @@ public:
 private:
     struct Row {
         std::string figure, against, ours, theirs, result, target;
-        bool isMet;
+        std::optional<bool> isMet;
     };
     std::string subject_;
     std::vector<Row> rows_;
