@@ -96,7 +96,9 @@ std::unique_ptr<Contender> WindowBench::newContender(const std::string& name,
 std::vector<Contender*> WindowBench::contenders() {
     if (contenders_.empty()) {
         contenders_.push_back(newContender(oursName, {OMBREL_PATH}));
-        contenders_.push_back(newContender(floorName, {OMBREL_PROBE_PATH, "bare"}));
+        if (!contenders_.back()) fail("our window does not come to rest");
+        if (auto floor = newContender(floorName, {OMBREL_PROBE_PATH, "bare"}))
+            contenders_.push_back(std::move(floor));
         for (const Peer& peer : peers()) {
             std::vector<std::string> command = {programPath(peer.program)};
             if (command.front().empty()) {
@@ -104,7 +106,7 @@ std::vector<Contender*> WindowBench::contenders() {
                 continue;
             }
             command.insert(command.end(), peer.options.begin(), peer.options.end());
-            contenders_.push_back(newContender(peer.name, command));
+            if (auto made = newContender(peer.name, command)) contenders_.push_back(std::move(made));
         }
     }
     std::vector<Contender*> all;
@@ -244,7 +246,7 @@ void WindowBench::reportLargeFolder(const std::vector<Runs>& races) {
 
 void WindowBench::measureHugeFolder() {
     const auto large = newContender(oursName, {OMBREL_PATH}), huge = newContender(oursName, {OMBREL_PATH});
-    if (!large->learn(folderOf(many)) || !huge->learn(folderOf(most)))
+    if (!large || !huge || !large->learn(folderOf(many)) || !huge->learn(folderOf(most)))
         fail("our rows of a huge folder were not told");
     Runs ofLarge{.contender = large.get(), .showings = {}}, ofHuge{.contender = huge.get(), .showings = {}};
     for (int round = 0; round < longRounds; ++round)

@@ -46,12 +46,12 @@ std::unique_ptr<Process> Contender::start(const std::string& folder) const {
     return std::make_unique<Process>(words, world_.variables());
 }
 
-bool Contender::waitForRest(const Process& process) const {
+bool Contender::waitForRest(const Process& process, std::chrono::seconds limit) const {
     Rest rest(process.began());
     Picture shown = desk_;
     auto changed = Clock::now();
-    while (Clock::now() - process.began() < bound) {
-        std::this_thread::sleep_for(restInterval);
+    while (Clock::now() - process.began() < limit) {
+        passOn(restInterval);
         rest.look(ProcessFacts::processorTicks(process.id()));
         if (display_->differences(shown) > unimportantPixels) {
             shown = display_->picture();
@@ -75,10 +75,10 @@ void Contender::end(std::unique_ptr<Process> process) const {
 
 bool Contender::learnEmpty(const std::string& folder) {
     // Twice: first starts make settings and caches of their own.
-    bool isAtRest = false;
-    for (int times = 0; times < 2; ++times) {
+    bool isAtRest = true;
+    for (int times = 0; times < 2 && isAtRest; ++times) {
         auto process = start(folder);
-        isAtRest = waitForRest(*process);
+        isAtRest = waitForRest(*process, emptyBound);
         empty_ = display_->picture();
         end(std::move(process));
     }
@@ -106,7 +106,7 @@ Showing Contender::show(Until until) {
     double complete = notYet;
     auto lastLook = began;
     while (Clock::now() - began < bound && !process->hasEnded()) {
-        std::this_thread::sleep_for(lookInterval);
+        passOn(lookInterval);
         hasWindow = hasWindow || look_->showsWindow(*display_);
         if (!showing.rows && look_->showsRows(*display_)) showing.rows = secondsSince(began);
         if (showing.rows && until == Until::rows) break;
@@ -142,11 +142,11 @@ ProcessFacts::Activity Contender::idleActivity(const std::string& folder, std::c
     if (!waitForRest(*process)) fail(name_ + " does not come to rest");
     // What a start has put off.
     constexpr std::chrono::seconds aftermath(5);
-    std::this_thread::sleep_for(aftermath);
+    passOn(aftermath);
     ProcessFacts::Activity most;
     for (int i = 0; i < spans; ++i) {
         const auto before = ProcessFacts::activity(process->id());
-        std::this_thread::sleep_for(span);
+        passOn(span);
         const auto after = ProcessFacts::activity(process->id());
         most.processor = std::max(most.processor, after.processor - before.processor);
         most.wakeUps = std::max(most.wakeUps, after.wakeUps - before.wakeUps);

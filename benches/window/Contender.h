@@ -24,6 +24,8 @@ class Contender {
 public:
     /// How long anything is waited for.
     static constexpr std::chrono::seconds bound{60};
+    /// The same for a window over an empty folder.
+    static constexpr std::chrono::seconds emptyBound{20};
     enum class Until { rows, rest };
 
     /// `command` comes before the folder. Its world is made in `worldFolder`.
@@ -52,7 +54,7 @@ public:
 private:
     [[nodiscard]] std::unique_ptr<Process> start(const std::string& folder) const;
     /// Waits until the program does nothing and its picture stays as it is.
-    [[nodiscard]] bool waitForRest(const Process& process) const;
+    [[nodiscard]] bool waitForRest(const Process& process, std::chrono::seconds limit = bound) const;
     /// Ends the program and waits until its window has gone.
     void end(std::unique_ptr<Process> process) const;
 

@@ -23,6 +23,8 @@ namespace {
 
 constexpr int lineDescriptor = 3;
 
+volatile std::sig_atomic_t isAskedToEnd = 0;
+
 std::string contents(const std::string& path) {
     std::ifstream file(path);
     std::ostringstream text;
@@ -94,6 +96,16 @@ std::vector<char*> pointers(const std::vector<std::string>& words) {
 
 void fail(const std::string& what) {
     throw std::runtime_error(what);
+}
+
+void heedSignals() {
+    for (const int number : {SIGINT, SIGTERM, SIGHUP})
+        std::signal(number, [](int) { isAskedToEnd = 1; });
+}
+
+void passOn(std::chrono::milliseconds time) {
+    std::this_thread::sleep_for(time);
+    if (isAskedToEnd) fail("asked to end");
 }
 
 std::string programPath(const std::string& name) {

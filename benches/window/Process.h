@@ -12,6 +12,12 @@ namespace ombrel::bench {
 /// Gives the bench up with a message; what it made and started goes.
 [[noreturn]] void fail(const std::string& what);
 
+/// From now on a signal to end is not obeyed at once but by the next `passOn`, so that nothing is left
+/// behind.
+void heedSignals();
+/// Sleeps; fails once a signal has asked to end.
+void passOn(std::chrono::milliseconds time);
+
 /// The path of a program by its name; empty when it is not installed.
 [[nodiscard]] std::string programPath(const std::string& name);
 

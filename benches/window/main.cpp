@@ -45,6 +45,7 @@ int run(std::span<char*> wanted) {
 } // namespace
 
 int main(int argc, char** argv) {
+    heedSignals();
     try {
         return run({argv + 1, argv + argc});
     } catch (const std::exception& problem) {
