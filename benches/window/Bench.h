@@ -42,6 +42,7 @@ private:
     [[nodiscard]] std::vector<Contender*> contenders();
     [[nodiscard]] Contender& ours();
     /// Nothing for one that does not come to rest even over an empty folder.
+    /// Nothing for one that does not come to rest even over an empty folder.
     [[nodiscard]] std::unique_ptr<Contender> newContender(const std::string& name,
                                                           const std::vector<std::string>& command);
     [[nodiscard]] bool isPeer(const Contender& contender) const;
