@@ -40,6 +40,7 @@ struct Option {
 
 constexpr std::array options = {
     Option{"--screenshot", " FILE [FOLDER]", "app.help.screenshot"},
+    Option{"--screenshots", " FOLDER", "app.help.screenshots"},
     Option{"--dark", "", "app.help.dark"},
     Option{"--help", "", "app.help.help"},
     Option{"--version", "", "app.help.version"},
@@ -60,10 +61,10 @@ std::expected<Arguments, Text> Arguments::parse(std::span<const std::string_view
             return Arguments{.request = Request::version, .pictureFile = {}, .folders = {}};
         } else if (takesOptions && word == "--dark") {
             arguments.isDark = true;
-        } else if (takesOptions && word == "--screenshot") {
+        } else if (takesOptions && (word == "--screenshot" || word == "--screenshots")) {
             if (i + 1 == words.size() || words[i + 1].empty())
                 return std::unexpected(withWord("app.error.optionNeedsFile", word));
-            arguments.request = Request::picture;
+            arguments.request = word == "--screenshot" ? Request::picture : Request::series;
             arguments.pictureFile = words[++i];
         } else if (takesOptions && word.starts_with('-') && word.size() > 1) {
             return std::unexpected(withWord("app.error.noSuchOption", word));
@@ -75,6 +76,8 @@ std::expected<Arguments, Text> Arguments::parse(std::span<const std::string_view
     }
     const bool isPicture = arguments.request == Request::picture;
     if (isPicture && arguments.folders.size() > 1) return std::unexpected(Text{"app.error.tooManyFolders"});
+    if (arguments.request == Request::series && !arguments.folders.empty())
+        return std::unexpected(Text{"app.error.seriesHasItsOwnFolders"});
     if (!isPicture && arguments.isDark) return std::unexpected(Text{"app.error.darkIsForPictures"});
     return arguments;
 }

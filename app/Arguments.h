@@ -14,10 +14,10 @@ namespace ombrel {
 
 /// What the words of the command line ask for. Words are bytes: they name files.
 struct Arguments {
-    enum class Request : unsigned char { windows, picture, help, version };
+    enum class Request : unsigned char { windows, picture, series, help, version };
 
     Request request = Request::windows;
-    std::string pictureFile; ///< only for `picture`
+    std::string pictureFile; ///< only for `picture`, and for `series` the folder of its pictures
     bool isDark = false;     ///< only for `picture`
     std::vector<FileURL> folders;
 

@@ -1,5 +1,6 @@
 #include "app/Lifetime.h"
 
+#include "browser/ThumbnailStore.h"
 #include "operations/JobPlan.h"
 #include "ui/BrowserWindow.h"
 #include "ui/ConfirmationDialog.h"
@@ -33,6 +34,7 @@ Lifetime::Lifetime(const Theme& theme, AppServices& services, std::function<void
             .theme = *theme_,
             .center = center,
             .openFolder = [this](const FileURL& folder) { openFolder(folder); },
+            .thumbnails = &ThumbnailStore::of(*services_),
             .deletePermanently =
                 [this, &center](const FileURL& item) {
                     center.run(JobPlan::deletePermanently(services_->operations(), {{item, std::nullopt}}));

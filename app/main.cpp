@@ -2,6 +2,8 @@
 #include "app/Instance.h"
 #include "app/Lifetime.h"
 #include "app/Picture.h"
+#include "app/PictureContent.h"
+#include "app/PictureSeries.h"
 #include "app/Services.h"
 #include "app/Windows.h"
 #include "base/PathInput.h"
@@ -30,6 +32,7 @@
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -76,6 +79,37 @@ void chooseOffscreenLook(QApplication& application) {
     QIcon::setThemeName(QStringLiteral("hicolor"));
 }
 
+/// The colours and the style, as long as it lives.
+class Look {
+public:
+    explicit Look(const Appearance& appearance) : theme(appearance) {
+        QApplication::setStyle(new OmbrelStyle(theme));
+        QApplication::setPalette(theme.palette());
+        QObject::connect(&theme, &Theme::changed, &theme,
+                         [this] { QApplication::setPalette(theme.palette()); });
+    }
+    Theme theme;
+};
+
+int makePictures(QApplication& application, const Arguments& arguments, const PictureContent& content) {
+    chooseOffscreenLook(application);
+#ifndef NDEBUG
+    SystemCall::forbidOnMainThread(true);
+#endif
+    bool isFilled = false;
+    std::thread([&] { isFilled = content.fill(); }).join();
+    if (!isFilled) {
+        const QtConnections connections(InterfaceLanguage::choose());
+        std::fprintf(stderr, "%s\n", Texts::localized("app.error.pictureFiles").c_str());
+        return 1;
+    }
+    Look look({.isMotionReduced = true});
+    const int status =
+        PictureSeries(QFile::decodeName(arguments.pictureFile.c_str()), content, look.theme).make();
+    if (!Worker::waitUntilNoneRuns(patience)) ::_exit(status);
+    return status;
+}
+
 int runApplication(QApplication& application, const Arguments& arguments) {
     std::optional<Instance> instance;
     if (arguments.request == Arguments::Request::windows) {
@@ -95,11 +129,8 @@ int runApplication(QApplication& application, const Arguments& arguments) {
         chooseOffscreenLook(application);
         appearance = {.isDark = arguments.isDark, .isHighContrast = false, .isMotionReduced = true};
     }
-    Theme theme(appearance);
-    QApplication::setStyle(new OmbrelStyle(theme));
-    QApplication::setPalette(theme.palette());
-    QObject::connect(&theme, &Theme::changed, &application,
-                     [&theme] { QApplication::setPalette(theme.palette()); });
+    Look look(appearance);
+    Theme& theme = look.theme;
     DesktopAppearance desktop(theme);
     SystemPasteboard pasteboard;
     FolderPickerDialog folderPicker([] { return QApplication::activeWindow(); });
@@ -158,9 +189,10 @@ int main(int argumentCount, char** argumentValues) {
                                               argumentValues + argumentCount);
     const auto arguments = Arguments::parse(words);
     int applicationArguments = std::min(argumentCount, 1);
-    const bool opensWindow = arguments && (arguments->request == Arguments::Request::windows ||
-                                           arguments->request == Arguments::Request::picture);
-    const bool canOpen = opensWindow && (arguments->request == Arguments::Request::picture || hasDisplay());
+    using enum Arguments::Request;
+    const bool draws = arguments && (arguments->request == picture || arguments->request == series);
+    const bool opensWindow = draws || (arguments && arguments->request == windows);
+    const bool canOpen = draws || (opensWindow && hasDisplay());
     if (!canOpen) {
         const QCoreApplication application(applicationArguments, argumentValues);
         const QtConnections connections(InterfaceLanguage::choose());
@@ -168,12 +200,15 @@ int main(int argumentCount, char** argumentValues) {
         std::fprintf(stderr, "%s\n", Texts::localized("app.error.noDisplay").c_str());
         return 1;
     }
-    if (arguments->request == Arguments::Request::picture) prepareOffscreen();
+    if (draws) prepareOffscreen();
+    std::optional<PictureContent> content;
+    if (arguments->request == series) content.emplace().enter();
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
     QGuiApplication::setDesktopFileName(QStringLiteral("com.halvane.Ombrel"));
     QApplication application(applicationArguments, argumentValues);
     QApplication::setApplicationName(QStringLiteral("ombrel"));
     QApplication::setApplicationDisplayName(QString());
     QApplication::setApplicationVersion(QStringLiteral(OMBREL_VERSION));
-    return runApplication(application, *arguments);
+    return content ? makePictures(application, *arguments, *content)
+                   : runApplication(application, *arguments);
 }

@@ -218,6 +218,7 @@ void AccessManager::apply(AccessGrant& grant, const Found& found) {
 void AccessManager::requestAccess(const std::optional<FileURL>& startingAt, std::string_view messageKey,
                                   const Grant& replacing, std::function<void(Grant)> done) {
     Q_ASSERT(thread() == QThread::currentThread());
+    if (!done) done = [](const Grant&) {};
     if (!picker_) {
         done(nullptr);
         return;

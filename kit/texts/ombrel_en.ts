@@ -20,11 +20,16 @@
     <message id="app.error.notALocation"><source></source><translation>“{1}” is not a location that can be opened.</translation></message>
     <message id="app.error.optionNeedsFile"><source></source><translation>The option {1} needs the name of a file.</translation></message>
     <message id="app.error.picture"><source></source><translation>The picture {1} could not be written.</translation></message>
+    <message id="app.error.pictureFolder"><source></source><translation>The folder {1} could not be made.</translation></message>
+    <message id="app.error.pictureFiles"><source></source><translation>The files that the pictures show could not be made.</translation></message>
+    <message id="app.error.pictureState"><source></source><translation>The window after the picture {1} did not come about.</translation></message>
     <message id="app.error.seeHelp"><source></source><translation>“ombrel --help” shows what is possible.</translation></message>
+    <message id="app.error.seriesHasItsOwnFolders"><source></source><translation>The option --screenshots makes the folders that it shows.</translation></message>
     <message id="app.error.tooManyFolders"><source></source><translation>A picture shows one folder.</translation></message>
     <message id="app.help.dark"><source></source><translation>render it dark</translation></message>
     <message id="app.help.help"><source></source><translation>show this text, and end</translation></message>
     <message id="app.help.screenshot"><source></source><translation>render one window without a display into a PNG file, and end</translation></message>
+    <message id="app.help.screenshots"><source></source><translation>render a series of windows into PNG files in a folder, and end</translation></message>
     <message id="app.help.summary"><source></source><translation>Opens a window for each folder, or for your home folder.</translation></message>
     <message id="app.help.usage"><source></source><translation>Usage: ombrel [OPTIONS] [FOLDER…]</translation></message>
     <message id="app.help.version"><source></source><translation>show the version, and end</translation></message>
