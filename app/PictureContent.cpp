@@ -48,7 +48,8 @@ constexpr auto surroundings = std::to_array<Entry>({
     {"home/ines/Pictures/Albums", folder, "2026-01-12 11:52"},
     {"home/ines/Projects/Bridge inspection 2025/Span 4", folder, "2025-10-02 15:20"},
     {"home/ines/Projects/Restricted data/Sealed", folder, "2026-03-11 09:00"},
-    {"srv/team/archive", folder, "2026-03-02 12:00"},
+    {"srv/team/Team archive", folder, "2026-03-02 12:00"},
+    {"media/ines/Backup/Backup 2025", folder, "2026-02-02 12:00"},
     {"media/ines/Survey drive/Backups", folder, "2026-04-02 12:00"},
     {"media/ines/Station NAS/Shared", folder, "2026-04-02 12:00"},
 });
@@ -105,7 +106,7 @@ constexpr auto landscapes = std::to_array<Landscape>({
      "2026-04-18 12:31"},
 });
 
-constexpr QSize photograph(1200, 900);
+constexpr QSize photograph(1500, 900);
 
 void paintRidge(QPainter& painter, QRgb colour, double base, double height, int phase) {
     const QSizeF size = painter.window().size();
@@ -261,7 +262,7 @@ bool PictureContent::fill() const {
                    setDate(card + '/' + names[i], "2026-04-22 07:14");
         // Some of them have been copied before.
         constexpr std::size_t copied = 7;
-        if (i > 2 && i < 3 + copied) isWhole &= setSize(inSurvey("01 Site plans/" + names[i]), mega);
+        if (i < copied) isWhole &= setSize(inSurvey("01 Site plans/" + names[i]), mega);
     }
     for (int i = 0; i < 10; ++i)
         isWhole &= setSize(inSurvey("01 Site plans/Plan " + std::to_string(i + 1) + ".pdf"), mega);
@@ -285,6 +286,17 @@ bool PictureContent::fill() const {
     keepThumbnail(cache, survey().appending("drone-flight-014.mp4"), "video/mp4",
                   paintLandscape(landscapes.back(), film));
     return isWhole;
+}
+
+void PictureContent::tidy() const {
+    constexpr std::size_t copied = 7;
+    const auto names = pictureNames();
+    std::error_code error;
+    for (std::size_t i = copied; i < names.size(); ++i)
+        for (const auto& place : {survey().appending("01 Site plans"), survey()})
+            fs::remove(place.appending(names[i]).path(), error);
+    for (const auto& entry : surveyEntries)
+        setDate(at(std::string(surveyPath) + std::string(entry.path)).path(), entry.date);
 }
 
 FileURL PictureContent::at(std::string_view path) const {

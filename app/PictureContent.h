@@ -25,6 +25,8 @@ public:
     void enter() const;
     /// Makes all files; false when one could not be made.
     [[nodiscard]] bool fill() const;
+    /// Removes what was copied from the camera card meanwhile.
+    void tidy() const;
 
     /// A place by its path below the scratch folder.
     [[nodiscard]] FileURL at(std::string_view path) const;

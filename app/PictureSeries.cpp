@@ -17,6 +17,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QImage>
+#include <QLabel>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
@@ -105,7 +106,8 @@ bool PictureSeries::prepare() {
 // ---- The states
 
 bool PictureSeries::makeBrowser() {
-    if (!open(content_->survey()) || !select({"Equipment checklist.odt"})) return false;
+    if (!open(content_->projects()) || !open(content_->survey()) || !select({"Equipment checklist.odt"}))
+        return false;
     hover("Field notes week 16.md");
     if (!takeBrowser("main-details")) return false;
     window_->model().setViewMode(ViewMode::icons);
@@ -114,10 +116,17 @@ bool PictureSeries::makeBrowser() {
     hover("Field notes week 16.md");
     if (!takeBrowser("main-icons")) return false;
     window_->model().setViewMode(ViewMode::details);
+    // What is pinned is shown as a pin in the tree, and not in its branch.
+    AppSettings& settings = world_->services().settings();
+    auto pins = settings.pinnedFolders();
+    for (const FileURL& folder : {content_->survey(), content_->survey().appending("Reports")})
+        pins.emplace_back(folder);
+    settings.setPinnedFolders(pins);
     constexpr std::size_t homeTab = 1;
     window_->tabs().select(homeTab);
     const bool isTaken = takeBrowser("home");
     window_->tabs().select(0);
+    settings.setPinnedFolders(PinnedFolder::defaults());
     return isTaken;
 }
 
@@ -138,7 +147,7 @@ bool PictureSeries::makeOverlay() {
 
 bool PictureSeries::makeProgress() {
     constexpr int items = 1284, itemsDone = 822, samples = 42;
-    constexpr double total = 41.1e9, done = 26.3e9;
+    constexpr double giga = 1024.0 * 1024 * 1024, total = 41.1 * giga, done = 26.35 * giga;
     const auto copying =
         world_->standingJob(FileOperationKind::copy, content_->survey().appending("02 Photographs"), items,
                             content_->at("media/ines/Survey drive"));
@@ -163,6 +172,16 @@ bool PictureSeries::makeProgress() {
     }
     moving->apply(partMoved(), now);
     moving->pause();
+    // The time that is left is told once it has not changed for a while.
+    const QWidget& frame = world_->progress().window();
+    const auto isTold = [&frame] {
+        const auto labels = frame.findChildren<QLabel*>();
+        return std::ranges::none_of(labels, [](const QLabel* label) {
+            return label->isVisible() && label->text() == localized("progress.calculating");
+        });
+    };
+    if (!PictureWorld::runUntil(isTold)) return false;
+    if (QWidget* const focused = frame.focusWidget()) focused->clearFocus();
     const bool isTaken =
         take("progress-copying", world_->progress().window(), {.canvas = progressPicture, .band = smallBand});
     world_->endJobs();
@@ -289,7 +308,8 @@ bool PictureSeries::look(QWidget& widget, QImage& result) {
 
 QImage PictureSeries::framed(const QImage& look, const QString& title, const Placing& placing) const {
     QImage picture = placing.below ? *placing.below : QImage(placing.canvas, QImage::Format_RGB32);
-    if (!placing.below) picture.fill(theme_->color(ThemeColor::track));
+    if (!placing.below)
+        picture.fill(theme_->color(placing.corner.isNull() ? ThemeColor::surface : ThemeColor::chrome));
     QPainter painter(&picture);
     const QRect band(placing.corner, QSize(look.width(), placing.band));
     if (placing.band > 0) {

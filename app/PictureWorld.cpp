@@ -23,7 +23,7 @@
 namespace ombrel {
 namespace {
 
-constexpr std::string_view backup = "media/ines/Backup/2025", archive = "srv/team/archive";
+constexpr std::string_view backup = "media/ines/Backup/Backup 2025", archive = "srv/team/Team archive";
 
 InterfaceLanguage languageOf(PictureWorld::Language language) {
     switch (language) {
@@ -135,10 +135,7 @@ PictureWorld::PictureWorld(const PictureContent& content, const Theme& theme, La
     KnownFolders known(content.home());
     known.set(KnownFolder::videos, content.home().appending("Videos"));
     settings.setKnownFolders(known);
-    auto pins = PinnedFolder::defaults();
-    pins.emplace_back(content.survey());
-    pins.emplace_back(content.survey().appending("Reports"));
-    settings.setPinnedFolders(pins);
+    settings.setPinnedFolders(PinnedFolder::defaults());
     services_->center().setSlowDrives([](const FileStatus&) { return std::vector<DriveQueue::Drive>(); });
     services_->center().setWindowDelay(std::chrono::milliseconds(0));
     services_->start();
@@ -226,9 +223,12 @@ std::shared_ptr<OperationJob> PictureWorld::standingJob(FileOperationKind kind, 
 void PictureWorld::endJobs() {
     OperationCenter& center = services_->center();
     center.cancelAll();
-    static_cast<void>(runUntil([&center] { return center.jobs().empty(); }));
-    for (const auto& report : std::vector(center.leftReports()))
-        center.dismissReport(report.id);
+    static_cast<void>(runUntil([this, &center] {
+        for (const auto& report : std::vector(center.leftReports()))
+            center.dismissReport(report.id);
+        return center.jobs().empty() && progress().isEmpty() && Worker::running() == 0;
+    }));
+    content_->tidy();
 }
 
 } // namespace ombrel

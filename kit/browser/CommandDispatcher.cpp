@@ -20,8 +20,9 @@ CommandDispatcher::CommandDispatcher() {
     bind(FileCommand::goBack, {&BrowserModel::goBack, &BrowserModel::canGoBack});
     bind(FileCommand::goForward, {&BrowserModel::goForward, &BrowserModel::canGoForward});
     bind(FileCommand::goUp, {&BrowserModel::goUp, &BrowserModel::canGoUp});
-    bind(FileCommand::refresh,
-         {&BrowserModel::refresh, [](const BrowserModel& pane) { return pane.currentURL().has_value(); }});
+    bind(FileCommand::refresh, {&BrowserModel::refresh, [](const BrowserModel& pane) {
+                                    return pane.isHome() || pane.currentURL().has_value();
+                                }});
     bind(FileCommand::selectAll, {[](BrowserModel& pane) { SelectionGestures(pane).selectAll(); },
                                   [](const BrowserModel& pane) { return !pane.items().empty(); }});
     bind(FileCommand::newTab,

@@ -550,16 +550,20 @@
     <message id="ui.sort.descending"><source></source><translation>Descending</translation></message>
     <message id="ui.sort.foldersFirst"><source></source><translation>Folders first</translation></message>
     <message id="ui.status.failed"><source></source><translation>Can’t show this folder</translation></message>
+    <message id="ui.status.home"><source></source><translation>{1}, {2}, {3}</translation></message>
     <message id="ui.status.items" numerus="yes"><source></source><translation><numerusform>{n} item</numerusform><numerusform>{n} items</numerusform></translation></message>
     <message id="ui.status.jobs" numerus="yes"><source></source><translation><numerusform>{n} job, {1}%</numerusform><numerusform>{n} jobs, {1}%</numerusform></translation></message>
     <message id="ui.status.jumpTo"><source></source><translation>Jump to: {1}</translation></message>
     <message id="ui.status.loading" numerus="yes"><source></source><translation><numerusform>Loading, {n} item so far</numerusform><numerusform>Loading, {n} items so far</numerusform></translation></message>
+    <message id="ui.status.locations" numerus="yes"><source></source><translation><numerusform>{n} location</numerusform><numerusform>{n} locations</numerusform></translation></message>
+    <message id="ui.status.quickAccess" numerus="yes"><source></source><translation><numerusform>{n} quick access folder</numerusform><numerusform>{n} quick access folders</numerusform></translation></message>
     <message id="ui.status.searchLimit"><source></source><translation>Showing the first 10,000 matches</translation></message>
     <message id="ui.status.searching" numerus="yes"><source></source><translation><numerusform>Searching, {n} match so far</numerusform><numerusform>Searching, {n} matches so far</numerusform></translation></message>
     <message id="ui.status.selected" numerus="yes"><source></source><translation><numerusform>{n} item selected</numerusform><numerusform>{n} items selected</numerusform></translation></message>
     <message id="ui.status.selectedWithSize" numerus="yes"><source></source><translation><numerusform>{n} item selected, {1}</numerusform><numerusform>{n} items selected, {1}</numerusform></translation></message>
     <message id="ui.status.showJobs"><source></source><translation>Show the running jobs</translation></message>
     <message id="ui.status.unreadable" numerus="yes"><source></source><translation><numerusform>{n} item could not be read</numerusform><numerusform>{n} items could not be read</numerusform></translation></message>
+    <message id="ui.status.volumes" numerus="yes"><source></source><translation><numerusform>{n} volume</numerusform><numerusform>{n} volumes</numerusform></translation></message>
     <message id="ui.tabs.closeOthers"><source></source><translation>Close other tabs</translation></message>
     <message id="ui.tabs.closeToTheRight"><source></source><translation>Close tabs to the right</translation></message>
     <message id="ui.tabs.duplicate"><source></source><translation>Duplicate tab</translation></message>

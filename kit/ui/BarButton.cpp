@@ -79,7 +79,7 @@ QSize BarButton::sizeHint() const {
 void BarButton::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const bool isOn = isDown() || isChecked();
+    const bool isOn = isDown() || (isChecked() && isEnabled());
     if (isOn || (isEnabled() && underMouse())) {
         const int radius = theme_->size(ThemeSize::radiusButton);
         painter.setPen(Qt::NoPen);

@@ -83,6 +83,7 @@ BrowserWindow::BrowserWindow(const Setting& setting)
     layOut();
     statusBar_->addSwitches(viewModes_->details(), viewModes_->largeIcons());
     statusBar_->take(jobChip_);
+    statusBar_->setHome(places_->home());
     connect(jobChip_, &QAbstractButton::clicked, this, &BrowserWindow::showJobs);
     new FocusRing(this);
     new WindowKeys(*this, keys_);
@@ -153,10 +154,14 @@ void BrowserWindow::bindCommands() {
     };
     commands_.bind(FileCommand::newWindow,
                    {.perform = [this](BrowserModel&) { services_->requestNewWindow(&tabs_); }});
-    commands_.bind(FileCommand::toggleDetailsPane, {.perform = [this](BrowserModel&) {
-                       AppSettings& settings = services_->settings();
-                       settings.setShowsDetailsPane(!settings.showsDetailsPane());
-                   }});
+    commands_.bind(FileCommand::toggleDetailsPane,
+                   {.perform =
+                        [this](BrowserModel&) {
+                            AppSettings& settings = services_->settings();
+                            settings.setShowsDetailsPane(!settings.showsDetailsPane());
+                        },
+                    // There is none at home.
+                    .isEnabled = [](const BrowserModel& pane) { return pane.currentURL().has_value(); }});
     connect(&services_->settings(), &AppSettings::changed, this, &BrowserWindow::applySettings);
 }
 

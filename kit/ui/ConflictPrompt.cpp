@@ -2,6 +2,7 @@
 
 #include "operations/JobTexts.h"
 #include "services/OperationJob.h"
+#include "ui/AnswerRow.h"
 #include "ui/ChoiceCard.h"
 #include "ui/ConflictSides.h"
 #include "ui/LocalizedText.h"
@@ -81,7 +82,8 @@ void ConflictPrompt::layOutSingle(ThumbnailStore* thumbnails) {
     auto* const cancel = new QPushButton(localized(cancelText(context().kind)), this);
     cancel->setAutoDefault(true);
     row->addWidget(forAll, 1);
-    row->addWidget(cancel);
+    row->addWidget(cancel, 0, Qt::AlignTrailing);
+    stackWhereTooWide(*row, *theme_);
     static_cast<QVBoxLayout*>(layout())->addSpacing(theme_->size(ThemeSize::space4));
     static_cast<QVBoxLayout*>(layout())->addLayout(row);
     forAll->setChecked(prompt_->applyToAll());

@@ -4,6 +4,7 @@
 #include "operations/JobTexts.h"
 #include "operations/ReportTexts.h"
 #include "services/OperationJob.h"
+#include "ui/AnswerRow.h"
 #include "ui/Formats.h"
 #include "ui/LocalizedText.h"
 #include "ui/TextLabel.h"
@@ -83,6 +84,7 @@ ErrorPrompt::ErrorPrompt(const Theme& theme, std::shared_ptr<OperationPrompt> pr
     cancel->setAutoDefault(true);
     connect(cancel, &QPushButton::clicked, this, [job] { job->cancel(); });
     row->addWidget(cancel);
+    stackWhereTooWide(*row, theme);
     safe_->setDefault(true);
 }
 

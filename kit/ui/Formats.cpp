@@ -24,7 +24,10 @@ DateFormats formatsOf(const QLocale& locale) {
     if (locale.language() == QLocale::C) return {QStringLiteral("d MMM yyyy"), QStringLiteral("HH:mm")};
     QString date = locale.dateFormat(QLocale::ShortFormat);
     if (!date.contains(QLatin1String("yyyy"))) date.replace(QLatin1String("yy"), QLatin1String("yyyy"));
-    return {date, locale.timeFormat(QLocale::ShortFormat)};
+    QString time = locale.timeFormat(QLocale::ShortFormat);
+    // Parts of the day ("in the evening") are no letters that the library understands.
+    if (time.contains(QLatin1Char('B'))) time = QStringLiteral("HH:mm");
+    return {date, time};
 }
 
 } // namespace
@@ -37,7 +40,8 @@ QString size(std::int64_t bytes) {
     // What would round up to 1,024 is one of the next unit.
     for (; value >= step - 0.5 && unit + 1 < unitKeys.size(); ++unit)
         value /= step;
-    constexpr double leastWithoutDecimals = 9.95;
+    // Tenths are of interest from megabytes on.
+    const double leastWithoutDecimals = unit == 0 ? 9.95 : 99.95;
     const int decimals = value < leastWithoutDecimals ? 1 : 0;
     return localized(unitKeys[unit], {QLocale().toString(value, 'f', decimals).toStdString()});
 }

@@ -11,6 +11,7 @@
 #include <QLocale>
 #include <QPainter>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QVBoxLayout>
 
 #include <chrono>
@@ -51,8 +52,12 @@ QString addedText(const BookmarkRecord& record) {
         std::chrono::duration_cast<std::chrono::seconds>(record.addedAt.time_since_epoch()).count();
     const QLocale locale;
     const QDate date = QDateTime::fromSecsSinceEpoch(seconds).date();
-    const QString words = locale.language() == QLocale::C ? date.toString(QStringLiteral("d MMMM yyyy"))
-                                                          : locale.toString(date, QLocale::LongFormat);
+    QString format = locale.language() == QLocale::C ? QStringLiteral("d MMMM yyyy")
+                                                     : locale.dateFormat(QLocale::LongFormat);
+    // Which day of the week it was is of no interest.
+    static const QRegularExpression weekday(QStringLiteral("dddd[,、]?\\s*|[,،]?\\s*dddd"));
+    format.remove(weekday);
+    const QString words = locale.toString(date, format);
     return localized("ui.settings.locations.added", {words.toStdString()});
 }
 

@@ -79,8 +79,14 @@ void NavigationTree::takeLook() {
     for (const auto role : {QPalette::Base, QPalette::Window})
         colors.setColor(role, theme_->color(ThemeColor::surfaceAlt));
     setPalette(colors);
-    setContentsMargins(0, PlaceSizes::of(*theme_, PlaceSize::treeTop), 0, 0);
     scheduleDelayedItemsLayout();
+}
+
+/// The base class keeps the margins for its header.
+void NavigationTree::updateGeometries() {
+    QTreeView::updateGeometries();
+    const QMargins margins(0, PlaceSizes::of(*theme_, PlaceSize::treeTop), 0, 0);
+    if (viewportMargins() != margins) setViewportMargins(margins);
 }
 
 void NavigationTree::changeEvent(QEvent* event) {

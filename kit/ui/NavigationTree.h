@@ -50,6 +50,7 @@ protected:
     void dragLeaveEvent(QDragLeaveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void updateGeometries() override;
 
 private:
     /// What a drag is over.

@@ -188,7 +188,9 @@ void OmbrelStyle::drawMenuItem(const QStyleOptionMenuItem& option, QPainter& pai
     const int inset = theme_->size(ThemeSize::space4), glyph = theme_->size(ThemeSize::glyph);
     if (option.state & State_Selected && isEnabled) {
         painter.setPen(Qt::NoPen);
-        painter.setBrush(theme_->color(ThemeColor::hover));
+        // On the dark ground of menus the colour of hovered rows would not be seen.
+        painter.setBrush(
+            theme_->color(theme_->appearance().isDark ? ThemeColor::pressed : ThemeColor::hover));
         const int radius = theme_->size(ThemeSize::radiusRow);
         painter.drawRoundedRect(row.adjusted(inset, 0, -inset, 0), radius, radius);
     }

@@ -1,6 +1,7 @@
 #include "ui/StatusBar.h"
 
 #include "browser/BrowserModel.h"
+#include "browser/HomeModel.h"
 #include "browser/SelectionSize.h"
 #include "ui/FileView.h"
 #include "ui/Formats.h"
@@ -55,6 +56,12 @@ void StatusBar::follow(BrowserModel& model, const FileView& view) {
     refresh();
 }
 
+void StatusBar::setHome(const HomeModel& home) {
+    home_ = &home;
+    connect(&home, &HomeModel::changed, this, &StatusBar::refresh);
+    refresh();
+}
+
 void StatusBar::setDropEffect(const QString& text) {
     if (text == dropEffect_) return;
     dropEffect_ = text;
@@ -85,6 +92,7 @@ QStringList StatusBar::parts() const {
     QStringList parts;
     if (!model_) return parts;
     if (!dropEffect_.isEmpty()) return {dropEffect_};
+    if (model_->isHome()) return home_ ? QStringList(homeText()) : QStringList();
     switch (model_->listingState().which()) {
     case ListingState::Case::loading:
         if (model_->showsSearch()) {
@@ -114,7 +122,18 @@ QStringList StatusBar::parts() const {
     return parts;
 }
 
+QString StatusBar::homeText() const {
+    const auto words = [](std::string_view key, std::size_t items) {
+        return localized(key, count(items)).toStdString();
+    };
+    return localized("ui.status.home", {words("ui.status.quickAccess", home_->pins().size()),
+                                        words("ui.status.locations", home_->locations().size()),
+                                        words("ui.status.volumes", home_->volumes().size())});
+}
+
 void StatusBar::refresh() {
+    for (int i = 0; i < switches_->count(); ++i)
+        switches_->itemAt(i)->widget()->setVisible(model_ && !model_->isHome());
     const QStringList shown = parts();
     for (std::size_t i = 0; i < labels_.size(); ++i) {
         const auto index = static_cast<qsizetype>(i);

@@ -13,6 +13,7 @@ namespace ombrel {
 
 class BrowserModel;
 class FileView;
+class HomeModel;
 class SelectionSize;
 class Theme;
 
@@ -28,6 +29,8 @@ public:
     /// Speaks of this pane and its view from now on; both must live until it follows others.
     void follow(BrowserModel& model, const FileView& view);
 
+    /// What is there to count while the pane is at home; must outlive it.
+    void setHome(const HomeModel& home);
     /// What a drop would do now; nothing while nothing is dragged.
     void setDropEffect(const QString& text);
     /// Shows the two views that are used most as switches, which do what these actions do.
@@ -43,14 +46,16 @@ protected:
 
 private:
     void refresh();
+    [[nodiscard]] QString homeText() const;
     void takeSizes();
 
     const Theme* theme_;
     BrowserModel* model_ = nullptr;
     const FileView* view_ = nullptr;
+    const HomeModel* home_ = nullptr;
     std::unique_ptr<SelectionSize> selectionSize_; ///< of the pane that is followed
     std::vector<QLabel*> labels_;
-    QHBoxLayout* switches_ = nullptr;
+    QHBoxLayout* switches_ = nullptr; ///< nothing at home
     QString dropEffect_;
 };
 

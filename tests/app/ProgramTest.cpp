@@ -46,6 +46,8 @@ TEST(OmbrelProgram, RefusesWrongUsageWithTwo) {
         {{"--screenshot"}, "--screenshot"},
         {{"--screenshot", ""}, "--screenshot"},
         {{"--screenshot", "a.png", "/", "/usr"}, "one folder"},
+        {{"--screenshots"}, "--screenshots"},
+        {{"--screenshots", "pictures", "/"}, "--screenshots"},
         {{"--dark", "/"}, "--dark"},
         {{"file://elsewhere.example/x"}, "elsewhere.example"},
         {{""}, "“”"},
@@ -139,6 +141,39 @@ TEST_F(Pictures, ThatCannotBeWrittenEndWithOne) {
     const auto result = ombrel({"--screenshot", out.path("missing/picture.png"), tree.path()});
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.errors, HasSubstr("could not be written"));
+}
+
+TEST_F(Pictures, OfTheSeriesAreAllThere) {
+    const std::string folder = out.path("series");
+    const auto result = ombrel({"--screenshots", folder});
+    ASSERT_EQ(result.status, 0) << result.errors;
+    const std::string names[] = {"context-menu",       "home",
+                                 "main-details",       "main-icons",
+                                 "onboarding-preset",  "overlay-permission",
+                                 "progress-copying",   "progress-conflict-batch",
+                                 "settings-locations", "progress-conflict-single"};
+    for (const auto& name : names)
+        for (const char* language : {"", "-de", "-zh"}) {
+            const auto picture = [&](const char* colours) {
+                const std::string file = folder + '/' + name + '-' + colours + language + ".png";
+                QImage image(QString::fromStdString(file));
+                EXPECT_EQ(image.size(), name == "progress-copying" ? QSize(560, 482) : QSize(1280, 800))
+                    << file;
+                EXPECT_GT(coloursOf(image), 20U) << file;
+                return image;
+            };
+            EXPECT_GT(picture("light").pixelColor(1, 60).lightness(), 128) << name;
+            EXPECT_LT(picture("dark").pixelColor(1, 60).lightness(), 128) << name;
+        }
+}
+
+TEST_F(Pictures, OfTheSeriesNeedAFolder) {
+    tree.file("file");
+    for (const auto& folder : {out.path("missing/series"), tree.path("file")}) {
+        const auto result = ombrel({"--screenshots", folder});
+        EXPECT_EQ(result.status, 1);
+        EXPECT_THAT(result.errors, HasSubstr("could not be made"));
+    }
 }
 
 } // namespace

@@ -33,6 +33,8 @@ TEST_F(Formatting, SizesStepAt1024AndStayShort) {
     EXPECT_EQ(size(1'048'575), "1.0 MB");
     EXPECT_EQ(size(5'033'164), "4.8 MB");
     EXPECT_EQ(size(1'288'490'188), "1.2 GB");
+    EXPECT_EQ(size(44'130'788'147), "41.1 GB");
+    EXPECT_EQ(size(137'438'953'472), "128 GB");
     EXPECT_EQ(size(INT64_MAX), "8.0 EB");
     use(QLocale(QLocale::German));
     EXPECT_EQ(size(5'033'164), "4,8 MB");
@@ -45,6 +47,8 @@ TEST_F(Formatting, DatesAreTheLocalesWithTheYearInFull) {
     EXPECT_EQ(Formats::dateAndTime(time).toStdString(), "22.04.2026, 09:12");
     use(QLocale(QLocale::English, QLocale::UnitedStates));
     EXPECT_EQ(Formats::dateAndTime(time).toStdString(), "4/22/2026, 9:12 AM");
+    use(QLocale(QLocale::Chinese, QLocale::TraditionalHanScript, QLocale::Taiwan));
+    EXPECT_EQ(Formats::dateAndTime(time).toStdString(), "2026/4/22, 09:12");
     use(QLocale::c());
     EXPECT_EQ(Formats::dateAndTime(time).toStdString(), "22 Apr 2026, 09:12");
 }

@@ -35,7 +35,6 @@ struct Pair {
 using enum ThemeColor;
 constexpr double forText = 4.5, forOutlines = 3.0;
 constexpr ThemeColor grounds[] = {chrome, chromeRaised, surface, surfaceAlt, menu, hover, pressed};
-constexpr ThemeColor selections[] = {selection, selectionHover, selectionInactive};
 
 class ThemeContrast : public ::testing::TestWithParam<Appearance> {
 protected:
@@ -48,26 +47,36 @@ protected:
 
 TEST_P(ThemeContrast, OfTextIsFourAndAHalfToOne) {
     for (const auto ground : grounds)
-        for (const auto ink : {text, textSecondary})
+        for (const auto ink : {text, textSecondary, accent, danger, warning, success})
             expectAtLeast(forText, {ink, ground});
     for (const auto ground : {selection, selectionHover})
         expectAtLeast(forText, {onSelection, ground});
-    expectAtLeast(forText, {text, selectionInactive});
-    if (!GetParam().isHighContrast)
-        for (const auto ground : selections)
+    for (const auto ink : {text, textSecondary})
+        expectAtLeast(forText, {ink, selectionInactive});
+    // There all that stands on a selection is `onSelection`.
+    if (!GetParam().isHighContrast) {
+        for (const auto ground : {selection, selectionHover})
             expectAtLeast(forText, {textSecondary, ground});
-    for (const auto pair : {Pair{onAccent, accent}, Pair{accent, surface}, Pair{danger, surface},
-                            Pair{danger, dangerSoft}, Pair{warning, surface}, Pair{warning, warningSoft},
-                            Pair{success, surface}, Pair{success, successSoft}})
+        expectAtLeast(forText, {accent, selection});
+    }
+    for (const auto pair : {Pair{onAccent, accent}, Pair{danger, dangerSoft}, Pair{warning, warningSoft},
+                            Pair{success, successSoft}, Pair{textSecondary, track}})
         expectAtLeast(forText, pair);
 }
 
 TEST_P(ThemeContrast, OfOutlinesIsThreeToOne) {
-    for (const auto ground : {chrome, chromeRaised, surface, surfaceAlt, menu, hover}) {
-        expectAtLeast(forOutlines, {borderStrong, ground});
-        expectAtLeast(forOutlines, {accent, ground});
-    }
-    if (!GetParam().isHighContrast) expectAtLeast(forOutlines, {accent, selection});
+    for (const auto ground : grounds)
+        for (const auto ink : {borderStrong, accent})
+            expectAtLeast(forOutlines, {ink, ground});
+    for (const auto ground : {selectionInactive, track, dangerSoft, warningSoft})
+        for (const auto ink : {borderStrong, accent})
+            expectAtLeast(forOutlines, {ink, ground});
+    expectAtLeast(forOutlines, {danger, track});
+    if (GetParam().isHighContrast)
+        expectAtLeast(forOutlines, {border, surface});
+    else
+        for (const auto ink : {borderStrong, accent, warning})
+            expectAtLeast(forOutlines, {ink, selection});
 }
 
 INSTANTIATE_TEST_SUITE_P(Appearances, ThemeContrast,
