@@ -5,18 +5,18 @@
 #include "ui/ConfirmationDialog.h"
 #include "ui/FolderOptionsDialog.h"
 #include "ui/OnboardingDialog.h"
+#include "ui/PaneArea.h"
 #include "ui/ProgressWindow.h"
 #include "ui/ReportCard.h"
 #include "ui/SettingsWindow.h"
 #include "ui/WindowWorld.h"
 
 #include <QAccessible>
-#include <QFocusFrame>
 #include <QPixmap>
-#include <QPointer>
 
 #include <set>
 #include <string>
+#include <vector>
 
 namespace ombrel {
 namespace {
@@ -52,6 +52,9 @@ public:
         return met.size();
     }
 
+    /// What it complains about.
+    [[nodiscard]] const std::vector<std::string>& problems() const noexcept { return problems_; }
+
 private:
     static std::string described(const QWidget& control) {
         std::string text = control.metaObject()->className();
@@ -61,12 +64,13 @@ private:
     }
 
     void examine(QWidget& control) {
-        auto* const accessible = QAccessible::queryAccessibleInterface(&control);
-        ASSERT_NE(accessible, nullptr) << described(control);
-        EXPECT_FALSE(accessible->text(QAccessible::Name).isEmpty()) << "no name: " << described(control);
-        EXPECT_NE(accessible->role(), QAccessible::NoRole) << described(control);
-        EXPECT_NE(accessible->role(), QAccessible::Client) << "no role: " << described(control);
-        EXPECT_TRUE(hasRing(control)) << "no ring: " << described(control);
+        const auto* const accessible = QAccessible::queryAccessibleInterface(&control);
+        const auto complain = [&](const char* what) { problems_.push_back(what + described(control)); };
+        if (!accessible || accessible->text(QAccessible::Name).isEmpty()) complain("no name: ");
+        if (!accessible || accessible->role() == QAccessible::NoRole ||
+            accessible->role() == QAccessible::Client)
+            complain("no role: ");
+        if (!hasRing(control)) complain("no ring: ");
     }
 
     /// Whether enough of the accent's colour comes and goes with the focus in and around the control.
@@ -93,7 +97,30 @@ private:
     }
 
     QWidget* window_;
+    std::vector<std::string> problems_;
 };
+
+/// Expects at least so many controls, and nothing to complain about.
+void walk(QWidget& window, Qt::Key key, std::size_t least) {
+    FocusWalk walk(window);
+    EXPECT_GE(walk.walk(key), least);
+    EXPECT_THAT(walk.problems(), ::testing::IsEmpty());
+}
+
+TEST(FocusWalkItself, MissesNothing) {
+    QWidget window;
+    QWidget silent(&window), named(&window);
+    named.setGeometry(0, 100, 100, 50);
+    for (QWidget* const control : {&silent, &named})
+        control->setFocusPolicy(Qt::StrongFocus);
+    named.setAccessibleName(QStringLiteral("named"));
+    FocusWalk walk(window);
+    EXPECT_EQ(walk.walk(Qt::Key_Tab), 2U);
+    EXPECT_THAT(walk.problems(),
+                ::testing::UnorderedElementsAre("no name: QWidget in QWidget", "no role: QWidget in QWidget",
+                                                "no ring: QWidget in QWidget", "no role: QWidget in QWidget",
+                                                "no ring: QWidget in QWidget"));
+}
 
 class FocusWalkTest : public testing::WindowWorld {
 protected:
@@ -103,20 +130,18 @@ protected:
 TEST_F(FocusWalkTest, ThroughAFolder) {
     open(tree.url("Projects"));
     window.paneArea().focusContent();
-    FocusWalk walk(window);
-    EXPECT_GT(walk.walk(Qt::Key_Tab), 8U);
+    walk(window, Qt::Key_Tab, 9);
     window.paneArea().focusContent();
-    EXPECT_GE(walk.walk(Qt::Key_F6), 5U);
+    walk(window, Qt::Key_F6, 5);
 }
 
 TEST_F(FocusWalkTest, ThroughHome) {
     window.model().navigateHome();
     QApplication::processEvents();
     window.paneArea().focusContent();
-    FocusWalk walk(window);
-    EXPECT_GT(walk.walk(Qt::Key_Tab), 5U);
+    walk(window, Qt::Key_Tab, 6);
     window.paneArea().focusContent();
-    EXPECT_GE(walk.walk(Qt::Key_F6), 4U);
+    walk(window, Qt::Key_F6, 4);
 }
 
 TEST_F(FocusWalkTest, ThroughTheSettings) {
@@ -128,26 +153,26 @@ TEST_F(FocusWalkTest, ThroughTheSettings) {
     using enum SettingsWindow::Page;
     for (const auto page : {general, keyboard, language, locations}) {
         settingsWindow.select(page);
-        EXPECT_GE(FocusWalk(settingsWindow).walk(Qt::Key_Tab), 2U);
+        walk(settingsWindow, Qt::Key_Tab, 2);
     }
 }
 
 TEST_F(FocusWalkTest, ThroughTheDialogs) {
-    const auto walk = [](QDialog* dialog, std::size_t least) {
+    const auto walkThrough = [](QDialog* dialog, std::size_t least) {
         dialog->open();
-        EXPECT_GE(FocusWalk(*dialog).walk(Qt::Key_Tab), least);
+        walk(*dialog, Qt::Key_Tab, least);
         dialog->reject();
     };
-    walk(new FolderOptionsDialog(quietTheme(), settings, &window), 9);
-    walk(new AboutDialog(quietTheme(), &window), 1);
-    walk(new ConfirmationDialog(
-             quietTheme(),
-             {.title = QStringLiteral("Really?"),
-              .accept = QStringLiteral("Yes"),
-              .decline = QStringLiteral("No"),
-              .checkBox = QStringLiteral("Never again")},
-             [](const auto&) {}, &window),
-         3);
+    walkThrough(new FolderOptionsDialog(quietTheme(), settings, &window), 9);
+    walkThrough(new AboutDialog(quietTheme(), &window), 1);
+    walkThrough(new ConfirmationDialog(
+                    quietTheme(),
+                    {.title = QStringLiteral("Really?"),
+                     .accept = QStringLiteral("Yes"),
+                     .decline = QStringLiteral("No"),
+                     .checkBox = QStringLiteral("Never again")},
+                    [](const auto&) {}, &window),
+                3);
 }
 
 TEST_F(FocusWalkTest, ThroughOnboarding) {
@@ -156,7 +181,7 @@ TEST_F(FocusWalkTest, ThroughOnboarding) {
     dialog.show();
     constexpr std::size_t least[] = {2, 3, 8};
     for (const std::size_t count : least) {
-        EXPECT_GE(FocusWalk(dialog).walk(Qt::Key_Tab), count);
+        walk(dialog, Qt::Key_Tab, count);
         QTest::keyClick(&dialog, Qt::Key_Return);
     }
     EXPECT_FALSE(dialog.isVisible());
@@ -196,18 +221,18 @@ TEST_F(ProgressFocusWalk, ThroughQuestionsAndTheReport) {
                                  tree.url("to")));
     ASSERT_TRUE(waitForPrompt());
     // For all at once: the cards are one stop, beside the folders and the cancel button.
-    EXPECT_GE(FocusWalk(progress.window()).walk(Qt::Key_Tab), 3U);
+    walk(progress.window(), Qt::Key_Tab, 3);
     auto& job = *center.jobs().front();
     center.decideEach(*job.prompt(), job);
     ASSERT_TRUE(runUntil([&] { return job.prompt() && !job.prompt()->isBatch(); }));
-    EXPECT_GE(FocusWalk(progress.window()).walk(Qt::Key_Tab), 5U);
+    walk(progress.window(), Qt::Key_Tab, 5);
     job.prompt()->answer(ConflictChoice::skip, true);
     ASSERT_TRUE(
         runUntil([&] { return job.prompt() && std::holds_alternative<ErrorContext>(job.prompt()->kind()); }));
-    EXPECT_GE(FocusWalk(progress.window()).walk(Qt::Key_Tab), 3U);
+    walk(progress.window(), Qt::Key_Tab, 3);
     job.prompt()->answer(ErrorChoice::skip);
     ASSERT_TRUE(runUntil([&] { return progress.window().findChild<ReportCard*>() != nullptr; }));
-    EXPECT_GE(FocusWalk(progress.window()).walk(Qt::Key_Tab), 2U);
+    walk(progress.window(), Qt::Key_Tab, 2);
 }
 
 } // namespace
