@@ -79,7 +79,9 @@ void ItemPicture::paintEvent(QPaintEvent*) {
     painter.fillPath(shape, theme_->color(ThemeColor::surface));
     if (thumbnails_ && item_) {
         if (const QImage image = thumbnails_->thumbnail(*item_, box()); !image.isNull()) {
-            const QSizeF room = QSizeF(image.size()).scaled(size(), Qt::KeepAspectRatio);
+            // As large as it fits, but a small one not larger than it is.
+            QSizeF room = QSizeF(image.size()) / devicePixelRatioF();
+            if (room.width() > width() || room.height() > height()) room.scale(size(), Qt::KeepAspectRatio);
             painter.setClipPath(shape);
             painter.drawImage(
                 QRectF(QPointF((width() - room.width()) / 2, (height() - room.height()) / 2), room), image);
