@@ -9,6 +9,7 @@
 #include <QPointer>
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
 #include <span>
 #include <utility>
@@ -223,13 +224,10 @@ void OpenActions::openFolderWith(BrowserModel& pane, const FileURL& folder,
     openWith(pane, application, {folder});
 }
 
-void OpenActions::applicationsForSelection(const BrowserModel& pane,
-                                           std::function<void(const ApplicationChoice&)> done) {
-    std::vector<FileURL> urls;
-    for (const auto& item : pane.selection().items()) {
-        if (urls.size() == mostLookedAt) break;
-        urls.push_back(item.url());
-    }
+void OpenActions::applicationsFor(std::vector<FileURL> urls,
+                                  std::function<void(const ApplicationChoice&)> done) {
+    if (urls.size() > mostLookedAt)
+        urls.erase(urls.begin() + static_cast<std::ptrdiff_t>(mostLookedAt), urls.end());
     services_->launcher().applicationsFor(std::move(urls), std::move(done));
 }
 

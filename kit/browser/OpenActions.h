@@ -51,9 +51,8 @@ public:
     void openWith(BrowserModel& pane, const DesktopApplication& application,
                   const std::vector<FileURL>& urls);
     void openFolderWith(BrowserModel& pane, const FileURL& folder, const DesktopApplication& application);
-    /// What the selected items can be opened with; of a large selection the first ones count.
-    void applicationsForSelection(const BrowserModel& pane,
-                                  std::function<void(const ApplicationChoice&)> done);
+    /// What the items can be opened with; of many the first ones count.
+    void applicationsFor(std::vector<FileURL> urls, std::function<void(const ApplicationChoice&)> done);
     /// The applications that opened folders last, the latest first.
     void recentFolderApplications(std::function<void(const std::vector<DesktopApplication>&)> done);
 

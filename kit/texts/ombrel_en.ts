@@ -138,7 +138,9 @@
     <message id="confirm.removeLocation.title"><source></source><translation>Remove “{1}” from the locations?</translation></message>
     <message id="confirm.runProgram.accept"><source></source><translation>Run</translation></message>
     <message id="confirm.runProgram.alternative"><source></source><translation>Show the text</translation></message>
+    <message id="confirm.runProgram.many" numerus="yes"><source></source><translation><numerusform>Run {n} program?</numerusform><numerusform>Run {n} programs?</numerusform></translation></message>
     <message id="confirm.runProgram.message"><source></source><translation>It is a program and can do anything that you can do.</translation></message>
+    <message id="confirm.runProgram.messageMany"><source></source><translation>They are programs and can do anything that you can do.</translation></message>
     <message id="confirm.runProgram.title"><source></source><translation>Run “{1}”?</translation></message>
     <message id="confirm.showProtected.accept"><source></source><translation>Show</translation></message>
     <message id="confirm.showProtected.message"><source></source><translation>These items belong to the system. Changing them can break things.</translation></message>
@@ -383,6 +385,16 @@
     <message id="ui.bar.new"><source></source><translation>New</translation></message>
     <message id="ui.bar.sort"><source></source><translation>Sort</translation></message>
     <message id="ui.bar.view"><source></source><translation>View</translation></message>
+    <message id="ui.chooser.always"><source></source><translation>Always use it for files like this</translation></message>
+    <message id="ui.chooser.filter"><source></source><translation>Search applications</translation></message>
+    <message id="ui.chooser.list"><source></source><translation>Applications</translation></message>
+    <message id="ui.chooser.looking"><source></source><translation>Looking for applications…</translation></message>
+    <message id="ui.chooser.many" numerus="yes"><source></source><translation><numerusform>Open {n} item with</numerusform><numerusform>Open {n} items with</numerusform></translation></message>
+    <message id="ui.chooser.noMatch"><source></source><translation>No application matches “{1}”.</translation></message>
+    <message id="ui.chooser.none"><source></source><translation>No applications are installed.</translation></message>
+    <message id="ui.chooser.one"><source></source><translation>Open “{1}” with</translation></message>
+    <message id="ui.chooser.others"><source></source><translation>Other applications</translation></message>
+    <message id="ui.chooser.recommended"><source></source><translation>Recommended</translation></message>
     <message id="ui.column.dateModified"><source></source><translation>Date modified</translation></message>
     <message id="ui.column.folder"><source></source><translation>Folder</translation></message>
     <message id="ui.column.name"><source></source><translation>Name</translation></message>
@@ -417,6 +429,7 @@
     <message id="ui.command.openInNewWindow"><source></source><translation>Open in new window</translation></message>
     <message id="ui.command.openInTerminal"><source></source><translation>Open in terminal</translation></message>
     <message id="ui.command.openWith"><source></source><translation>Open with</translation></message>
+    <message id="ui.command.otherApplication"><source></source><translation>Other application…</translation></message>
     <message id="ui.command.paste"><source></source><translation>Paste</translation></message>
     <message id="ui.command.pin"><source></source><translation>Pin to quick access</translation></message>
     <message id="ui.command.quickLook"><source></source><translation>Quick look</translation></message>
@@ -520,6 +533,8 @@
     <message id="ui.progress.waitingForAnswer"><source></source><translation>Waiting for your answer</translation></message>
     <message id="ui.progress.window.allPaused"><source></source><translation>Paused</translation></message>
     <message id="ui.progress.window.jobs" numerus="yes"><source></source><translation><numerusform>{1}, {n} job</numerusform><numerusform>{1}, {n} jobs</numerusform></translation></message>
+    <message id="ui.quickLook.cut"><source></source><translation>Only the first {1} are shown.</translation></message>
+    <message id="ui.quickLook.position"><source></source><translation>{1} of {2}</translation></message>
     <message id="ui.rename.notOnWindows"><source></source><translation>Windows can’t use this name.</translation></message>
     <message id="ui.report.close"><source></source><translation>Close</translation></message>
     <message id="ui.report.copy"><source></source><translation>Copy report</translation></message>

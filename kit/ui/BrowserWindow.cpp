@@ -24,6 +24,7 @@
 #include "ui/PaneArea.h"
 #include "ui/PaneSplitter.h"
 #include "ui/ProgressWindow.h"
+#include "ui/QuickLookWindow.h"
 #include "ui/SearchField.h"
 #include "ui/SettingsWindow.h"
 #include "ui/StatusBar.h"
@@ -33,17 +34,16 @@
 #include "ui/WindowActions.h"
 #include "ui/WindowKeys.h"
 #include "ui/WindowMenus.h"
+#include "ui/WindowOpening.h"
 #include "ui/WindowPlaces.h"
 #include "ui/WindowPrompter.h"
 
 #include <QAction>
 #include <QCloseEvent>
 #include <QEvent>
-#include <QIcon>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMouseEvent>
-#include <QPointer>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -67,6 +67,8 @@ BrowserWindow::BrowserWindow(const Setting& setting)
                                            .actions = *actions_,
                                            .menus = *menus_})),
       prompter_(new WindowPrompter(*theme_, *this, this)),
+      windowOpening_(new WindowOpening(
+          *this, {.theme = *theme_, .services = setting.services, .tabs = tabs_, .actions = opening_})),
       tabStrip_(new TabStrip(tabs_, *theme_, setting.services.settings(), this)),
       navigationRow_(new NavigationRow(tabs_, setting.services, *theme_, setting.home,
                                        {.back = actions_->of(FileCommand::goBack),
@@ -74,7 +76,8 @@ BrowserWindow::BrowserWindow(const Setting& setting)
                                         .up = actions_->of(FileCommand::goUp),
                                         .refresh = actions_->of(FileCommand::refresh)},
                                        this)),
-      places_(new WindowPlaces(*this, tabs_, setting.services, *theme_, setting.home)),
+      places_(new WindowPlaces(*this, tabs_, setting.services, *theme_, setting.home,
+                               {.opening = opening_, .files = files_})),
       commandBar_(new CommandBar(*theme_, *actions_, *menus_, this)), panes_(new QStackedWidget),
       splitter_(new PaneSplitter(*theme_, panes_, this)), statusBar_(new StatusBar(*theme_, this)),
       jobChip_(new JobChip(setting.services.center(), *theme_, statusBar_)) {
@@ -149,9 +152,6 @@ void BrowserWindow::setState(const WindowState& state) {
 void BrowserWindow::bindCommands() {
     files_.bindTo(commands_);
     opening_.bindTo(commands_);
-    opening_.openTabBehind = [this](const FileURL& folder) {
-        tabs_.addTab(folder, BrowserTabsModel::Activation::stayBehind);
-    };
     commands_.bind(FileCommand::newWindow,
                    {.perform = [this](BrowserModel&) { services_->requestNewWindow(&tabs_); }});
     commands_.bind(FileCommand::toggleDetailsPane,
@@ -172,7 +172,9 @@ void BrowserWindow::fillMenusWithFiles() {
         files_.clipboard().pasteInto(pane, pane.items()[*pane.selection().firstRow()].url());
     };
     context.copyFolderPath = [this](const BrowserModel& pane) { files_.clipboard().copyPath(pane); };
-    context.fillOpenWith = [this](QMenu& menu, BrowserModel& pane) { fillOpenWith(menu, pane); };
+    context.fillOpenWith = [this](QMenu& menu, BrowserModel& pane) {
+        windowOpening_->fillOpenWith(menu, pane);
+    };
     auto& menus = menus_->owners();
     menus.showSettings = [this] { SettingsWindow::open(*theme_, *services_); };
     menus.showFolderOptions = [this] {
@@ -189,22 +191,6 @@ void BrowserWindow::fillMenusWithFiles() {
                     [this, pattern] { files_.creation().createFile(model(), pattern); });
         }
     };
-}
-
-/// The applications come when a worker has found them.
-void BrowserWindow::fillOpenWith(QMenu& menu, BrowserModel& pane) {
-    opening_.applicationsForSelection(
-        pane, [this, shown = QPointer(&menu), selected = QPointer(&pane)](const ApplicationChoice& choice) {
-            if (!shown || !selected) return;
-            for (const DesktopApplication& application : choice.applications) {
-                auto* const entry = shown->addAction(
-                    QIcon::fromTheme(QString::fromStdString(application.icon)),
-                    QString::fromStdString(application.name).replace(QLatin1Char('&'), QLatin1String("&&")));
-                connect(entry, &QAction::triggered, this, [this, selected, application] {
-                    if (selected) opening_.openWith(*selected, application);
-                });
-            }
-        });
 }
 
 void BrowserWindow::watchMenuOf(FileView& view) {
@@ -253,6 +239,8 @@ void BrowserWindow::followTabs() {
     connect(&tabs_, &BrowserTabsModel::titleChanged, this, &BrowserWindow::applySettings);
     connect(&navigationRow_->addressBar(), &AddressBar::finished, this,
             [this] { paneArea().focusContent(); });
+    connect(&navigationRow_->addressBar(), &AddressBar::openInNewWindowRequested, windowOpening_,
+            &WindowOpening::openInNewWindow);
     connect(&navigationRow_->searchField(), &SearchField::finished, this,
             [this] { paneArea().focusContent(); });
     connect(tabStrip_, &TabStrip::copyPathRequested, this,
@@ -275,6 +263,13 @@ void BrowserWindow::addPaneArea(std::size_t index) {
     area->setHomePage(places_->makeHomeView());
     connect(area, &PaneArea::openRequested, this,
             [this, &pane](std::size_t row) { opening_.openRow(pane, row); });
+    pane.requestQuickLook = [this, area, &pane] {
+        QuickLookWindow::toggle({.theme = *theme_,
+                                 .area = *area,
+                                 .thumbnails = &ThumbnailStore::of(*services_),
+                                 .open = [this, &pane](std::size_t row) { opening_.openRow(pane, row); }},
+                                *this);
+    };
     watchMenuOf(area->view());
     connect(area, &PaneArea::viewChanged, this, [this, area] {
         watchMenuOf(area->view());

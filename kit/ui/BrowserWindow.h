@@ -14,7 +14,6 @@
 #include <optional>
 #include <vector>
 
-class QMenu;
 class QStackedWidget;
 
 namespace ombrel {
@@ -36,6 +35,7 @@ class WindowActions;
 class WindowPlaces;
 class WindowPrompter;
 class WindowMenus;
+class WindowOpening;
 
 /// One window: it makes the models of its tabs and the widgets that show them, and connects them. What stands
 /// around the file view follows the active tab. Deletes itself when closed.
@@ -101,7 +101,6 @@ private:
     void showActiveTab();
     void refreshTitle();
     void applySettings();
-    void fillOpenWith(QMenu& menu, BrowserModel& pane);
     void watchMenuOf(FileView& view);
     void showContextMenu(QPoint globalPosition);
     void placeJobChip();
@@ -122,6 +121,7 @@ private:
     WindowMenus* menus_;
     ContextMenu* contextMenu_;
     WindowPrompter* prompter_;
+    WindowOpening* windowOpening_;
     TabStrip* tabStrip_;
     NavigationRow* navigationRow_;
     WindowPlaces* places_;

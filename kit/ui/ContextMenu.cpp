@@ -84,10 +84,8 @@ void ContextMenu::addOpening(QMenu& menu, BrowserModel& pane) {
     if (traits.areFiles && owners_.fillOpenWith) {
         auto* const with =
             menu.addMenu(glyphIcon(setting_.theme, Glyph::grid), localized("ui.command.openWith"));
-        connect(with, &QMenu::aboutToShow, this, [this, with, shown = QPointer(&pane)] {
-            with->clear();
-            if (shown) owners_.fillOpenWith(*with, *shown);
-        });
+        // At once, so that it is known by the time the menu opens what opens them.
+        owners_.fillOpenWith(*with, pane);
     }
     if (traits.areFolders)
         add(menu, {FileCommand::openInNewTab, FileCommand::openInNewWindow, FileCommand::openInTerminal},

@@ -2,6 +2,7 @@
 
 #include "ui/JobBar.h"
 #include "ui/Pill.h"
+#include "ui/QuickLookPicture.h"
 #include "ui/SpeedGraph.h"
 
 #include <QAccessible>
@@ -41,6 +42,8 @@ QAccessibleInterface* make(const QString&, QObject* object) {
     if (auto* const bar = qobject_cast<JobBar*>(object)) return new BarAccessible(*bar);
     if (auto* const graph = qobject_cast<SpeedGraph*>(object))
         return new QAccessibleWidget(graph, QAccessible::Graphic);
+    if (auto* const picture = qobject_cast<QuickLookPicture*>(object))
+        return new QAccessibleWidget(picture, QAccessible::Graphic);
     if (auto* const pill = qobject_cast<Pill*>(object))
         return new QAccessibleWidget(pill, QAccessible::StaticText);
     return nullptr;

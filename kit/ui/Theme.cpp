@@ -1,5 +1,7 @@
 #include "ui/Theme.h"
 
+#include <QFontDatabase>
+#include <QFontInfo>
 #include <QFontMetricsF>
 #include <QGuiApplication>
 
@@ -171,6 +173,11 @@ constexpr SizeRow sizeTable[] = {
     {ThemeSize::folderOptionsWidth, 460},
     {ThemeSize::onboardingWidth, 800},
     {ThemeSize::onboardingHeight, 600},
+    {ThemeSize::quickLookWidth, 960},
+    {ThemeSize::quickLookHeight, 720},
+    {ThemeSize::quickLookHeader, 40},
+    {ThemeSize::quickLookIcon, 128},
+    {ThemeSize::applicationList, 288},
     {ThemeSize::menuMinimumWidth, 220},
     {ThemeSize::menuMaximumWidth, 360},
     {ThemeSize::addressMinimumWidth, 220},
@@ -217,6 +224,14 @@ ThemeColor highContrast(ThemeColor token) {
     }
 }
 
+/// The desktop's font of equal widths; where it names none, whatever serves as one.
+QFont fixedFont() {
+    QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    if (!QFontInfo(font).fixedPitch()) font = QFont(QStringLiteral("monospace"));
+    font.setStyleHint(QFont::Monospace);
+    return font;
+}
+
 /// The height of the interface font that the sizes are given for.
 constexpr double referenceFontHeight = 18;
 
@@ -261,7 +276,8 @@ QFont Theme::font(ThemeFont token) const {
     const auto [factor, isSemibold] = [token]() -> Setting {
         switch (token) {
         case ThemeFont::caption: return {0.92, false};
-        case ThemeFont::body: return {1, false};
+        case ThemeFont::body:
+        case ThemeFont::fixed: return {1, false};
         case ThemeFont::bodyStrong: return {1, true};
         case ThemeFont::subtitle: return {1.15, true};
         case ThemeFont::title: return {1.4, true};
@@ -269,11 +285,11 @@ QFont Theme::font(ThemeFont token) const {
         }
         std::unreachable();
     }();
-    QFont font = font_;
-    if (font.pixelSize() > 0)
-        font.setPixelSize(static_cast<int>(std::lround(font.pixelSize() * factor)));
+    QFont font = token == ThemeFont::fixed ? fixedFont() : font_;
+    if (font_.pixelSize() > 0)
+        font.setPixelSize(static_cast<int>(std::lround(font_.pixelSize() * factor)));
     else
-        font.setPointSizeF(font.pointSizeF() * factor);
+        font.setPointSizeF(font_.pointSizeF() * factor);
     if (isSemibold) font.setWeight(QFont::DemiBold);
     return font;
 }

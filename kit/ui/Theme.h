@@ -159,6 +159,11 @@ enum class ThemeSize : std::uint8_t {
     folderOptionsWidth,
     onboardingWidth,
     onboardingHeight,
+    quickLookWidth,
+    quickLookHeight,
+    quickLookHeader,
+    quickLookIcon,
+    applicationList, ///< the height of the applications to choose from
     menuMinimumWidth,
     menuMaximumWidth,
     addressMinimumWidth,
@@ -187,7 +192,7 @@ enum class ThemeSize : std::uint8_t {
 inline constexpr std::size_t themeSizeCount = static_cast<std::size_t>(ThemeSize::roomForDetails) + 1;
 
 /// How a text is set, relative to the interface font.
-enum class ThemeFont : std::uint8_t { caption, body, bodyStrong, subtitle, title, display };
+enum class ThemeFont : std::uint8_t { caption, body, bodyStrong, subtitle, title, display, fixed };
 
 /// How long something moves.
 enum class ThemeDuration : std::uint8_t {

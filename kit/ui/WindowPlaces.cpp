@@ -1,6 +1,8 @@
 #include "ui/WindowPlaces.h"
 
 #include "browser/BrowserTabsModel.h"
+#include "browser/FileActions.h"
+#include "browser/OpenActions.h"
 #include "services/AppServices.h"
 #include "ui/HomeView.h"
 #include "ui/NavigationTree.h"
@@ -10,8 +12,9 @@
 namespace ombrel {
 
 WindowPlaces::WindowPlaces(QWidget& window, BrowserTabsModel& tabs, AppServices& services, const Theme& theme,
-                           const FileURL& home)
-    : QObject(&window), tabs_(&tabs), services_(&services), theme_(&theme), home_(services, home),
+                           const FileURL& home, const Actions& actions)
+    : QObject(&window), tabs_(&tabs), services_(&services), theme_(&theme), actions_(actions),
+      home_(services, home),
       folders_(services, home_, [&directories = services.directories()](const DirectoryRequest& request) {
           return directories.snapshots(request);
       }) {
@@ -50,6 +53,13 @@ PlaceIntents WindowPlaces::intents() {
     intents.openInNewWindow = [this](const FileURL& folder) {
         if (services_->openWindowAt) services_->openWindowAt(folder);
     };
+    intents.openInTerminal = [this](const FileURL& folder) {
+        actions_.opening.openTerminal(tabs_->activeTab(), folder);
+    };
+    intents.pasteInto = [this](const FileURL& folder) {
+        actions_.files.clipboard().pasteInto(tabs_->activeTab(), folder);
+    };
+    intents.canPaste = [this] { return actions_.files.clipboard().canPaste(); };
     intents.copyPath = [this](const FileURL& folder) { services_->clipboard().copyPaths({folder}); };
     return intents;
 }

@@ -10,8 +10,10 @@
 namespace ombrel {
 
 class BrowserTabsModel;
+class FileActions;
 class HomeView;
 class NavigationTree;
+class OpenActions;
 class Theme;
 
 /// The navigation tree and the home pages of one window: their models, and what is wanted in them done in the
@@ -20,9 +22,15 @@ class WindowPlaces final : public QObject {
     Q_OBJECT
 
 public:
-    /// It belongs to `window`; `tabs`, `services` and `theme` must outlive the widgets.
+    /// Who does what is wanted, for the active tab.
+    struct Actions {
+        OpenActions& opening;
+        FileActions& files;
+    };
+
+    /// It belongs to `window`; `tabs`, `services`, `theme` and the actions must outlive the widgets.
     WindowPlaces(QWidget& window, BrowserTabsModel& tabs, AppServices& services, const Theme& theme,
-                 const FileURL& home);
+                 const FileURL& home, const Actions& actions);
 
     /// Nobody's child yet.
     [[nodiscard]] NavigationTree* makeTree();
@@ -37,6 +45,7 @@ private:
     BrowserTabsModel* tabs_;
     AppServices* services_;
     const Theme* theme_;
+    Actions actions_;
     VolumeEjector ejector_;
     HomeModel home_;
     FolderTreeModel folders_;

@@ -50,6 +50,15 @@ Content aboutDissolving(const BrowserQuestion& question, bool isOne) {
             .accept = localized("confirm.dissolve.accept")};
 }
 
+Content aboutRunning(const BrowserQuestion& question, bool isOne) {
+    return {.title = isOne ? localized("confirm.runProgram.title", {nameOf(question)})
+                           : localized("confirm.runProgram.many", countOf(question)),
+            .message =
+                isOne ? localized("confirm.runProgram.message") : localized("confirm.runProgram.messageMany"),
+            .accept = localized("confirm.runProgram.accept"),
+            .alternative = localized("confirm.runProgram.alternative")};
+}
+
 } // namespace
 
 ConfirmationDialog::Content WindowPrompter::contentOf(const BrowserQuestion& question) {
@@ -68,12 +77,7 @@ ConfirmationDialog::Content WindowPrompter::contentOf(const BrowserQuestion& que
         content = {.title = localized("confirm.openMany.title", countOf(question)),
                    .accept = localized("confirm.openMany.accept")};
         break;
-    case Kind::runProgram:
-        content = {.title = localized("confirm.runProgram.title", {nameOf(question)}),
-                   .message = localized("confirm.runProgram.message"),
-                   .accept = localized("confirm.runProgram.accept"),
-                   .alternative = localized("confirm.runProgram.alternative")};
-        break;
+    case Kind::runProgram: content = aboutRunning(question, isOne); break;
     case Kind::showProtected:
         content = {.title = localized("confirm.showProtected.title"),
                    .message = localized("confirm.showProtected.message"),

@@ -47,8 +47,10 @@ public:
         if (problems.contains(folder.name())) return problems.find(folder.name())->second.text;
         return std::nullopt;
     }
-    std::optional<Text> setDefault(std::span<const std::string>, const DesktopApplication&) override {
-        return std::nullopt;
+    std::optional<Text> setDefault(std::span<const std::string> types,
+                                   const DesktopApplication& application) override {
+        note("default " + application.name + " of " + types.front(), {});
+        return defaultProblem;
     }
 
     static DesktopApplication editor() {
@@ -63,6 +65,7 @@ public:
     // By name; set before anything is opened.
     std::map<std::string, std::expected<OpeningFacts, Text>, std::less<>> facts;
     std::map<std::string, OpeningProblem, std::less<>> problems;
+    std::optional<Text> defaultProblem = std::nullopt;
 
 private:
     void note(const std::string& what, std::span<const FileURL> urls) {
