@@ -2,6 +2,7 @@
 
 #include "base/FileName.h"
 #include "ui/BrowserWindow.h"
+#include "ui/DetailsPane.h"
 #include "ui/FileView.h"
 #include "ui/LocalizedText.h"
 
@@ -30,7 +31,8 @@ void Picture::consider() {
     // Looking asks for what is not known yet of the rows, and layouts settle in their own time: it is done
     // when two looks in succession show the same.
     QImage look = window_->grab().toImage();
-    const bool isAtRest = window_->view().isSettled() && look == lastLook_;
+    const bool isAtRest =
+        window_->view().isSettled() && window_->detailsPane().isSettled() && look == lastLook_;
     lastLook_ = std::move(look);
     if (!isAtRest) return;
     beat_.stop();

@@ -1,6 +1,7 @@
 #include "browser/DetailsValues.h"
 
 #include "base/MainThread.h"
+#include "listing/FileTypeNames.h"
 #include "listing/POSIX.h"
 
 #include <algorithm>
@@ -27,12 +28,32 @@ std::optional<std::int64_t> itemsIn(const FileURL& folder, bool showsHidden, con
 
 } // namespace
 
+DetailsValues::Common DetailsValues::Common::of(const std::vector<FileItem>& items,
+                                                const std::stop_token& stop) {
+    if (items.empty()) return {};
+    Common common{.type = FileTypeNames::name(items.front()),
+                  .folder = items.front().folder(),
+                  .firstModified = {},
+                  .lastModified = {}};
+    for (const FileItem& item : items) {
+        if (stop.stop_requested()) break;
+        if (!common.type.empty() && FileTypeNames::name(item) != common.type) common.type.clear();
+        if (common.folder && item.folder() != *common.folder) common.folder.reset();
+        const auto modified = item.modificationDate();
+        if (!modified.hasValue()) continue;
+        common.firstModified = std::min(common.firstModified.value_or(modified.value()), modified.value());
+        common.lastModified = std::max(common.lastModified.value_or(modified.value()), modified.value());
+    }
+    return common;
+}
+
 /// What a worker adds to the content.
 struct DetailsValues::Found {
     std::vector<FileItem> previews;
     std::optional<ItemValues> facts;
     std::optional<std::int64_t> items;
     std::vector<FileURL> counted; ///< of several items, what their size is to be counted of
+    Common common;
 };
 
 DetailsValues::DetailsValues(QObject* parent) : QObject(parent) {
@@ -56,8 +77,13 @@ void DetailsValues::setActive(bool active) {
     if (active) return load();
     timer_.stop();
     ++ticket_;
+    isReading_ = false;
     reader_ = Worker();
     contents_.stop();
+}
+
+bool DetailsValues::isSettled() const {
+    return !timer_.isActive() && !isReading_ && !contents_.isCounting();
 }
 
 void DetailsValues::wait() {
@@ -73,9 +99,15 @@ void DetailsValues::load() {
     const FileSelection& selection = pane_->selection();
     const auto& folder = pane_->currentURL();
     const std::size_t count = selection.empty() ? (folder ? 1 : 0) : selection.count();
+    isReading_ = count > 0;
     // What the listing knows is there at once; for the folder itself, what was there stays until it is read.
     if (count == 1 && !selection.empty()) {
-        content_ = {.count = 1, .previews = selection.items(), .facts = {}, .items = {}, .totalSize = {}};
+        content_ = {.count = 1,
+                    .previews = selection.items(),
+                    .facts = {},
+                    .items = {},
+                    .totalSize = {},
+                    .common = {}};
         content_.facts = ItemValues::known(content_.previews.front());
         Q_EMIT changed();
     } else if (count == 0) {
@@ -94,6 +126,7 @@ void DetailsValues::load() {
                 std::ranges::copy(items | std::views::take(mostPreviews), std::back_inserter(found.previews));
                 if (items.size() > 1) {
                     std::ranges::transform(items, std::back_inserter(found.counted), &FileItem::url);
+                    found.common = Common::of(items, stop);
                 } else {
                     const FileItem& one = items.front();
                     found.facts = ItemValues::read(one);
@@ -107,16 +140,19 @@ void DetailsValues::load() {
             });
     } catch (const std::system_error&) {
         // What the listing told has to do.
+        isReading_ = false;
     }
 }
 
 void DetailsValues::take(std::uint64_t ticket, const Found& found) {
     if (ticket != ticket_) return;
+    isReading_ = false;
     content_ = {.count = found.counted.empty() ? 1 : found.counted.size(),
                 .previews = found.previews,
                 .facts = found.facts.value_or(ItemValues{}),
                 .items = found.items,
-                .totalSize = {}};
+                .totalSize = {},
+                .common = found.common};
     if (found.counted.empty())
         Q_EMIT changed();
     else

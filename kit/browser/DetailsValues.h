@@ -13,6 +13,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <stop_token>
+#include <string>
 #include <vector>
 
 namespace ombrel {
@@ -29,6 +31,16 @@ public:
     static constexpr std::chrono::milliseconds quiet{120};
     static constexpr std::size_t mostPreviews = 3;
 
+    /// What is the same of several items; the rest is left out.
+    struct Common {
+        std::string type; ///< in words
+        std::optional<FileURL> folder;
+        std::optional<FileTime> firstModified;
+        std::optional<FileTime> lastModified;
+
+        [[nodiscard]] static Common of(const std::vector<FileItem>& items, const std::stop_token& stop);
+    };
+
     struct Content {
         /// 0 where there is nothing to say anything about.
         std::size_t count = 0;
@@ -41,6 +53,8 @@ public:
         /// Of several items, folders with all they hold.
         std::optional<std::int64_t> totalSize;
         bool isTotalKnown = false; ///< otherwise it is at least that
+        /// What several items have in common.
+        Common common;
     };
 
     explicit DetailsValues(QObject* parent = nullptr);
@@ -52,6 +66,10 @@ public:
 
     [[nodiscard]] const Content& content() const noexcept { return content_; }
     [[nodiscard]] BrowserModel* pane() const noexcept { return pane_; }
+    /// Whether a worker still looks at what the content is about; what it adds is not there yet.
+    [[nodiscard]] bool isReading() const noexcept { return isReading_; }
+    /// Whether the content stays as it is, as long as nobody does anything.
+    [[nodiscard]] bool isSettled() const;
 
 Q_SIGNALS:
     void changed();
@@ -68,6 +86,7 @@ private:
     bool isActive_ = false;
     QTimer timer_;
     Content content_;
+    bool isReading_ = false;
     std::uint64_t ticket_ = 0; ///< of the newest reading; older answers are dropped
     Worker reader_;
     ContentsCount contents_;

@@ -68,7 +68,8 @@ ItemValues ItemValues::known(FileItemView item) {
                      .isHidden = item.isHidden(),
                      .isFolder = item.isDirectoryLike() || item.isPackage(),
                      .linkTarget = {},
-                     .dimensions = {}};
+                     .dimensions = {},
+                     .problem = {}};
     return facts;
 }
 
@@ -76,7 +77,10 @@ ItemValues ItemValues::read(const FileItem& item) {
     ItemValues facts = known(item);
     facts.type = FileTypeNames::name(item);
     const auto status = POSIX::lstat(facts.url);
-    if (!status) return facts;
+    if (!status) {
+        facts.problem = status.error();
+        return facts;
+    }
     // Fresher than the listing.
     if (hasSize(item)) facts.size = status->size;
     facts.modified = status->modified;

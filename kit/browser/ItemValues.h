@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/FileURL.h"
+#include "base/POSIXFailure.h"
 #include "listing/FileItem.h"
 #include "listing/FileStatus.h"
 
@@ -33,6 +34,8 @@ struct ItemValues {
         friend bool operator==(const Dimensions&, const Dimensions&) = default;
     };
     std::optional<Dimensions> dimensions;
+    /// Why nothing could be read of it, when it was tried.
+    std::optional<POSIXFailure> problem;
 
     /// What the listing tells, and nothing that would have to be read.
     [[nodiscard]] static ItemValues known(FileItemView item);

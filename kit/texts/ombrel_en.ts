@@ -203,6 +203,8 @@
     <message id="error.op.trashUnavailable"><source></source><translation>There is no trash on this volume.</translation></message>
     <message id="error.op.verificationFailed"><source></source><translation>The copy differs from the original, so it was not kept.</translation></message>
     <message id="format.dateAndTime"><source></source><translation>{1}, {2}</translation></message>
+    <message id="format.period"><source></source><translation>{1} to {2}</translation></message>
+    <message id="format.sizeInFull"><source></source><translation>{1} ({2})</translation></message>
     <message id="inhibit.why"><source></source><translation>Files are being copied or moved</translation></message>
     <message id="kind.other"><source></source><translation>Special file</translation></message>
     <message id="kind.symlink"><source></source><translation>Link</translation></message>
@@ -442,6 +444,18 @@
     <message id="ui.command.undo"><source></source><translation>Undo</translation></message>
     <message id="ui.command.unpin"><source></source><translation>Unpin from quick access</translation></message>
     <message id="ui.command.up"><source></source><translation>Up</translation></message>
+    <message id="ui.details.atLeast"><source></source><translation>at least {1}</translation></message>
+    <message id="ui.details.counting"><source></source><translation>Counting…</translation></message>
+    <message id="ui.details.created"><source></source><translation>Created</translation></message>
+    <message id="ui.details.dimensions"><source></source><translation>Dimensions</translation></message>
+    <message id="ui.details.items"><source></source><translation>Items</translation></message>
+    <message id="ui.details.linkTarget"><source></source><translation>Link target</translation></message>
+    <message id="ui.details.location"><source></source><translation>Location</translation></message>
+    <message id="ui.details.modified"><source></source><translation>Modified</translation></message>
+    <message id="ui.details.pixels"><source></source><translation>{1} × {2}</translation></message>
+    <message id="ui.details.preview"><source></source><translation>Preview</translation></message>
+    <message id="ui.details.size"><source></source><translation>Size</translation></message>
+    <message id="ui.details.totalSize"><source></source><translation>Total size</translation></message>
     <message id="ui.drop.cancel"><source></source><translation>Cancel</translation></message>
     <message id="ui.drop.copyHere"><source></source><translation>Copy here</translation></message>
     <message id="ui.drop.copyTo"><source></source><translation>Copy to {1}</translation></message>
@@ -533,6 +547,40 @@
     <message id="ui.progress.waitingForAnswer"><source></source><translation>Waiting for your answer</translation></message>
     <message id="ui.progress.window.allPaused"><source></source><translation>Paused</translation></message>
     <message id="ui.progress.window.jobs" numerus="yes"><source></source><translation><numerusform>{1}, {n} job</numerusform><numerusform>{1}, {n} jobs</numerusform></translation></message>
+    <message id="ui.properties.capacity"><source></source><translation>Capacity</translation></message>
+    <message id="ui.properties.contains"><source></source><translation>Contains</translation></message>
+    <message id="ui.properties.countingSoFar"><source></source><translation>Counting… {1}</translation></message>
+    <message id="ui.properties.differentFolders"><source></source><translation>Different folders</translation></message>
+    <message id="ui.properties.fileSystem"><source></source><translation>File system</translation></message>
+    <message id="ui.properties.files" numerus="yes"><source></source><translation><numerusform>{n} file</numerusform><numerusform>{n} files</numerusform></translation></message>
+    <message id="ui.properties.folders" numerus="yes"><source></source><translation><numerusform>{n} folder</numerusform><numerusform>{n} folders</numerusform></translation></message>
+    <message id="ui.properties.free"><source></source><translation>Free</translation></message>
+    <message id="ui.properties.group"><source></source><translation>Group ({1}): {2}</translation></message>
+    <message id="ui.properties.hidden"><source></source><translation>Hidden</translation></message>
+    <message id="ui.properties.list"><source></source><translation>{1}, {2}</translation></message>
+    <message id="ui.properties.name"><source></source><translation>Name</translation></message>
+    <message id="ui.properties.no"><source></source><translation>No</translation></message>
+    <message id="ui.properties.opened"><source></source><translation>Opened</translation></message>
+    <message id="ui.properties.others"><source></source><translation>Others: {1}</translation></message>
+    <message id="ui.properties.owner"><source></source><translation>Owner ({1}): {2}</translation></message>
+    <message id="ui.properties.permissions"><source></source><translation>Permissions</translation></message>
+    <message id="ui.properties.permissions.none"><source></source><translation>no access</translation></message>
+    <message id="ui.properties.permissions.open"><source></source><translation>open</translation></message>
+    <message id="ui.properties.permissions.read"><source></source><translation>read</translation></message>
+    <message id="ui.properties.permissions.readOpen"><source></source><translation>read and open</translation></message>
+    <message id="ui.properties.permissions.readRun"><source></source><translation>read and run</translation></message>
+    <message id="ui.properties.permissions.readWrite"><source></source><translation>read and write</translation></message>
+    <message id="ui.properties.permissions.readWriteOpen"><source></source><translation>read, write and open</translation></message>
+    <message id="ui.properties.permissions.readWriteRun"><source></source><translation>read, write and run</translation></message>
+    <message id="ui.properties.permissions.run"><source></source><translation>run</translation></message>
+    <message id="ui.properties.permissions.write"><source></source><translation>write</translation></message>
+    <message id="ui.properties.permissions.writeOpen"><source></source><translation>write and open</translation></message>
+    <message id="ui.properties.permissions.writeRun"><source></source><translation>write and run</translation></message>
+    <message id="ui.properties.title"><source></source><translation>Properties of “{1}”</translation></message>
+    <message id="ui.properties.titleOfSeveral" numerus="yes"><source></source><translation><numerusform>Properties of {n} item</numerusform><numerusform>Properties of {n} items</numerusform></translation></message>
+    <message id="ui.properties.type"><source></source><translation>Type</translation></message>
+    <message id="ui.properties.used"><source></source><translation>Used</translation></message>
+    <message id="ui.properties.yes"><source></source><translation>Yes</translation></message>
     <message id="ui.quickLook.cut"><source></source><translation>Only the first {1} are shown.</translation></message>
     <message id="ui.quickLook.position"><source></source><translation>{1} of {2}</translation></message>
     <message id="ui.rename.notOnWindows"><source></source><translation>Windows can’t use this name.</translation></message>

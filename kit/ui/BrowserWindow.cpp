@@ -9,6 +9,7 @@
 #include "ui/AddressBar.h"
 #include "ui/CommandBar.h"
 #include "ui/ContextMenu.h"
+#include "ui/DetailsPane.h"
 #include "ui/FileView.h"
 #include "ui/FocusCycle.h"
 #include "ui/FocusRing.h"
@@ -32,6 +33,7 @@
 #include "ui/Theme.h"
 #include "ui/ViewModeActions.h"
 #include "ui/WindowActions.h"
+#include "ui/WindowDetails.h"
 #include "ui/WindowKeys.h"
 #include "ui/WindowMenus.h"
 #include "ui/WindowOpening.h"
@@ -78,6 +80,11 @@ BrowserWindow::BrowserWindow(const Setting& setting)
                                        this)),
       places_(new WindowPlaces(*this, tabs_, setting.services, *theme_, setting.home,
                                {.opening = opening_, .files = files_})),
+      details_(new WindowDetails(*this, {.theme = *theme_,
+                                         .services = setting.services,
+                                         .tabs = tabs_,
+                                         .commands = commands_,
+                                         .home = setting.home})),
       commandBar_(new CommandBar(*theme_, *actions_, *menus_, this)), panes_(new QStackedWidget),
       splitter_(new PaneSplitter(*theme_, panes_, this)), statusBar_(new StatusBar(*theme_, this)),
       jobChip_(new JobChip(setting.services.center(), *theme_, statusBar_)) {
@@ -118,6 +125,7 @@ void BrowserWindow::layOut() {
     column->addWidget(commandBar_);
     column->addWidget(splitter_, 1);
     splitter_->put(PaneSplitter::Side::tree, places_->makeTree());
+    splitter_->put(PaneSplitter::Side::details, &details_->pane());
     column->addWidget(statusBar_);
 }
 
@@ -172,6 +180,7 @@ void BrowserWindow::fillMenusWithFiles() {
         files_.clipboard().pasteInto(pane, pane.items()[*pane.selection().firstRow()].url());
     };
     context.copyFolderPath = [this](const BrowserModel& pane) { files_.clipboard().copyPath(pane); };
+    context.showFolderProperties = [this](BrowserModel& pane) { details_->showPropertiesOfFolder(pane); };
     context.fillOpenWith = [this](QMenu& menu, BrowserModel& pane) {
         windowOpening_->fillOpenWith(menu, pane);
     };
@@ -304,6 +313,10 @@ FileView& BrowserWindow::view() const {
 
 const Overlay& BrowserWindow::overlay() const {
     return paneArea().overlay();
+}
+
+DetailsPane& BrowserWindow::detailsPane() const {
+    return details_->pane();
 }
 
 void BrowserWindow::refreshTitle() {

@@ -21,6 +21,7 @@ namespace ombrel {
 class AppServices;
 class CommandBar;
 class ContextMenu;
+class DetailsPane;
 class FileView;
 class JobChip;
 class NavigationRow;
@@ -32,6 +33,7 @@ class TabStrip;
 class Theme;
 class ViewModeActions;
 class WindowActions;
+class WindowDetails;
 class WindowPlaces;
 class WindowPrompter;
 class WindowMenus;
@@ -71,6 +73,8 @@ public:
     [[nodiscard]] FileView& view() const;
     [[nodiscard]] const Overlay& overlay() const;
     [[nodiscard]] const StatusBar& statusBar() const noexcept { return *statusBar_; }
+
+    [[nodiscard]] DetailsPane& detailsPane() const;
 
     [[nodiscard]] PaneSplitter& splitter() const noexcept { return *splitter_; }
 
@@ -125,6 +129,7 @@ private:
     TabStrip* tabStrip_;
     NavigationRow* navigationRow_;
     WindowPlaces* places_;
+    WindowDetails* details_;
     CommandBar* commandBar_;
     QStackedWidget* panes_; ///< one for each tab
     PaneSplitter* splitter_;

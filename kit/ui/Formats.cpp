@@ -55,6 +55,25 @@ QString dateAndTime(const FileTime& time) {
                                             locale.toString(moment.time(), formats.time).toStdString()});
 }
 
+QString period(const FileTime& first, const FileTime& last) {
+    const QString from = dateAndTime(first), to = dateAndTime(last);
+    if (from == to) return from;
+    const QLocale locale;
+    const auto begin = QDateTime::fromSecsSinceEpoch(first.seconds);
+    const auto end = QDateTime::fromSecsSinceEpoch(last.seconds);
+    const bool isOneDay = begin.isValid() && end.isValid() && begin.date() == end.date();
+    return localized("format.period",
+                     {from.toStdString(),
+                      (isOneDay ? locale.toString(end.time(), formatsOf(locale).time) : to).toStdString()});
+}
+
+QString sizeInFull(std::int64_t bytes) {
+    constexpr std::int64_t kilobyte = 1024;
+    if (bytes < kilobyte) return size(bytes);
+    return localized("format.sizeInFull",
+                     {size(bytes).toStdString(), localized("size.bytes", bytes).toStdString()});
+}
+
 QString number(std::int64_t count) {
     return QLocale().toString(static_cast<qlonglong>(count));
 }

@@ -16,6 +16,12 @@ namespace ombrel::Formats {
 /// The locale's short date and time, in local time, with the year in full.
 [[nodiscard]] QString dateAndTime(const FileTime& time);
 
+/// From the first moment to the last; of one day the date is said once, and one moment as it is.
+[[nodiscard]] QString period(const FileTime& first, const FileTime& last);
+
+/// With all bytes counted: "4.8 MB (5,033,164 bytes)".
+[[nodiscard]] QString sizeInFull(std::int64_t bytes);
+
 [[nodiscard]] QString number(std::int64_t count);
 
 } // namespace ombrel::Formats

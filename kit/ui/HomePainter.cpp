@@ -1,5 +1,6 @@
 #include "ui/HomePainter.h"
 
+#include "ui/CapacityBar.h"
 #include "ui/Glyphs.h"
 #include "ui/HomeTexts.h"
 #include "ui/LocalizedText.h"
@@ -318,14 +319,8 @@ void HomePainter::paintCapacity(QPainter& painter, const VolumePlace& volume, co
     QRect caption = column;
     if (used) {
         const QRect track(column.left(), column.top(), column.width(), bar);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(theme_->color(ThemeColor::track));
-        painter.drawRoundedRect(track, bar / 2.0, bar / 2.0);
-        QRect filled = track;
-        filled.setWidth(
-            std::clamp(static_cast<int>(track.width() * *used), *used > 0 ? bar : 0, track.width()));
-        painter.setBrush(theme_->color(volume.isNearlyFull() ? ThemeColor::danger : ThemeColor::accent));
-        painter.drawRoundedRect(mirrored(filled, track), bar / 2.0, bar / 2.0);
+        CapacityBar::paint(painter, *theme_, track, {.used = *used, .isNearlyFull = volume.isNearlyFull()},
+                           direction_);
         caption.setTop(track.bottom() + 1 + size(ThemeSize::space4));
     }
     const QFont font = theme_->font(ThemeFont::caption);

@@ -1,5 +1,6 @@
 #include "ui/PartsAccessible.h"
 
+#include "ui/CapacityBar.h"
 #include "ui/JobBar.h"
 #include "ui/Pill.h"
 #include "ui/QuickLookPicture.h"
@@ -9,6 +10,9 @@
 #include <QAccessibleWidget>
 #include <QLocale>
 
+#include <functional>
+#include <utility>
+
 namespace ombrel {
 namespace {
 
@@ -16,7 +20,10 @@ constexpr int wholePercent = 100;
 
 class BarAccessible final : public QAccessibleWidget, public QAccessibleValueInterface {
 public:
-    explicit BarAccessible(JobBar& bar) : QAccessibleWidget(&bar, QAccessible::ProgressBar), bar_(&bar) {}
+    using Share = std::function<double()>;
+    /// `share` is asked as long as the bar lives.
+    BarAccessible(QWidget& bar, Share share)
+        : QAccessibleWidget(&bar, QAccessible::ProgressBar), share_(std::move(share)) {}
 
     void* interface_cast(QAccessible::InterfaceType type) override {
         if (type == QAccessible::ValueInterface) return static_cast<QAccessibleValueInterface*>(this);
@@ -33,13 +40,16 @@ public:
     [[nodiscard]] QVariant minimumStepSize() const override { return 1; }
 
 private:
-    [[nodiscard]] int percent() const { return static_cast<int>(bar_->share() * wholePercent); }
+    [[nodiscard]] int percent() const { return static_cast<int>(share_() * wholePercent); }
 
-    const JobBar* bar_;
+    const Share share_;
 };
 
 QAccessibleInterface* make(const QString&, QObject* object) {
-    if (auto* const bar = qobject_cast<JobBar*>(object)) return new BarAccessible(*bar);
+    if (auto* const bar = qobject_cast<JobBar*>(object))
+        return new BarAccessible(*bar, [bar] { return bar->share(); });
+    if (auto* const bar = qobject_cast<CapacityBar*>(object))
+        return new BarAccessible(*bar, [bar] { return bar->used(); });
     if (auto* const graph = qobject_cast<SpeedGraph*>(object))
         return new QAccessibleWidget(graph, QAccessible::Graphic);
     if (auto* const picture = qobject_cast<QuickLookPicture*>(object))

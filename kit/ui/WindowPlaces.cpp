@@ -6,6 +6,7 @@
 #include "services/AppServices.h"
 #include "ui/HomeView.h"
 #include "ui/NavigationTree.h"
+#include "ui/PropertiesWindow.h"
 
 #include <QWidget>
 
@@ -61,6 +62,9 @@ PlaceIntents WindowPlaces::intents() {
     };
     intents.canPaste = [this] { return actions_.files.clipboard().canPaste(); };
     intents.copyPath = [this](const FileURL& folder) { services_->clipboard().copyPaths({folder}); };
+    intents.showProperties = [this](const FileURL& folder) {
+        PropertiesWindow::open(*theme_, PropertiesWindow::subjectAt(folder, *services_));
+    };
     return intents;
 }
 

@@ -99,6 +99,13 @@ TEST_F(Details, AddUpSeveralItemsWithAllTheyHold) {
     EXPECT_EQ(values.content().count, 4U);
     EXPECT_EQ(values.content().previews.size(), DetailsValues::mostPreviews);
     EXPECT_EQ(values.content().totalSize, 1100);
+    EXPECT_EQ(values.content().common.folder, tree.url());
+    EXPECT_TRUE(values.content().common.type.empty());
+    select(pane, {"c", "d"});
+    ASSERT_TRUE(until([](const auto& content) { return content.count == 2; }));
+    EXPECT_FALSE(values.content().common.type.empty());
+    EXPECT_EQ(values.content().common.firstModified,
+              std::min(item("c").modificationDate().value(), item("d").modificationDate().value()));
 }
 
 TEST_F(Details, KeepTheOldContentUntilASelectionIsQuietAndReadNothingWhileOff) {
@@ -150,6 +157,9 @@ TEST_F(PaneOverItems, ReadsThePropertiesOfOneItemAndOfSeveral) {
     const auto file = tree.fileOfSize("file.txt", 100);
     ::chmod(file.path().c_str(), 0640);
     show({"file.txt"});
+    const ItemProperties gone(tree.url("gone"));
+    ASSERT_TRUE(runUntil([&] { return gone.isRead(); }));
+    EXPECT_EQ(gone.facts().problem, POSIXFailure{ENOENT});
     const ItemProperties one(pane.selection());
     ASSERT_TRUE(runUntil([&] { return one.isRead(); }));
     EXPECT_EQ(one.facts().size, 100);

@@ -53,6 +53,18 @@ TEST_F(Formatting, DatesAreTheLocalesWithTheYearInFull) {
     EXPECT_EQ(Formats::dateAndTime(time).toStdString(), "22 Apr 2026, 09:12");
 }
 
+TEST_F(Formatting, PeriodsSayNothingTwice) {
+    const auto at = [](int day, int hour) {
+        return FileTime{QDateTime({2026, 4, day}, {hour, 0}).toSecsSinceEpoch(), 0};
+    };
+    const auto period = [](FileTime a, FileTime b) { return Formats::period(a, b).toStdString(); };
+    EXPECT_EQ(period(at(18, 12), at(18, 12)), "18/04/2026, 12:00");
+    EXPECT_EQ(period(at(18, 12), at(18, 13)), "18/04/2026, 12:00 to 13:00");
+    EXPECT_EQ(period(at(18, 12), at(19, 12)), "18/04/2026, 12:00 to 19/04/2026, 12:00");
+    EXPECT_EQ(Formats::sizeInFull(5'033'164).toStdString(), "4.8 MB (5,033,164 bytes)");
+    EXPECT_EQ(Formats::sizeInFull(512).toStdString(), "512 bytes");
+}
+
 TEST_F(Formatting, DatesFarAwayAreNoTrouble) {
     EXPECT_FALSE(Formats::dateAndTime({-62'000'000'000, 0}).isEmpty());
     EXPECT_NO_FATAL_FAILURE(static_cast<void>(Formats::dateAndTime({INT64_MAX, 0})));
