@@ -42,6 +42,7 @@ struct ItemProperties::Found {
     ItemValues facts;
     std::optional<FileURL> commonFolder;
     std::vector<FileURL> counted;
+    std::int64_t folderCount = 0;
 };
 
 bool ItemProperties::areSame(const Subject& a, const Subject& b) {
@@ -67,8 +68,12 @@ ItemProperties::ItemProperties(Subject subject, QObject* parent)
             const auto* const selection = std::get_if<FileSelection>(&theSubject);
             const auto items =
                 selection ? selection->items() : std::vector{itemAt(std::get<FileURL>(theSubject))};
-            Found found{
-                .count = items.size(), .previews = {}, .facts = {}, .commonFolder = {}, .counted = {}};
+            Found found{.count = items.size(),
+                        .previews = {},
+                        .facts = {},
+                        .commonFolder = {},
+                        .counted = {},
+                        .folderCount = 0};
             std::ranges::copy(items | std::views::take(mostPreviews), std::back_inserter(found.previews));
             if (items.size() == 1) {
                 found.facts = ItemValues::read(items.front());
@@ -76,6 +81,9 @@ ItemProperties::ItemProperties(Subject subject, QObject* parent)
                 if (found.facts.isFolder && !found.facts.linkTarget) found.counted = {items.front().url()};
             } else {
                 std::ranges::transform(items, std::back_inserter(found.counted), &FileItem::url);
+                found.folderCount = std::ranges::count_if(items, [](const FileItem& item) {
+                    return item.kind().which() == FileKind::Case::directory || item.isPackage();
+                });
                 found.commonFolder = items.front().folder();
                 if (std::ranges::any_of(
                         items, [&](const FileItem& item) { return item.folder() != *found.commonFolder; }))
@@ -94,6 +102,7 @@ ItemProperties::ItemProperties(Subject subject, QObject* parent)
 void ItemProperties::take(const Found& found) {
     isRead_ = true;
     count_ = found.count;
+    folderCount_ = found.folderCount;
     previews_ = found.previews;
     facts_ = found.facts;
     commonFolder_ = found.commonFolder;

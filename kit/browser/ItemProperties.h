@@ -39,6 +39,8 @@ public:
     [[nodiscard]] std::size_t count() const noexcept { return count_; }
     /// The item, or the first ones of several; none of a volume.
     [[nodiscard]] const std::vector<FileItem>& previews() const noexcept { return previews_; }
+    /// How many of several items are folders; links are none.
+    [[nodiscard]] std::int64_t folderCount() const noexcept { return folderCount_; }
     /// Of the one item.
     [[nodiscard]] const ItemValues& facts() const noexcept { return facts_; }
     /// The folder that several items all are in, if there is one.
@@ -57,6 +59,7 @@ private:
     Subject subject_;
     bool isRead_ = false;
     std::size_t count_ = 1;
+    std::int64_t folderCount_ = 0;
     std::vector<FileItem> previews_;
     ItemValues facts_;
     std::optional<FileURL> commonFolder_;

@@ -125,7 +125,10 @@ void DetailsPane::refresh() {
     preview_->setItems(content.previews,
                        content.count > 1 ? ItemPreview::Arrangement::fan : ItemPreview::Arrangement::card);
     name_->setName(nameNow());
-    type_->setText(typeNow());
+    const QString type = typeNow();
+    type_->setText(type);
+    // That of one item may still come.
+    type_->setVisible(content.count == 1 || !type.isEmpty());
     facts_->setFacts(FactRows::inBrief(values_, [this](const FileURL& folder) {
         return Places::trail(folder, services_->access(), home_);
     }));

@@ -103,10 +103,12 @@ QString counted(const Contents& contents) {
 }
 
 /// The two rows about what folders hold.
-void addContents(Facts& facts, std::string_view sizeKey, const ContentsCount& count) {
-    const Contents& contents = count.contents();
+void addContents(Facts& facts, std::string_view sizeKey, const ItemProperties& properties) {
+    Contents contents = properties.contents().contents();
+    // The folders that are selected count too.
+    contents.folders += properties.folderCount();
     const bool isExact = contents.isComplete && contents.unreadable == 0;
-    const bool isNothingKnown = !contents.isComplete && contents.files + contents.folders == 0;
+    const bool isNothingKnown = !contents.isComplete && contents.files == 0 && contents.unreadable == 0;
     const QString size = Formats::sizeInFull(contents.bytes);
     facts.add(sizeKey, isExact ? size : isNothingKnown ? localized("ui.details.counting") : atLeast(size));
     QString words = counted(contents);
@@ -126,7 +128,7 @@ std::vector<Fact> ofOne(const ItemProperties& properties) {
     if (!values.url.isRoot()) facts.add("ui.details.location", shown(values.url.parent().path()));
     if (values.problem) return facts.take();
     if (values.isFolder && !values.linkTarget)
-        addContents(facts, "ui.details.size", properties.contents());
+        addContents(facts, "ui.details.size", properties);
     else if (values.size)
         facts.add("ui.details.size", Formats::sizeInFull(*values.size));
     if (values.dimensions) facts.add("ui.details.dimensions", pixels(*values.dimensions));
@@ -172,7 +174,7 @@ std::vector<Fact> inFull(const ItemProperties& properties) {
     const auto& folder = properties.commonFolder();
     facts.add("ui.details.location",
               folder ? shown(folder->path()) : localized("ui.properties.differentFolders"));
-    addContents(facts, "ui.details.totalSize", properties.contents());
+    addContents(facts, "ui.details.totalSize", properties);
     return facts.take();
 }
 

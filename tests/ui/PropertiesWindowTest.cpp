@@ -99,7 +99,7 @@ TEST_F(PropertiesTest, CountWhatFoldersHoldAndEndWithTheWindow) {
     EXPECT_THAT(several.windowTitle().toStdString(), HasSubstr("3 items"));
     EXPECT_EQ(valueOf(several, "Total size"), "2.0 KB (2,015 bytes)");
     EXPECT_EQ(valueOf(several, "Location"), tree.path("Projects"));
-    EXPECT_EQ(valueOf(several, "Contains"), "3 files, 0 folders");
+    EXPECT_EQ(valueOf(several, "Contains"), "3 files, 1 folder");
 
     const QPointer<PropertiesWindow> root = &PropertiesWindow::open(quietTheme(), *FileURL::fromPath("/usr"));
     ASSERT_TRUE(runUntil([&] { return root->properties().contents().isCounting(); }));
