@@ -91,6 +91,7 @@ std::vector<std::string> wordsOf(const AppSettings& settings, Setting setting) {
         return words;
     case Setting::iconSize: return {std::string(rawValue(settings.iconSize()))};
     case Setting::detailsColumns: return settings.detailsColumns();
+    case Setting::foldedHomeSections: return settings.foldedHomeSections();
     case Setting::recentDestinations: return pathsOf(settings.recentDestinations());
     case Setting::recentFolderApps: return pathsOf(settings.recentFolderApps());
     case Setting::interfaceLanguage:
@@ -115,7 +116,7 @@ std::string jsonOf(const AppSettings& settings, Setting setting) {
 
 std::optional<Text> set(AppSettings& settings, Setting setting, std::span<const std::string_view> words) {
     if (setting == Setting::recentDestinations || setting == Setting::recentFolderApps ||
-        setting == Setting::detailsColumns)
+        setting == Setting::detailsColumns || setting == Setting::foldedHomeSections)
         return Text{"cli.settings.keptByItself", {std::string(rawValue(setting))}};
     if (setting == Setting::pinnedFolders) return setPins(settings, words);
     if (words.size() > 1) return Text{"cli.error.tooManyOperands", {FileName::displayText(words[1])}};

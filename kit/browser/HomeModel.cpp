@@ -15,6 +15,7 @@ HomeModel::HomeModel(AppServices& services, FileURL home, QObject* parent)
     : QObject(parent), services_(services), home_(std::move(home)) {
     connect(&services.settings(), &AppSettings::changed, this, [this](Setting setting) {
         if (setting == Setting::pinnedFolders) refreshPins();
+        if (setting == Setting::foldedHomeSections) refreshFolds();
     });
     connect(&services.settings(), &AppSettings::knownFoldersChanged, this, &HomeModel::refreshPins);
     connect(&services.access(), &AccessManager::grantsChanged, this, [this] {
@@ -22,6 +23,7 @@ HomeModel::HomeModel(AppServices& services, FileURL home, QObject* parent)
         refreshPins(); // which say where they lie
     });
     connect(&services.volumes(), &VolumeMonitor::volumesChanged, this, &HomeModel::refreshVolumes);
+    refreshFolds();
     refreshPins();
     refreshLocations();
     refreshVolumes();
@@ -37,8 +39,27 @@ std::size_t HomeModel::count(Section section) const noexcept {
 }
 
 void HomeModel::setFolded(Section section, bool folded) {
-    if (std::exchange(isFolded_[static_cast<std::size_t>(section)], folded) != folded)
-        Q_EMIT foldedChanged(section);
+    if (isFolded(section) == folded) return;
+    auto sections = services_.settings().foldedHomeSections();
+    if (folded)
+        sections.emplace_back(rawValue(section));
+    else
+        std::erase(sections, rawValue(section));
+    services_.settings().setFoldedHomeSections(std::move(sections));
+}
+
+void HomeModel::refreshFolds() {
+    const auto& sections = services_.settings().foldedHomeSections();
+    for (std::size_t i = 0; i < sectionCount; ++i) {
+        const auto section = static_cast<Section>(i);
+        const bool isFolded = std::ranges::find(sections, rawValue(section)) != sections.end();
+        if (std::exchange(isFolded_[i], isFolded) != isFolded) Q_EMIT foldedChanged(section);
+    }
+}
+
+bool HomeModel::isPinned(const FileURL& url) const {
+    return std::ranges::any_of(
+        pins_, [&](const PinnedPlace& pin) { return pin.url.standardized() == url.standardized(); });
 }
 
 void HomeModel::refreshPins() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/RawValue.h"
 #include "browser/BrowserPrompter.h"
 #include "browser/Places.h"
 #include "services/AppServices.h"
@@ -12,6 +13,7 @@
 #include <cstdint>
 #include <functional>
 #include <set>
+#include <string_view>
 #include <vector>
 
 namespace ombrel {
@@ -38,13 +40,14 @@ public:
     /// How many entries a section has.
     [[nodiscard]] std::size_t count(Section section) const noexcept;
 
-    /// Whether the entries of a section are put away.
+    /// Whether the entries of a section are put away: in all windows, and from one start to the next.
     [[nodiscard]] bool isFolded(Section section) const noexcept {
         return isFolded_[static_cast<std::size_t>(section)];
     }
     void setFolded(Section section, bool folded);
 
     // ---- Quick access
+    [[nodiscard]] bool isPinned(const FileURL& url) const;
     /// Pins those of `urls` that are folders (a worker looks) in front of the pin that is now at `before`, or
     /// at the end. What is pinned already is moved there.
     void pin(const std::vector<FileURL>& urls, std::size_t before);
@@ -75,6 +78,7 @@ Q_SIGNALS:
     void allowed(const ombrel::FileURL& url);
 
 private:
+    void refreshFolds();
     void refreshPins();
     void refreshLocations();
     void refreshVolumes();
@@ -90,6 +94,12 @@ private:
     std::array<bool, sectionCount> isFolded_{};
     QPointer<VolumeEjector> ejector_;
     QPointer<BrowserPrompter> prompter_;
+};
+
+/// As the settings name them.
+template <>
+struct RawValues<HomeModel::Section> {
+    static constexpr std::string_view names[] = {"quickAccess", "locations", "volumes"};
 };
 
 } // namespace ombrel

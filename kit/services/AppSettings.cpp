@@ -102,6 +102,13 @@ void AppSettings::setDetailsColumns(std::vector<std::string> columns) {
     });
 }
 
+void AppSettings::setFoldedHomeSections(std::vector<std::string> sections) {
+    if (sections == values_.foldedHomeSections) return;
+    apply([sections = std::move(sections)](QJsonObject& values) {
+        SettingEdits::setFoldedHomeSections(values, sections);
+    });
+}
+
 void AppSettings::setPinnedFolders(std::vector<PinnedFolder> folders) {
     if (folders == values_.pinnedFolders) return;
     apply([folders = std::move(folders)](QJsonObject& values) {

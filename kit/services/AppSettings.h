@@ -79,6 +79,10 @@ public:
     [[nodiscard]] const std::vector<std::string>& detailsColumns() const noexcept {
         return values_.detailsColumns;
     }
+    /// The sections of the home page whose entries are put away, by the names that the page gives them.
+    [[nodiscard]] const std::vector<std::string>& foldedHomeSections() const noexcept {
+        return values_.foldedHomeSections;
+    }
 
     void setKeyPreset(KeyPreset preset);
     void setShowHiddenFiles(bool on) { set(Setting::showHiddenFiles, on); }
@@ -96,6 +100,7 @@ public:
     void setShowsIcons(bool on) { set(Setting::showsIcons, on); }
     void setIconSize(IconSize size);
     void setDetailsColumns(std::vector<std::string> columns);
+    void setFoldedHomeSections(std::vector<std::string> sections);
 
     /// By name; `setting` is one of the switches.
     [[nodiscard]] bool isOn(Setting setting) const noexcept {

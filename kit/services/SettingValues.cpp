@@ -88,6 +88,8 @@ SettingValues SettingValues::of(const QJsonObject& values, const std::optional<s
     typed.iconSize = icons.value_or(IconSize::large);
     typed.detailsColumns =
         texts(values.value(key(Setting::detailsColumns))).value_or(std::vector<std::string>());
+    typed.foldedHomeSections =
+        texts(values.value(key(Setting::foldedHomeSections))).value_or(std::vector<std::string>());
     if (languageDomain) {
         const auto domain = values.value(textOf(*languageDomain)).toObject();
         const auto first = domain.value(languagesKey).toArray().at(0);
@@ -106,6 +108,7 @@ std::vector<Setting> SettingValues::differences(const SettingValues& a, const Se
     if (a.recentFolderApps != b.recentFolderApps) found.push_back(Setting::recentFolderApps);
     if (a.iconSize != b.iconSize) found.push_back(Setting::iconSize);
     if (a.detailsColumns != b.detailsColumns) found.push_back(Setting::detailsColumns);
+    if (a.foldedHomeSections != b.foldedHomeSections) found.push_back(Setting::foldedHomeSections);
     if (a.interfaceLanguage != b.interfaceLanguage) found.push_back(Setting::interfaceLanguage);
     return found;
 }
@@ -126,6 +129,10 @@ void setIconSize(QJsonObject& values, IconSize size) {
 
 void setDetailsColumns(QJsonObject& values, const std::vector<std::string>& columns) {
     values.insert(key(Setting::detailsColumns), arrayOf(columns));
+}
+
+void setFoldedHomeSections(QJsonObject& values, const std::vector<std::string>& sections) {
+    values.insert(key(Setting::foldedHomeSections), arrayOf(sections));
 }
 
 void setPinnedFolders(QJsonObject& values, const std::vector<PinnedFolder>& folders) {

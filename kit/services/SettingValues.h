@@ -39,6 +39,7 @@ enum class Setting : std::uint8_t {
     recentFolderApps,
     iconSize,
     detailsColumns,
+    foldedHomeSections,
     interfaceLanguage,
 };
 
@@ -62,6 +63,7 @@ struct RawValues<Setting> {
                                                  "recentFolderApps",
                                                  "iconSize",
                                                  "detailsColumns",
+                                                 "foldedHomeSections",
                                                  "interfaceLanguage"};
 };
 
@@ -77,6 +79,7 @@ struct SettingValues {
     std::vector<FileURL> recentFolderApps;   ///< the latest first
     IconSize iconSize = IconSize::large;
     std::vector<std::string> detailsColumns; ///< in their order, each as the details view writes it
+    std::vector<std::string> foldedHomeSections;
     std::optional<std::string> interfaceLanguage;
     std::optional<WindowState> windowState; ///< how the last window was left
 
@@ -97,6 +100,7 @@ void setSwitch(QJsonObject& values, Setting setting, bool on);
 void setKeyPreset(QJsonObject& values, KeyPreset preset);
 void setIconSize(QJsonObject& values, IconSize size);
 void setDetailsColumns(QJsonObject& values, const std::vector<std::string>& columns);
+void setFoldedHomeSections(QJsonObject& values, const std::vector<std::string>& sections);
 /// Entries of forms that only a later version knows stay, behind the others.
 void setPinnedFolders(QJsonObject& values, const std::vector<PinnedFolder>& folders);
 /// Appends those that the file's list does not have.

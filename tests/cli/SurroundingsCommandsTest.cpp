@@ -67,7 +67,7 @@ TEST_F(SettingsCommand, GetsWhatWasSetAndListsAll) {
                       HasSubstr("pinnedFolders\tknown:music\tfile:///caf%E9\n"),
                       HasSubstr("interfaceLanguage\tde\n"), HasSubstr("confirmMoveToTrash\ttrue\n")));
     const auto all = objects({"settings", "list"});
-    EXPECT_EQ(all.size(), 19U);
+    EXPECT_EQ(all.size(), 20U);
     EXPECT_EQ(
         objects({"settings", "get", "pinnedFolders"}).at(0).value(QStringLiteral("value")).toArray().size(),
         2);

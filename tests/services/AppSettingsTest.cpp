@@ -93,7 +93,7 @@ TEST_F(SettingsRead, HaveTheirDefaultsWithoutAFile) {
 TEST_F(SettingsRead, FallBackOneByOneWhereTheTypeIsWrong) {
     write(R"({"confirmMoveToTrash": "yes", "showHiddenFiles": 1, "compactView": true, "keyPreset": "Mac",
               "pinnedFolders": ["known:music", 7, "relative", "known:none", "/srv/x", "file:///caf%E9"],
-              "recentDestinations": "none", "recentFolderApps": ["/a", null, "b"],
+              "recentDestinations": "none", "recentFolderApps": ["/a", null, "b"], "foldedHomeSections": ["volumes", 1],
               "HalvaneOmbrel": {"AppleLanguages": ["pt-BR", "de"]}})");
     const AppSettings settings(file());
     EXPECT_TRUE(settings.confirmMoveToTrash());
@@ -104,6 +104,7 @@ TEST_F(SettingsRead, FallBackOneByOneWhereTheTypeIsWrong) {
     EXPECT_THAT(stored(settings.pinnedFolders()), ElementsAre("known:music", "/srv/x", "file:///caf%E9"));
     EXPECT_THAT(settings.recentDestinations(), IsEmpty());
     EXPECT_THAT(paths(settings.recentFolderApps()), ElementsAre("/a"));
+    EXPECT_THAT(settings.foldedHomeSections(), ElementsAre("volumes"));
     EXPECT_EQ(settings.launchInterfaceLanguage(), "pt-BR");
     const AppSettings withoutLanguage(file(), std::nullopt);
     EXPECT_EQ(withoutLanguage.interfaceLanguage(), std::nullopt);
@@ -121,6 +122,7 @@ TEST_F(SettingsWritten, ReachTheFileAndTheNextStart) {
         settings.setFolderOptions(
             {.showHiddenFiles = true, .showStatusBar = false, .showFullPathInTitle = true});
         settings.setPinnedFolders({KnownFolder::videos, at("/srv/caf\xE9")});
+        settings.setFoldedHomeSections({"locations"});
         settings.setInterfaceLanguage("zh-Hant");
         EXPECT_TRUE(settings.isWriting());
         ASSERT_TRUE(runUntil([&] { return !settings.isWriting(); }));
@@ -128,7 +130,7 @@ TEST_F(SettingsWritten, ReachTheFileAndTheNextStart) {
     }
     EXPECT_THAT(published, ElementsAre(Setting::keyPreset, Setting::showHiddenFiles, Setting::showStatusBar,
                                        Setting::showFullPathInTitle, Setting::pinnedFolders,
-                                       Setting::interfaceLanguage));
+                                       Setting::foldedHomeSections, Setting::interfaceLanguage));
     const auto values = written();
     EXPECT_EQ(values.value(QStringLiteral("keyPreset")), QStringLiteral("mac"));
     EXPECT_EQ(values.value(QStringLiteral("showHiddenFiles")), true);
@@ -139,6 +141,7 @@ TEST_F(SettingsWritten, ReachTheFileAndTheNextStart) {
               (AppSettings::FolderOptions{
                   .showHiddenFiles = true, .showStatusBar = false, .showFullPathInTitle = true}));
     EXPECT_THAT(stored(next.pinnedFolders()), ElementsAre("known:videos", "file:///srv/caf%E9"));
+    EXPECT_THAT(next.foldedHomeSections(), ElementsAre("locations"));
     EXPECT_EQ(next.launchInterfaceLanguage(), "zh-Hant");
     settle();
 }
