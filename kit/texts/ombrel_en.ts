@@ -235,6 +235,7 @@
     <message id="open.error.terminal"><source></source><translation>A terminal could not be opened in “{1}”: {2}.</translation></message>
     <message id="overlay.allowAccess"><source></source><translation>Allow access…</translation></message>
     <message id="overlay.clearSearch"><source></source><translation>Clear search</translation></message>
+    <message id="overlay.empty.dropHere"><source></source><translation>Drop items here</translation></message>
     <message id="overlay.empty.title"><source></source><translation>This folder is empty</translation></message>
     <message id="overlay.failed.message"><source></source><translation>{1}</translation></message>
     <message id="overlay.failed.title"><source></source><translation>This folder can’t be shown</translation></message>

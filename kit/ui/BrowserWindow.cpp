@@ -9,10 +9,12 @@
 #include "ui/AddressBar.h"
 #include "ui/CommandBar.h"
 #include "ui/ContextMenu.h"
+#include "ui/CrumbBar.h"
 #include "ui/DetailsPane.h"
 #include "ui/FileView.h"
 #include "ui/FocusCycle.h"
 #include "ui/FocusRing.h"
+#include "ui/FolderDrop.h"
 #include "ui/FolderOptionsDialog.h"
 #include "ui/HomeView.h"
 #include "ui/JobChip.h"
@@ -71,6 +73,8 @@ BrowserWindow::BrowserWindow(const Setting& setting)
       prompter_(new WindowPrompter(*theme_, *this, this)),
       windowOpening_(new WindowOpening(
           *this, {.theme = *theme_, .services = setting.services, .tabs = tabs_, .actions = opening_})),
+      drops_(new FolderDrop(
+          files_, *theme_, [this]() -> BrowserModel& { return tabs_.activeTab(); }, this)),
       tabStrip_(new TabStrip(tabs_, *theme_, setting.services.settings(), this)),
       navigationRow_(new NavigationRow(tabs_, setting.services, *theme_, setting.home,
                                        {.back = actions_->of(FileCommand::goBack),
@@ -79,7 +83,7 @@ BrowserWindow::BrowserWindow(const Setting& setting)
                                         .refresh = actions_->of(FileCommand::refresh)},
                                        this)),
       places_(new WindowPlaces(*this, tabs_, setting.services, *theme_, setting.home,
-                               {.opening = opening_, .files = files_})),
+                               {.opening = opening_, .files = files_, .drops = *drops_})),
       details_(new WindowDetails(*this, {.theme = *theme_,
                                          .services = setting.services,
                                          .tabs = tabs_,
@@ -97,6 +101,7 @@ BrowserWindow::BrowserWindow(const Setting& setting)
     connect(jobChip_, &QAbstractButton::clicked, this, &BrowserWindow::showJobs);
     new FocusRing(this);
     new WindowKeys(*this, keys_);
+    takeDrops();
     bindCommands();
     fillMenusWithFiles();
     places_->home().setPrompter(prompter_);
@@ -127,6 +132,12 @@ void BrowserWindow::layOut() {
     splitter_->put(PaneSplitter::Side::tree, places_->makeTree());
     splitter_->put(PaneSplitter::Side::details, &details_->pane());
     column->addWidget(statusBar_);
+}
+
+void BrowserWindow::takeDrops() {
+    tabStrip_->setDrops(*drops_);
+    navigationRow_->addressBar().crumbBar().setDrops(*drops_);
+    connect(drops_, &FolderDrop::effectChanged, statusBar_, &StatusBar::setDropEffect);
 }
 
 void BrowserWindow::applySettings() {
@@ -202,9 +213,10 @@ void BrowserWindow::fillMenusWithFiles() {
     };
 }
 
-void BrowserWindow::watchMenuOf(FileView& view) {
+void BrowserWindow::watch(FileView& view) {
     if (view.findChild<MenuTrigger*>(QString(), Qt::FindDirectChildrenOnly)) return;
     connect(new MenuTrigger(view), &MenuTrigger::requested, this, &BrowserWindow::showContextMenu);
+    connect(&view, &FileView::dropEffectChanged, statusBar_, &StatusBar::setDropEffect);
 }
 
 void BrowserWindow::showContextMenu(QPoint globalPosition) {
@@ -279,9 +291,9 @@ void BrowserWindow::addPaneArea(std::size_t index) {
                                  .open = [this, &pane](std::size_t row) { opening_.openRow(pane, row); }},
                                 *this);
     };
-    watchMenuOf(area->view());
+    watch(area->view());
     connect(area, &PaneArea::viewChanged, this, [this, area] {
-        watchMenuOf(area->view());
+        watch(area->view());
         if (area == panes_->currentWidget()) statusBar_->follow(area->model(), area->view());
     });
     panes_->addWidget(area);
@@ -337,7 +349,8 @@ bool BrowserWindow::event(QEvent* event) {
 }
 
 std::vector<QWidget*> BrowserWindow::focusStops() const {
-    std::vector<QWidget*> stops = {tabStrip_, navigationRow_, commandBar_};
+    std::vector<QWidget*> stops = {tabStrip_, &navigationRow_->addressBar(), &navigationRow_->searchField(),
+                                   commandBar_};
     for (int i = 0; i < splitter_->count(); ++i)
         stops.push_back(splitter_->widget(i) == panes_ ? &paneArea() : splitter_->widget(i));
     stops.push_back(statusBar_);

@@ -23,6 +23,7 @@ class CommandBar;
 class ContextMenu;
 class DetailsPane;
 class FileView;
+class FolderDrop;
 class JobChip;
 class NavigationRow;
 class Overlay;
@@ -97,6 +98,7 @@ protected:
 
 private:
     void layOut();
+    void takeDrops();
     void bindCommands();
     void fillMenusWithFiles();
     void followTabs();
@@ -105,7 +107,7 @@ private:
     void showActiveTab();
     void refreshTitle();
     void applySettings();
-    void watchMenuOf(FileView& view);
+    void watch(FileView& view);
     void showContextMenu(QPoint globalPosition);
     void placeJobChip();
     void showJobs();
@@ -126,6 +128,7 @@ private:
     ContextMenu* contextMenu_;
     WindowPrompter* prompter_;
     WindowOpening* windowOpening_;
+    FolderDrop* drops_; ///< beside the file views: on places, crumbs and tabs
     TabStrip* tabStrip_;
     NavigationRow* navigationRow_;
     WindowPlaces* places_;

@@ -1,7 +1,7 @@
 #include "ui/CrumbBar.h"
 
-#include "ui/DraggedFiles.h"
 #include "ui/DropSpring.h"
+#include "ui/FolderDrop.h"
 #include "ui/GlyphButton.h"
 #include "ui/LocalizedText.h"
 #include "ui/OmbrelStyle.h"
@@ -67,9 +67,7 @@ CrumbBar::CrumbBar(const Theme& theme, QWidget* parent)
     collapsed_->installEventFilter(this);
     collapsed_->hide();
     connect(collapsed_, &QAbstractButton::clicked, this, &CrumbBar::showCollapsed);
-    connect(spring_, &DropSpring::opened, this, [this](std::size_t crumb) {
-        if (crumb < crumbs_.size()) Q_EMIT folderChosen(FileURL(crumbs_[crumb].folder));
-    });
+    connect(spring_, &DropSpring::opened, this, &CrumbBar::openUnderDrag);
     connect(spring_, &DropSpring::flashChanged, this, qOverload<>(&QWidget::update));
     connect(&theme, &Theme::changed, this, &CrumbBar::arrange);
 }
@@ -90,7 +88,7 @@ void CrumbBar::setOnly(const QString& text) {
 
 void CrumbBar::rebuild(const std::vector<QString>& names) {
     const bool hadFocus = isAncestorOf(window()->focusWidget());
-    takeDropTarget(std::nullopt);
+    setDropTarget(std::nullopt);
     for (const auto& [name, chevron] : pairs_) {
         name->deleteLater();
         if (chevron) chevron->deleteLater();
@@ -122,6 +120,7 @@ void CrumbBar::rebuild(const std::vector<QString>& names) {
         pairs_.push_back(pair);
     }
     arrange();
+    setFocusProxy(pairs_.empty() ? nullptr : pairs_.back().name);
     if (hadFocus && !pairs_.empty()) pairs_.back().name->setFocus(Qt::OtherFocusReason);
 }
 
@@ -231,7 +230,7 @@ void CrumbBar::paintEvent(QPaintEvent*) {
         const auto& [name, chevron] = pairs_[i];
         const bool isDown = name->isDown() || (chevron && chevron->isDown());
         const bool isHovered = name->underMouse() || (chevron && chevron->underMouse());
-        if (dropTarget_ == i)
+        if (dropTarget_ == i && (drops_->isAllowed() || spring_->isFlashing(i)))
             painter.setBrush(theme_->color(ThemeColor::selection));
         else if (isDown || isHovered)
             painter.setBrush(theme_->color(isDown ? ThemeColor::pressed : ThemeColor::hover));
@@ -306,46 +305,55 @@ bool CrumbBar::eventFilter(QObject* watched, QEvent* event) {
 
 // ---- What is dragged here
 
-void CrumbBar::takeDropTarget(std::optional<std::size_t> crumb) {
+void CrumbBar::setDrops(FolderDrop& drops) {
+    drops_ = &drops;
+    connect(&drops, &FolderDrop::planned, this, qOverload<>(&QWidget::update));
+}
+
+void CrumbBar::setDropTarget(std::optional<std::size_t> crumb) {
     // The last one is what is shown already.
     const bool opens = crumb && *crumb + 1 < crumbs_.size();
     spring_->over(opens ? crumb : std::nullopt);
-    if (crumb == dropTarget_) return;
     dropTarget_ = crumb;
     update();
 }
 
-Qt::DropAction CrumbBar::dropActionAt(std::optional<std::size_t> crumb, const QDropEvent& event) const {
-    return crumb && offerDrop ? offerDrop(event, crumbs_[*crumb].folder) : Qt::IgnoreAction;
+std::optional<FileURL> CrumbBar::takeDropTarget(QPoint point) {
+    setDropTarget(takesDrag_ ? crumbAt(point) : std::nullopt);
+    return dropTarget_ ? std::optional(crumbs_[*dropTarget_].folder) : std::nullopt;
+}
+
+void CrumbBar::openUnderDrag(std::size_t crumb) {
+    if (crumb >= crumbs_.size()) return;
+    // The crumb goes with the navigation that it starts.
+    const FileURL folder = crumbs_[crumb].folder;
+    drops_->rememberPlace();
+    Q_EMIT folderChosen(folder);
 }
 
 void CrumbBar::dragEnterEvent(QDragEnterEvent* event) {
-    // Accepted as a whole, so that the rest of the way is heard of.
-    if (DraggedFiles::areIn(event->mimeData())) event->accept();
-    dragMoveEvent(event);
+    takesDrag_ = drops_ && drops_->enter(*event, *this);
+    // Who refuses a drag that enters does not hear of the rest of its way.
+    event->setAccepted(takesDrag_);
+    if (takesDrag_) drops_->aim(takeDropTarget(event->position().toPoint()));
 }
 
 void CrumbBar::dragMoveEvent(QDragMoveEvent* event) {
-    if (!DraggedFiles::areIn(event->mimeData())) return event->ignore();
-    const auto crumb = crumbAt(event->position().toPoint());
-    takeDropTarget(crumb);
-    const Qt::DropAction action = dropActionAt(crumb, *event);
-    event->setDropAction(action);
-    event->setAccepted(action != Qt::IgnoreAction);
+    if (!takesDrag_) return event->ignore();
+    drops_->follow(*event, takeDropTarget(event->position().toPoint()));
 }
 
 void CrumbBar::dragLeaveEvent(QDragLeaveEvent*) {
-    takeDropTarget(std::nullopt);
+    if (std::exchange(takesDrag_, false)) drops_->leave();
+    setDropTarget(std::nullopt);
 }
 
 void CrumbBar::dropEvent(QDropEvent* event) {
-    const auto crumb = crumbAt(event->position().toPoint());
-    const Qt::DropAction action = dropActionAt(crumb, *event);
-    takeDropTarget(std::nullopt);
-    if (action == Qt::IgnoreAction || !performDrop) return event->ignore();
-    event->setDropAction(action);
-    event->accept();
-    performDrop(*event, FileURL(crumbs_[*crumb].folder));
+    if (!takesDrag_) return event->ignore();
+    const auto folder = takeDropTarget(event->position().toPoint());
+    takesDrag_ = false;
+    setDropTarget(std::nullopt);
+    drops_->drop(*event, folder);
 }
 
 } // namespace ombrel

@@ -6,13 +6,13 @@
 #include <QWidget>
 
 #include <cstddef>
-#include <functional>
 #include <optional>
 #include <vector>
 
 namespace ombrel {
 
 class DropSpring;
+class FolderDrop;
 class GlyphButton;
 class Theme;
 
@@ -33,10 +33,8 @@ public:
     void setOnly(const QString& text);
     [[nodiscard]] const std::vector<AddressCrumb>& crumbs() const noexcept { return crumbs_; }
 
-    /// What becomes of a drop on a crumb. Answers the action that a drop on the folder would have now;
-    /// absent, crumbs only spring open.
-    std::function<Qt::DropAction(const QDropEvent& event, const FileURL& folder)> offerDrop;
-    std::function<void(const QDropEvent& event, const FileURL& folder)> performDrop;
+    /// Who takes what is dragged onto crumbs; must outlive the bar. Without it nothing can be dragged there.
+    void setDrops(FolderDrop& drops);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -79,9 +77,10 @@ private:
     [[nodiscard]] std::optional<std::size_t> pairOf(const QObject* button) const;
     [[nodiscard]] std::optional<std::size_t> crumbAt(QPoint point) const;
     [[nodiscard]] QRect shapeOf(std::size_t crumb) const;
-    void takeDropTarget(std::optional<std::size_t> crumb);
-    [[nodiscard]] Qt::DropAction dropActionAt(std::optional<std::size_t> crumb,
-                                              const QDropEvent& event) const;
+    /// The folder that something is dragged over at a point.
+    [[nodiscard]] std::optional<FileURL> takeDropTarget(QPoint point);
+    void setDropTarget(std::optional<std::size_t> crumb);
+    void openUnderDrag(std::size_t crumb);
 
     const Theme* theme_;
     GlyphButton* collapsed_;
@@ -91,6 +90,8 @@ private:
     bool isPressed_ = false; ///< beside the crumbs
     std::optional<std::size_t> dropTarget_;
     DropSpring* spring_;
+    FolderDrop* drops_ = nullptr;
+    bool takesDrag_ = false; ///< the one that is over the bar
 };
 
 } // namespace ombrel

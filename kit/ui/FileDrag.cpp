@@ -83,16 +83,16 @@ void FileDrag::run(FileView& view, Qt::MouseButton button) {
     underWay = nullptr;
     if (done != Qt::IgnoreAction) return;
     for (const Spring& spring : *springs)
-        if (spring.pane) spring.pane->navigate(spring.origin);
+        if (spring.about) spring.back();
 }
 
 FileDrag* FileDrag::of(const QDropEvent& event) {
     return event.source() ? underWay : nullptr;
 }
 
-void FileDrag::noteSpring(BrowserModel& pane, const FileURL& origin) {
-    const auto isOfPane = [&](const Spring& spring) { return spring.pane == &pane; };
-    if (std::ranges::none_of(*springs_, isOfPane)) springs_->push_back({&pane, origin});
+void FileDrag::noteSpring(QObject& about, std::function<void()> back) {
+    const auto isAboutIt = [&](const Spring& spring) { return spring.about == &about; };
+    if (std::ranges::none_of(*springs_, isAboutIt)) springs_->push_back({&about, std::move(back)});
 }
 
 QStringList FileDrag::formats() const {

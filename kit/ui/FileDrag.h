@@ -1,12 +1,12 @@
 #pragma once
 
-#include "base/FileURL.h"
 #include "browser/DropPlan.h"
 
 #include <QMap>
 #include <QMimeData>
 #include <QPointer>
 
+#include <functional>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -15,7 +15,6 @@ class QDropEvent;
 
 namespace ombrel {
 
-class BrowserModel;
 class FileView;
 
 /// What is being dragged out of a file view: the selected items, in the forms that other programs take. These
@@ -24,8 +23,8 @@ class FileDrag final : public QMimeData {
     Q_OBJECT
 
 public:
-    /// Drags what is selected in `view` and returns when the drag is over. A drag that is given up leads
-    /// panes that it has opened folders in back to where they were.
+    /// Drags what is selected in `view` and returns when the drag is over. What a drag has
+    /// opened that is given up is shown as it was before.
     static void run(FileView& view, Qt::MouseButton button);
     /// The drag of this program that an event tells of; nothing for those of others.
     [[nodiscard]] static FileDrag* of(const QDropEvent& event);
@@ -33,8 +32,9 @@ public:
     [[nodiscard]] const std::shared_ptr<const DraggedItems>& items() const noexcept { return items_; }
     /// By the right button, which asks at the end.
     [[nodiscard]] bool asks() const noexcept { return asks_; }
-    /// The drag has opened a folder in a pane that was at `origin`.
-    void noteSpring(BrowserModel& pane, const FileURL& origin);
+    /// The drag is about to open something. `back` is called when it is given up and `about` still lives; of
+    /// several about the same thing the first one.
+    void noteSpring(QObject& about, std::function<void()> back);
 
     [[nodiscard]] bool hasFormat(const QString& format) const override { return formats().contains(format); }
     [[nodiscard]] QStringList formats() const override;
@@ -44,8 +44,8 @@ protected:
 
 private:
     struct Spring {
-        QPointer<BrowserModel> pane;
-        FileURL origin;
+        QPointer<QObject> about;
+        std::function<void()> back;
     };
 
     FileDrag(std::vector<FileReference> items, bool asks)

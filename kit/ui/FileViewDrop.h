@@ -1,12 +1,10 @@
 #pragma once
 
 #include "base/FileURL.h"
-#include "browser/DropPlan.h"
+#include "ui/EdgeScroll.h"
 
-#include <QMetaObject>
 #include <QObject>
 #include <QPoint>
-#include <QPointer>
 #include <QString>
 #include <QTimer>
 
@@ -17,14 +15,14 @@
 class QDragMoveEvent;
 class QDropEvent;
 class QEvent;
-class QWidget;
 
 namespace ombrel {
 
 class FileView;
+class FolderDrop;
 
-/// What a drag does over a file view: it shows what a drop would do, scrolls at the edges, opens folders that
-/// it rests on, and at the end carries the drop out or, for the right button, asks first.
+/// What a drag does over a file view: it goes for the folder under the pointer or the one that is shown,
+/// scrolls at the edges and opens folders that it rests on.
 class FileViewDrop final : public QObject {
     Q_OBJECT
 
@@ -36,37 +34,30 @@ public:
     [[nodiscard]] bool take(QEvent& event);
     /// The folder that the drop would go into, where it is one of the rows and the drop is allowed.
     [[nodiscard]] std::optional<std::size_t> targetRow() const noexcept;
+    /// Whether something that is dragged would be taken where it is.
+    [[nodiscard]] bool isAllowed() const noexcept;
     /// "Copy to Reports", or why it cannot be; empty when there is nothing to say.
-    [[nodiscard]] const QString& effect() const noexcept { return effect_; }
+    [[nodiscard]] QString effect() const;
 
 private:
-    void enter(const QDropEvent& event);
+    [[nodiscard]] FolderDrop& folders();
+    void enter(QDropEvent& event);
     void follow(QDragMoveEvent& event);
-    void plan();
     void drop(QDropEvent& event);
-    void ask(const FileURL& folder, QPoint at);
-    void perform(const FileURL& folder, DropPlan::Case action);
     void leave();
-    void setEffect(const QString& effect);
-    void scrollAtEdge();
+    void lookUnder(QPoint pointer);
+    [[nodiscard]] std::optional<FileURL> folder() const;
+    void scrollBy(int pixels);
     void spring();
-    [[nodiscard]] bool isDragged(std::size_t row) const;
 
     FileView* view_;
-    QPointer<QWidget> label_;
-    std::shared_ptr<const DraggedItems> dragged_;
+    std::unique_ptr<FolderDrop> folders_; ///< made when the first drag comes
     QPoint pointer_;
-    DropPlan::Wish wish_ = DropPlan::Wish::none;
-    bool asks_ = false;
     std::optional<std::size_t> row_; ///< the folder under the pointer
-    std::optional<FileURL> folder_;  ///< where a drop would go
-    DropPlan plan_;
-    QString effect_;
+    std::optional<FileURL> under_;   ///< and where it is, for rows come and go
     bool isFlashing_ = false;
-    QTimer edgeScroll_;
+    EdgeScroll edges_;
     QTimer spring_;
-    QMetaObject::Connection learned_;
-    QPointer<class FileDrag> ours_;
 };
 
 } // namespace ombrel

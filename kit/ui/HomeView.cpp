@@ -1,5 +1,6 @@
 #include "ui/HomeView.h"
 
+#include "ui/FolderDrop.h"
 #include "ui/HomeTexts.h"
 #include "ui/HomeViewAccessible.h"
 #include "ui/LocalizedText.h"
@@ -8,7 +9,6 @@
 
 #include <QApplication>
 #include <QContextMenuEvent>
-#include <QDrag>
 #include <QHelpEvent>
 #include <QMenu>
 #include <QMouseEvent>
@@ -26,23 +26,23 @@ using Section = HomeModel::Section;
 using Part = HomeItem::Part;
 using Direction = HomeLayout::Direction;
 
-constexpr std::chrono::milliseconds edgeBeat(60);
+constexpr std::chrono::milliseconds springPatience(900);
 
 } // namespace
 
 HomeView::HomeView(HomeModel& model, const Theme& theme, PlaceIntents intents, QWidget* parent)
     : QAbstractScrollArea(parent), model_(&model), theme_(&theme), intents_(std::move(intents)),
-      menus_(model, intents_), painter_(model, theme) {
+      menus_(model, intents_), painter_(model, theme),
+      drag_(new PlaceDrop(
+          *this, {.theme = theme, .pins = model, .folders = intents_.drops, .patience = springPatience},
+          [this](QPoint at, bool isPin) { return dropTargetAt(at, isPin); })) {
     HomeViewAccessible::install();
     setAccessibleName(localized("ui.home.title"));
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::StrongFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     viewport()->setMouseTracking(true);
-    viewport()->setAcceptDrops(true);
-    setAcceptDrops(true);
-    edge_.setInterval(edgeBeat);
-    connect(&edge_, &QTimer::timeout, this, &HomeView::scrollAtEdge);
+    connect(drag_, &PlaceDrop::rested, this, &HomeView::openUnderDrag);
     connect(&model, &HomeModel::changed, this, &HomeView::takeChange);
     connect(&model, &HomeModel::foldedChanged, this, &HomeView::takeChange);
     connect(&theme, &Theme::changed, this, &HomeView::takeChange);
@@ -65,7 +65,7 @@ void HomeView::arrange() {
 void HomeView::takeChange() {
     HomeViewAccessible::forgetItems(*this);
     arrange();
-    for (auto* item : {&current_, &selected_, &hovered_, &pressed_, &target_.item}) {
+    for (auto* item : {&current_, &selected_, &hovered_, &pressed_}) {
         if (!*item || !layout_.rectOf(**item).isEmpty()) continue;
         // The keyboard stays in the section.
         const std::size_t count = model_->count((*item)->section);
@@ -142,7 +142,7 @@ void HomeView::paintEvent(QPaintEvent* event) {
         look.isCurrent = hasFocus() && item == current_;
         look.isButtonHovered = look.isHovered && isButtonHovered_;
         look.isButtonPressed = isButtonPressed_ && item == pressed_;
-        look.isDropTarget = item == target_.item;
+        look.isDropTarget = drag_->isOn(rect) && !drag_->isFlashing(rect);
         painter_.paint(painter, item, rect, look);
     }
     if (!layout_.locationsFrame().isEmpty())
@@ -356,9 +356,7 @@ std::optional<PlaceMenu::Place> HomeView::placeOf(const HomeItem& item) const {
         break;
     }
     }
-    place.isPinned = place.url && std::ranges::any_of(model_->pins(), [&](const PinnedPlace& pin) {
-                         return pin.url.standardized() == place.url->standardized();
-                     });
+    place.isPinned = place.url && model_->isPinned(*place.url);
     return place;
 }
 
@@ -379,6 +377,7 @@ void HomeView::contextMenuEvent(QContextMenuEvent* event) {
 }
 
 bool HomeView::viewportEvent(QEvent* event) {
+    if (drag_->take(*event)) return true;
     if (event->type() == QEvent::ToolTip) {
         const auto* const help = static_cast<QHelpEvent*>(event);
         const auto item = itemAt(help->pos());
@@ -405,39 +404,36 @@ void HomeView::beginDrag(const HomeItem& item) {
     const auto folder = folderOf(item);
     if (!folder) return;
     const bool isPin = item.section == Section::quickAccess;
-    auto* const drag = new QDrag(this);
-    drag->setMimeData(PinDrag::dataOf(*folder, isPin ? std::optional(item.index) : std::nullopt).release());
-    const QRect rect = rectOf(item);
-    drag->setPixmap(viewport()->grab(rect));
-    drag->setHotSpot(pressedAt_ - rect.topLeft());
-    drag->exec(Qt::CopyAction | Qt::MoveAction | Qt::LinkAction, Qt::LinkAction);
+    PinDrag::run(*this, *folder, isPin ? std::optional(item.index) : std::nullopt, rectOf(item), pressedAt_);
 }
 
-HomeView::Target HomeView::targetAt(const QPoint& at, const QDropEvent& event) const {
-    const QMimeData& dragged = *event.mimeData();
-    const bool isPin = PinDrag::pinOf(dragged).has_value();
-    if (!isPin && PinDrag::itemsOf(dragged).empty()) return {};
+PlaceDrop::Target HomeView::dropTargetAt(const QPoint& at, bool isPin) const {
     const auto item = itemAt(at);
     const bool isTile = item && item->part == Part::entry && item->section == Section::quickAccess;
     // A tile that is dragged goes before or behind any other; what is to be pinned goes between two.
     const QRect tile = isTile ? layout_.rectOf(*item) : QRect();
     const int margin = isPin && isTile ? tile.width() / 2 : PlaceSizes::of(*theme_, PlaceSize::tileInset);
-    if (const auto before = layout_.insertionAt(toContents(at), margin))
-        return {.item = std::nullopt, .insertion = before, .effect = {}};
+    if (const auto before = layout_.insertionAt(toContents(at), margin)) return {.insertion = before};
     const bool isOnHead = item && item->part == Part::head && item->section == Section::quickAccess;
-    if (isOnHead) return {.item = std::nullopt, .insertion = model_->pins().size(), .effect = {}};
+    if (isOnHead) return {.insertion = model_->pins().size()};
     const auto folder = item ? folderOf(*item) : std::nullopt;
-    if (isPin || !folder || !intents_.dropEffect) return {};
-    return {.item = item,
-            .insertion = std::nullopt,
-            .effect = intents_.dropEffect(dragged, *folder, event.modifiers(), event.possibleActions())};
+    if (!folder) return {};
+    return {.folder = folder, .place = rectOf(*item), .opens = intents_.open != nullptr};
+}
+
+void HomeView::openUnderDrag(const QPoint& at) {
+    const auto item = itemAt(at);
+    const auto folder = item ? folderOf(*item) : std::nullopt;
+    if (!folder || !intents_.open) return;
+    if (intents_.drops) intents_.drops->rememberPlace();
+    intents_.open(*folder);
 }
 
 QRect HomeView::insertionLine() const {
-    if (!target_.insertion || model_->pins().empty()) return {};
-    const bool isLast = *target_.insertion >= model_->pins().size();
-    const HomeItem beside{Section::quickAccess, Part::entry,
-                          isLast ? model_->pins().size() - 1 : *target_.insertion};
+    const auto& insertion = drag_->insertion();
+    if (!insertion || model_->pins().empty()) return {};
+    const bool isLast = *insertion >= model_->pins().size();
+    const HomeItem beside{Section::quickAccess, Part::entry, isLast ? model_->pins().size() - 1 : *insertion};
     const QRect tile = layout_.rectOf(beside);
     if (tile.isEmpty()) return {};
     const int gap = PlaceSizes::of(*theme_, PlaceSize::homeGap),
@@ -445,63 +441,6 @@ QRect HomeView::insertionLine() const {
     const int middle = isLast ? tile.right() + 1 + gap / 2 : tile.left() - gap / 2;
     const QRect line(middle - width / 2, tile.top() - offset(), width, tile.height());
     return QStyle::visualRect(layoutDirection(), viewport()->rect(), line);
-}
-
-void HomeView::setTarget(Target target) {
-    target_ = std::move(target);
-    viewport()->update();
-}
-
-void HomeView::scrollAtEdge() {
-    const int edge = PlaceSizes::of(*theme_, PlaceSize::treeButton);
-    QScrollBar& bar = *verticalScrollBar();
-    if (dragAt_.y() < edge) bar.setValue(bar.value() - edge / 2);
-    if (dragAt_.y() > viewport()->height() - edge) bar.setValue(bar.value() + edge / 2);
-}
-
-void HomeView::dragEnterEvent(QDragEnterEvent* event) {
-    const bool isWanted = PinDrag::pinOf(*event->mimeData()) || !PinDrag::itemsOf(*event->mimeData()).empty();
-    event->setAccepted(isWanted);
-    if (isWanted) edge_.start();
-}
-
-void HomeView::dragMoveEvent(QDragMoveEvent* event) {
-    dragAt_ = event->position().toPoint();
-    setTarget(targetAt(dragAt_, *event));
-    const bool canLink = event->possibleActions() & Qt::LinkAction;
-    const auto action = target_.insertion ? canLink ? Qt::LinkAction : Qt::CopyAction : target_.effect.action;
-    event->setDropAction(action);
-    if (action == Qt::IgnoreAction)
-        event->ignore();
-    else
-        event->accept();
-}
-
-void HomeView::dragLeaveEvent(QDragLeaveEvent*) {
-    edge_.stop();
-    setTarget({});
-}
-
-void HomeView::dropEvent(QDropEvent* event) {
-    edge_.stop();
-    const Target target = targetAt(event->position().toPoint(), *event);
-    setTarget({});
-    const QMimeData& dragged = *event->mimeData();
-    if (target.insertion) {
-        if (const auto pin = PinDrag::pinOf(dragged))
-            model_->movePin(*pin, *target.insertion);
-        else
-            model_->pin(PinDrag::itemsOf(dragged), *target.insertion);
-        event->setDropAction(event->possibleActions() & Qt::LinkAction ? Qt::LinkAction : Qt::CopyAction);
-        return event->accept();
-    }
-    const auto folder = target.item ? folderOf(*target.item) : std::nullopt;
-    if (target.effect.action == Qt::IgnoreAction || !folder || !intents_.drop) return event->ignore();
-    intents_.drop(dragged, *folder, target.effect.action);
-    // The source must not remove anything: whoever moves does so itself.
-    event->setDropAction(target.effect.action == Qt::MoveAction ? Qt::TargetMoveAction
-                                                                : target.effect.action);
-    event->accept();
 }
 
 } // namespace ombrel

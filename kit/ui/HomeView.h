@@ -2,11 +2,11 @@
 
 #include "ui/HomeLayout.h"
 #include "ui/HomePainter.h"
+#include "ui/PlaceDrop.h"
 #include "ui/PlaceIntents.h"
 #include "ui/PlaceMenu.h"
 
 #include <QAbstractScrollArea>
-#include <QTimer>
 
 #include <optional>
 
@@ -54,19 +54,9 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     bool viewportEvent(QEvent* event) override;
-    void dragEnterEvent(QDragEnterEvent* event) override;
-    void dragMoveEvent(QDragMoveEvent* event) override;
-    void dragLeaveEvent(QDragLeaveEvent* event) override;
-    void dropEvent(QDropEvent* event) override;
     void changeEvent(QEvent* event) override;
 
 private:
-    struct Target {
-        std::optional<HomeItem> item;         ///< to be dropped on
-        std::optional<std::size_t> insertion; ///< or to be pinned in front of this tile
-        PlaceIntents::DropEffect effect;
-    };
-
     void arrange();
     void takeChange();
     [[nodiscard]] int offset() const;
@@ -81,9 +71,8 @@ private:
     [[nodiscard]] std::optional<PlaceMenu::Place> placeOf(const HomeItem& item) const;
     void showMenu(const HomeItem& item, const QPoint& at);
     void beginDrag(const HomeItem& item);
-    [[nodiscard]] Target targetAt(const QPoint& at, const QDropEvent& event) const;
-    void setTarget(Target target);
-    void scrollAtEdge();
+    [[nodiscard]] PlaceDrop::Target dropTargetAt(const QPoint& at, bool isPin) const;
+    void openUnderDrag(const QPoint& at);
     void announceFocus();
 
     HomeModel* model_;
@@ -100,9 +89,7 @@ private:
     Qt::MouseButton pressedButton_ = Qt::NoButton;
     bool isButtonHovered_ = false;
     bool isButtonPressed_ = false;
-    Target target_;
-    QPoint dragAt_;
-    QTimer edge_;
+    PlaceDrop* drag_;
 };
 
 } // namespace ombrel

@@ -6,16 +6,14 @@
 
 #include <QApplication>
 #include <QContextMenuEvent>
-#include <QDrag>
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QPaintEvent>
 #include <QPainter>
-#include <QScrollBar>
 #include <QToolTip>
 
-#include <algorithm>
 #include <utility>
 
 namespace ombrel {
@@ -25,20 +23,15 @@ using Kind = FolderTreeModel::Kind;
 using By = FolderTreeModel::By;
 using Button = NavigationTreeDelegate::Button;
 
-constexpr std::chrono::milliseconds edgeBeat(60);
-
-bool isPinned(const FolderTreeModel& model, const FileURL& url) {
-    return std::ranges::any_of(model.home().pins(), [&](const PinnedPlace& pin) {
-        return pin.url.standardized() == url.standardized();
-    });
-}
-
 } // namespace
 
 NavigationTree::NavigationTree(FolderTreeModel& model, const Theme& theme, PlaceIntents intents,
                                QWidget* parent)
     : QTreeView(parent), model_(&model), theme_(&theme), intents_(std::move(intents)),
-      menus_(model.home(), intents_), delegate_(new NavigationTreeDelegate(model, theme, this)) {
+      menus_(model.home(), intents_), delegate_(new NavigationTreeDelegate(model, theme, this)),
+      drag_(new PlaceDrop(
+          *this, {.theme = theme, .pins = model.home(), .folders = intents_.drops, .patience = spring},
+          [this](QPoint at, bool isPin) { return dropTargetAt(at, isPin); })) {
     setAccessibleName(localized("ui.accessible.tree"));
     setModel(&model);
     setItemDelegate(delegate_);
@@ -55,14 +48,9 @@ NavigationTree::NavigationTree(FolderTreeModel& model, const Theme& theme, Place
     setVerticalScrollMode(ScrollPerPixel);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setMouseTracking(true);
-    setAcceptDrops(true);
-    viewport()->setAcceptDrops(true);
     setAutoFillBackground(true);
 
-    spring_.setSingleShot(true);
-    connect(&spring_, &QTimer::timeout, this, &NavigationTree::springOpen);
-    edge_.setInterval(edgeBeat);
-    connect(&edge_, &QTimer::timeout, this, &NavigationTree::scrollAtEdge);
+    connect(drag_, &PlaceDrop::rested, this, [this](const QPoint& at) { model_->open(indexAt(at)); });
     looking_.setSingleShot(true);
     connect(&looking_, &QTimer::timeout, this, &NavigationTree::lookAtPainted);
     connect(&model, &FolderTreeModel::opened, this,
@@ -122,8 +110,8 @@ void NavigationTree::drawRow(QPainter* painter, const QStyleOptionViewItem& opti
     look.isHovered = index == hovered_;
     look.isButtonHovered = look.isHovered && hoveredPart_ == Part::button;
     look.isButtonPressed = index == pressed_ && pressedPart_ == Part::button;
-    look.isDropTarget = index == target_.row;
-    look.isFlashing = index == flashing_;
+    look.isDropTarget = drag_->isOn(visualRect(index));
+    look.isFlashing = drag_->isFlashing(visualRect(index));
     delegate_->paintRow(*painter, option.rect, index, look, layoutDirection());
     painted_.append(QPersistentModelIndex(index));
 }
@@ -134,22 +122,6 @@ void NavigationTree::paintEvent(QPaintEvent* event) {
     QPainter painter(viewport());
     if (const QRect line = insertionLine(); !line.isEmpty())
         painter.fillRect(line, theme_->color(ThemeColor::accent));
-    if (target_.effect.label.isEmpty()) return;
-    const int space = theme_->size(ThemeSize::space8), hairline = theme_->size(ThemeSize::hairline);
-    const QFont font = theme_->font(ThemeFont::caption);
-    const QFontMetrics metrics(font);
-    const QString text =
-        metrics.elidedText(target_.effect.label, Qt::ElideMiddle, viewport()->width() - 4 * space);
-    QRect label(0, 0, metrics.horizontalAdvance(text) + 2 * space, metrics.height() + space);
-    label.moveTopLeft(dragAt_ + QPoint(2 * space, 2 * space));
-    label.moveRight(std::min(label.right(), viewport()->width() - space));
-    label.moveBottom(std::min(label.bottom(), viewport()->height() - space));
-    painter.setPen(QPen(theme_->color(ThemeColor::border), hairline));
-    painter.setBrush(theme_->color(ThemeColor::menu));
-    painter.drawRect(label);
-    painter.setFont(font);
-    painter.setPen(theme_->color(ThemeColor::text));
-    painter.drawText(label, Qt::AlignCenter | Qt::TextSingleLine, text);
 }
 
 void NavigationTree::lookAtPainted() {
@@ -342,7 +314,7 @@ void NavigationTree::fillMenu(QMenu& menu, const QModelIndex& index) const {
                  .needsPermission = entry.location && entry.location->needsPermission(),
                  .canBeEjected = entry.volume && entry.volume->canBeEjected,
                  .isEjecting = entry.volume && entry.volume->isEjecting,
-                 .isPinned = entry.url && isPinned(*model_, *entry.url)},
+                 .isPinned = entry.url && model_->home().isPinned(*entry.url)},
                 PlaceMenu::Extent::tree);
 }
 
@@ -359,6 +331,7 @@ void NavigationTree::contextMenuEvent(QContextMenuEvent* event) {
 }
 
 bool NavigationTree::viewportEvent(QEvent* event) {
+    if (drag_->take(*event)) return true;
     if (event->type() == QEvent::ToolTip) {
         const auto* const help = static_cast<QHelpEvent*>(event);
         const QModelIndex index = indexAt(help->pos());
@@ -378,13 +351,8 @@ bool NavigationTree::viewportEvent(QEvent* event) {
 void NavigationTree::beginDrag(const QModelIndex& index) {
     const auto entry = model_->entry(index);
     if (!entry.url || !entry.isOpenable()) return;
-    auto* const drag = new QDrag(this);
-    drag->setMimeData(
-        PinDrag::dataOf(*entry.url, entry.kind == Kind::pin ? entry.place : std::nullopt).release());
-    const QRect row = partsOf(index).row;
-    drag->setPixmap(viewport()->grab(row));
-    drag->setHotSpot(pressedAt_ - row.topLeft());
-    drag->exec(Qt::CopyAction | Qt::MoveAction | Qt::LinkAction, Qt::LinkAction);
+    PinDrag::run(*this, *entry.url, entry.kind == Kind::pin ? entry.place : std::nullopt, partsOf(index).row,
+                 pressedAt_);
 }
 
 std::optional<std::size_t> NavigationTree::insertionAt(const QPoint& at, bool isPin) const {
@@ -409,23 +377,20 @@ std::optional<std::size_t> NavigationTree::insertionAt(const QPoint& at, bool is
     return std::nullopt;
 }
 
-NavigationTree::Target NavigationTree::targetAt(const QPoint& at, const QDropEvent& event) const {
-    const QMimeData& dragged = *event.mimeData();
-    const bool isPin = PinDrag::pinOf(dragged).has_value();
-    if (!isPin && PinDrag::itemsOf(dragged).empty()) return {};
-    if (const auto insertion = insertionAt(at, isPin))
-        return {.row = {}, .insertion = insertion, .effect = {}};
+PlaceDrop::Target NavigationTree::dropTargetAt(const QPoint& at, bool isPin) const {
+    if (const auto insertion = insertionAt(at, isPin)) return {.insertion = insertion};
     const QModelIndex index = indexAt(at);
     const auto entry = model_->entry(index);
-    if (isPin || !entry.url || !entry.isOpenable() || !intents_.dropEffect) return {};
-    auto effect = intents_.dropEffect(dragged, *entry.url, event.modifiers(), event.possibleActions());
-    return {.row = index, .insertion = std::nullopt, .effect = std::move(effect)};
+    if (!entry.url || !entry.isOpenable()) return {};
+    return {.folder = entry.url,
+            .place = visualRect(index),
+            .opens = model_->hasChildren(index) && !model_->isOpen(index)};
 }
 
 QRect NavigationTree::insertionLine() const {
-    if (!target_.insertion) return {};
+    if (!drag_->insertion()) return {};
     // Home and the head stand above the pins.
-    const auto row = static_cast<int>(*target_.insertion) + 2;
+    const auto row = static_cast<int>(*drag_->insertion()) + 2;
     const QModelIndex below = model_->index(row, 0);
     const QRect next = below.isValid() ? visualRect(below) : QRect();
     QModelIndex last = model_->index(row - 1, 0);
@@ -435,83 +400,6 @@ QRect NavigationTree::insertionLine() const {
     const int height = PlaceSizes::of(*theme_, PlaceSize::insertionLine),
               inset = PlaceSizes::of(*theme_, PlaceSize::treeInset);
     return {inset, y - height / 2, viewport()->width() - 2 * inset, height};
-}
-
-void NavigationTree::setTarget(Target target) {
-    const bool isOtherRow = target.row != target_.row;
-    target_ = std::move(target);
-    viewport()->update();
-    if (!isOtherRow) return;
-    spring_.stop();
-    if (target_.row.isValid() && model_->hasChildren(target_.row) && !model_->isOpen(target_.row))
-        spring_.start(spring);
-}
-
-void NavigationTree::springOpen() {
-    if (!target_.row.isValid()) return;
-    constexpr std::chrono::milliseconds flash(150);
-    flashing_ = target_.row;
-    QTimer::singleShot(theme_->appearance().isMotionReduced ? std::chrono::milliseconds(0) : flash, this,
-                       [this] {
-                           flashing_ = QModelIndex();
-                           viewport()->update();
-                       });
-    model_->open(target_.row);
-}
-
-void NavigationTree::scrollAtEdge() {
-    const int edge = PlaceSizes::of(*theme_, PlaceSize::treeButton);
-    QScrollBar& bar = *verticalScrollBar();
-    if (dragAt_.y() < edge) bar.setValue(bar.value() - edge / 2);
-    if (dragAt_.y() > viewport()->height() - edge) bar.setValue(bar.value() + edge / 2);
-}
-
-void NavigationTree::dragEnterEvent(QDragEnterEvent* event) {
-    const bool isWanted = PinDrag::pinOf(*event->mimeData()) || !PinDrag::itemsOf(*event->mimeData()).empty();
-    event->setAccepted(isWanted);
-    if (isWanted) edge_.start();
-}
-
-void NavigationTree::dragMoveEvent(QDragMoveEvent* event) {
-    dragAt_ = event->position().toPoint();
-    setTarget(targetAt(dragAt_, *event));
-    const auto action = target_.insertion
-                            ? (event->possibleActions() & Qt::LinkAction ? Qt::LinkAction : Qt::CopyAction)
-                            : target_.effect.action;
-    event->setDropAction(action);
-    // Without an answer for each place the pointer would not change on the way.
-    if (action == Qt::IgnoreAction)
-        event->ignore();
-    else
-        event->accept();
-}
-
-void NavigationTree::dragLeaveEvent(QDragLeaveEvent*) {
-    edge_.stop();
-    setTarget({});
-}
-
-void NavigationTree::dropEvent(QDropEvent* event) {
-    edge_.stop();
-    const Target target = targetAt(event->position().toPoint(), *event);
-    setTarget({});
-    const QMimeData& dragged = *event->mimeData();
-    if (target.insertion) {
-        if (const auto pin = PinDrag::pinOf(dragged))
-            model_->home().movePin(*pin, *target.insertion);
-        else
-            model_->home().pin(PinDrag::itemsOf(dragged), *target.insertion);
-        event->setDropAction(event->possibleActions() & Qt::LinkAction ? Qt::LinkAction : Qt::CopyAction);
-        event->accept();
-        return;
-    }
-    const auto entry = model_->entry(target.row);
-    if (target.effect.action == Qt::IgnoreAction || !entry.url || !intents_.drop) return event->ignore();
-    intents_.drop(dragged, *entry.url, target.effect.action);
-    // The source must not remove anything: whoever moves does so itself.
-    event->setDropAction(target.effect.action == Qt::MoveAction ? Qt::TargetMoveAction
-                                                                : target.effect.action);
-    event->accept();
 }
 
 } // namespace ombrel

@@ -2,6 +2,7 @@
 
 #include "browser/FolderTreeModel.h"
 #include "ui/NavigationTreeDelegate.h"
+#include "ui/PlaceDrop.h"
 #include "ui/PlaceIntents.h"
 #include "ui/PlaceMenu.h"
 
@@ -45,20 +46,10 @@ protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     bool viewportEvent(QEvent* event) override;
-    void dragEnterEvent(QDragEnterEvent* event) override;
-    void dragMoveEvent(QDragMoveEvent* event) override;
-    void dragLeaveEvent(QDragLeaveEvent* event) override;
-    void dropEvent(QDropEvent* event) override;
     void changeEvent(QEvent* event) override;
     void updateGeometries() override;
 
 private:
-    /// What a drag is over.
-    struct Target {
-        QPersistentModelIndex row;            ///< to be dropped on
-        std::optional<std::size_t> insertion; ///< or to be pinned in front of this pin
-        PlaceIntents::DropEffect effect;
-    };
     enum class Part : std::uint8_t { none, row, chevron, button };
 
     void takeLook();
@@ -71,11 +62,8 @@ private:
     [[nodiscard]] Part partAt(const QModelIndex& index, const QPoint& at) const;
     void hover(const QPoint& at);
     void beginDrag(const QModelIndex& index);
-    [[nodiscard]] Target targetAt(const QPoint& at, const QDropEvent& event) const;
+    [[nodiscard]] PlaceDrop::Target dropTargetAt(const QPoint& at, bool isPin) const;
     [[nodiscard]] std::optional<std::size_t> insertionAt(const QPoint& at, bool isPin) const;
-    void setTarget(Target target);
-    void springOpen();
-    void scrollAtEdge();
 
     FolderTreeModel* model_;
     const Theme* theme_;
@@ -88,11 +76,7 @@ private:
     Part pressedPart_ = Part::none;
     QPoint pressedAt_;
     Qt::MouseButton pressedButton_ = Qt::NoButton;
-    Target target_;
-    QPoint dragAt_;
-    QPersistentModelIndex flashing_;
-    QTimer spring_;
-    QTimer edge_;
+    PlaceDrop* drag_;
     QTimer looking_;
     mutable QList<QPersistentModelIndex> painted_; ///< since the model was last asked to look into them
 };

@@ -112,7 +112,8 @@ std::optional<OverlayContent> OverlayContent::of(const BrowserModel& model) {
                 localized("overlay.noMatch.message"),
                 Badge{Glyph::search, ThemeColor::textSecondary, ThemeColor::selectionInactive},
                 {Action::clearSearch}};
-        return OverlayContent{localized("overlay.empty.title"), {}, {}, {}};
+        return OverlayContent{
+            localized("overlay.empty.title"), {}, {}, {}, localized("overlay.empty.dropHere")};
     case ListingState::Case::loading: return std::nullopt;
     }
     std::unreachable();
@@ -187,15 +188,28 @@ void Overlay::refresh() {
         parentWidget()->parentWidget()->setFocus(Qt::OtherFocusReason);
 }
 
-void Overlay::show(const OverlayContent& content) {
-    const bool isSame = isVisible() && content.title == title() && content.message == message();
-    if (isSame) return;
-    title_->setText(content.title);
-    message_->setText(content.message);
-    message_->setVisible(!content.message.isEmpty());
+void Overlay::inviteDrop(bool invites) {
+    if (std::exchange(invitesDrop_, invites) != invites) refresh();
+}
+
+void Overlay::setTexts(const QString& title, const QString& message, const QString& widest) {
+    title_->setText(title);
+    message_->setText(widest);
+    message_->setVisible(!widest.isEmpty());
     // A centred label takes the height of a single line by itself.
     for (QLabel* label : {title_, message_})
         if (!label->text().isEmpty()) label->setFixedHeight(label->heightForWidth(label->width()));
+    message_->setText(message);
+}
+
+void Overlay::show(const OverlayContent& content) {
+    const QString& message =
+        invitesDrop_ && !content.invitation.isEmpty() ? content.invitation : content.message;
+    const bool isSame = isVisible() && content.title == title();
+    if (isSame && message == this->message()) return;
+    // Room is kept for the invitation, so that nothing moves when a drag comes.
+    setTexts(content.title, message, content.invitation.isEmpty() ? content.message : content.invitation);
+    if (isSame && !content.invitation.isEmpty()) return;
     badge_ = content.badge;
     picture_->update();
     for (QPushButton* button : buttons_)

@@ -32,6 +32,7 @@ struct OverlayContent {
     QString message;
     std::optional<Badge> badge;
     std::vector<Action> actions; ///< as buttons, the first one primary
+    QString invitation = {};     ///< the message while something is dragged that may be dropped here
 
     /// For the state of a pane; nothing when its items are to be seen.
     [[nodiscard]] static std::optional<OverlayContent> of(const BrowserModel& model);
@@ -45,6 +46,8 @@ public:
     /// Lies over `view`. `model` and `theme` must outlive it.
     Overlay(BrowserModel& model, const Theme& theme, QWidget* view);
 
+    /// Something is dragged over the view that may be dropped there, or is no longer.
+    void inviteDrop(bool invites);
     /// From now on covers `view`.
     void lieOver(QWidget* view);
 
@@ -58,12 +61,15 @@ protected:
 private:
     void refresh();
     void show(const OverlayContent& content);
+    /// `widest` is the message that room is kept for.
+    void setTexts(const QString& title, const QString& message, const QString& widest);
     void perform(OverlayContent::Action action);
     void takeSizes();
     void fadeIn();
 
     BrowserModel* model_;
     const Theme* theme_;
+    bool invitesDrop_ = false;
     std::optional<OverlayContent::Badge> badge_;
     QWidget* picture_;
     QLabel* title_;

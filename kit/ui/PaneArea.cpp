@@ -33,6 +33,8 @@ void PaneArea::equip(FileView& view) {
     layout()->addWidget(&view);
     connect(&view, &FileView::openRequested, this, &PaneArea::openRequested);
     connect(&view, &FileView::zoomRequested, this, &PaneArea::zoom);
+    connect(&view, &FileView::dropEffectChanged, overlay_,
+            [this, &view] { overlay_->inviteDrop(view.drop().isAllowed()); });
 }
 
 void PaneArea::followMode() {

@@ -1,8 +1,11 @@
 #include "ui/PinDrag.h"
 
+#include <QAbstractScrollArea>
 #include <QByteArray>
 #include <QCoreApplication>
+#include <QDrag>
 #include <QList>
+#include <QPixmap>
 
 #include <string>
 
@@ -26,22 +29,21 @@ std::unique_ptr<QMimeData> dataOf(const FileURL& folder, std::optional<std::size
     return data;
 }
 
+void run(QAbstractScrollArea& view, const FileURL& folder, std::optional<std::size_t> pin, const QRect& place,
+         QPoint pointer) {
+    auto* const drag = new QDrag(&view);
+    drag->setMimeData(dataOf(folder, pin).release());
+    drag->setPixmap(view.viewport()->grab(place));
+    drag->setHotSpot(pointer - place.topLeft());
+    drag->exec(Qt::CopyAction | Qt::MoveAction | Qt::LinkAction, Qt::LinkAction);
+}
+
 std::optional<std::size_t> pinOf(const QMimeData& data) {
     const auto parts = data.data(pinType).split(' ');
     if (parts.size() != 2 || parts[0] != ownMark()) return std::nullopt;
     bool isNumber = false;
     const auto pin = parts[1].toULongLong(&isNumber);
     return isNumber ? std::optional(static_cast<std::size_t>(pin)) : std::nullopt;
-}
-
-std::vector<FileURL> itemsOf(const QMimeData& data) {
-    std::vector<FileURL> items;
-    for (const QByteArray& line : data.data(listType).split('\n')) {
-        const auto uri = line.trimmed();
-        if (uri.isEmpty() || uri.startsWith('#')) continue;
-        if (auto url = FileURL::fromURI(uri.toStdString())) items.push_back(std::move(*url));
-    }
-    return items;
 }
 
 } // namespace ombrel::PinDrag

@@ -2,15 +2,11 @@
 
 #include "base/FileURL.h"
 
-#include <QMimeData>
-#include <QString>
-#include <Qt>
-
 #include <functional>
-#include <optional>
-#include <vector>
 
 namespace ombrel {
+
+class FolderDrop;
 
 /// What the user wants done with a place of the navigation tree or the home page. Whoever owns the view sets
 /// these; what nobody has set is not offered.
@@ -28,16 +24,8 @@ struct PlaceIntents {
     std::function<bool()> canPaste = {}; ///< whether there are files to be pasted
     OnFolder showProperties = {};
 
-    /// What dropping `items` on `folder` would do now, and what that is called ("Move to Reports").
-    struct DropEffect {
-        Qt::DropAction action = Qt::IgnoreAction;
-        QString label = {};
-    };
-    std::function<DropEffect(const QMimeData& items, const FileURL& folder, Qt::KeyboardModifiers modifiers,
-                             Qt::DropActions offered)>
-        dropEffect = {};
-    /// Does it.
-    std::function<void(const QMimeData& items, const FileURL& folder, Qt::DropAction action)> drop = {};
+    /// Takes what is dropped on folders; must outlive the view.
+    FolderDrop* drops = nullptr;
 };
 
 } // namespace ombrel

@@ -3,6 +3,7 @@
 #include "browser/BrowserTabsModel.h"
 #include "services/AppSettings.h"
 #include "ui/DropSpring.h"
+#include "ui/FolderDrop.h"
 #include "ui/GlyphButton.h"
 #include "ui/KeyStrokes.h"
 #include "ui/LocalizedText.h"
@@ -92,7 +93,7 @@ TabStrip::TabStrip(BrowserTabsModel& tabs, const Theme& theme, const AppSettings
         QAccessible::updateAccessibility(&change);
         update();
     });
-    connect(spring_, &DropSpring::opened, &tabs, &BrowserTabsModel::select);
+    connect(spring_, &DropSpring::opened, this, &TabStrip::selectUnderDrag);
     connect(spring_, &DropSpring::flashChanged, this, qOverload<>(&QWidget::update));
     connect(&theme, &Theme::changed, this, &TabStrip::takeSizes);
     connect(&settings, &AppSettings::changed, this, &TabStrip::refreshTexts);
@@ -315,7 +316,7 @@ void TabStrip::paintTab(QPainter& painter, std::size_t shown) const {
     const double radius = theme_->size(ThemeSize::radiusField);
     const double line = theme_->size(ThemeSize::focusRing);
     const auto ground = [&]() -> std::optional<ThemeColor> {
-        if (is(dropSpot_)) return ThemeColor::selection;
+        if (is(dropSpot_) && drops_->isAllowed()) return ThemeColor::selection;
         if (isActive) return ThemeColor::chromeRaised;
         if (held_ && held_->spot.part == Spot::Part::tab && is(held_->spot)) return ThemeColor::pressed;
         if (is(hovered_)) return ThemeColor::hover;

@@ -10,7 +10,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <vector>
 
@@ -20,6 +19,7 @@ class AppSettings;
 class BrowserModel;
 class BrowserTabsModel;
 class DropSpring;
+class FolderDrop;
 class GlyphButton;
 class Theme;
 
@@ -48,10 +48,8 @@ public:
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
-    /// What becomes of a drop on a tab. Answers the action that a drop on the tab's folder would have now;
-    /// absent, tabs only spring open.
-    std::function<Qt::DropAction(const QDropEvent& event, const FileURL& folder)> offerDrop;
-    std::function<void(const QDropEvent& event, const FileURL& folder)> performDrop;
+    /// Who takes what is dragged onto tabs; must outlive the strip. Without it nothing can be dragged there.
+    void setDrops(FolderDrop& drops);
 
 Q_SIGNALS:
     void copyPathRequested(const ombrel::FileURL& folder);
@@ -132,8 +130,11 @@ private:
     void duplicate(std::size_t tab);
     void closeOthers(std::size_t tab, std::size_t from);
     void showToolTip(QPoint at, QPoint globalAt);
-    [[nodiscard]] Qt::DropAction dropActionAt(const Spot& spot, const QDropEvent& event) const;
-    void takeDropSpot(const Spot& spot);
+    /// The folder that something is dragged over at a point.
+    [[nodiscard]] std::optional<FileURL> takeDropSpot(QPoint point);
+    void setDropSpot(const Spot& spot);
+    [[nodiscard]] bool opensDropped(QDropEvent& event) const;
+    void selectUnderDrag(std::size_t tab);
     void paintTab(QPainter& painter, std::size_t shown) const;
 
     BrowserTabsModel* tabs_;
@@ -154,6 +155,8 @@ private:
     std::optional<Held> held_;
     Spot dropSpot_;
     DropSpring* spring_;
+    FolderDrop* drops_ = nullptr;
+    bool takesDrag_ = false; ///< the one that is over the strip
     QBasicTimer edgeScroll_;
 };
 

@@ -3,6 +3,7 @@
 #include "services/AppSettings.h"
 #include "ui/DraggedFiles.h"
 #include "ui/DropSpring.h"
+#include "ui/FolderDrop.h"
 #include "ui/KeyStrokes.h"
 #include "ui/LocalizedText.h"
 #include "ui/TabStrip.h"
@@ -16,12 +17,14 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QTimerEvent>
 #include <QToolTip>
 #include <QWheelEvent>
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 // What the user does with a tab strip.
 
@@ -317,56 +320,72 @@ void TabStrip::closeOthers(std::size_t tab, std::size_t from) {
 
 // ---- What is dragged here
 
-Qt::DropAction TabStrip::dropActionAt(const Spot& spot, const QDropEvent& event) const {
-    if (!DraggedFiles::areIn(event.mimeData())) return Qt::IgnoreAction;
-    if (spot.part == Spot::Part::empty) {
-        // Opening takes nothing from where it is.
-        for (const auto action : {Qt::LinkAction, Qt::CopyAction})
-            if (event.possibleActions() & action) return action;
-        return Qt::IgnoreAction;
-    }
-    const auto& folder = tabs_->tab(spot.tab).currentURL();
-    return folder && offerDrop ? offerDrop(event, *folder) : Qt::IgnoreAction;
+void TabStrip::setDrops(FolderDrop& drops) {
+    drops_ = &drops;
+    connect(&drops, &FolderDrop::planned, this, qOverload<>(&QWidget::update));
 }
 
-void TabStrip::takeDropSpot(const Spot& spot) {
+void TabStrip::setDropSpot(const Spot& spot) {
     const bool isTab = spot.part == Spot::Part::tab || spot.part == Spot::Part::close;
     const bool opens = isTab && spot.tab != tabs_->selectedIndex();
     spring_->over(opens ? std::optional(spot.tab) : std::nullopt);
-    if (spot == dropSpot_) return;
     dropSpot_ = spot;
     update();
 }
 
+std::optional<FileURL> TabStrip::takeDropSpot(QPoint point) {
+    setDropSpot(takesDrag_ ? spotAt(point) : Spot());
+    const bool isTab = dropSpot_.part == Spot::Part::tab || dropSpot_.part == Spot::Part::close;
+    return isTab ? tabs_->tab(dropSpot_.tab).currentURL() : std::nullopt;
+}
+
+/// Whether the drag is where folders are opened that are dropped. The event is answered then.
+bool TabStrip::opensDropped(QDropEvent& event) const {
+    if (dropSpot_.part != Spot::Part::empty) return false;
+    // Opening takes nothing from where it is.
+    for (const auto action : {Qt::LinkAction, Qt::CopyAction}) {
+        if (!(event.possibleActions() & action)) continue;
+        event.setDropAction(action);
+        event.accept();
+        return true;
+    }
+    return false;
+}
+
+void TabStrip::selectUnderDrag(std::size_t tab) {
+    drops_->leadBack(*tabs_, [tabs = tabs_, before = QPointer(&tabs_->activeTab())] {
+        if (const auto index = before ? tabs->indexOf(*before) : std::nullopt) tabs->select(*index);
+    });
+    tabs_->select(tab);
+}
+
 void TabStrip::dragEnterEvent(QDragEnterEvent* event) {
-    dragMoveEvent(event);
+    takesDrag_ = drops_ && drops_->enter(*event, *this);
+    // Who refuses a drag that enters does not hear of the rest of its way.
+    event->setAccepted(takesDrag_);
+    if (takesDrag_) drops_->aim(takeDropSpot(event->position().toPoint()));
 }
 
 void TabStrip::dragMoveEvent(QDragMoveEvent* event) {
-    if (!DraggedFiles::areIn(event->mimeData())) return event->ignore();
-    const Spot spot = spotAt(event->position().toPoint());
-    takeDropSpot(spot);
-    const Qt::DropAction action = dropActionAt(spot, *event);
-    event->setDropAction(action);
-    // Refused with a whole area, the strip would not hear of the rest of the way.
-    event->setAccepted(action != Qt::IgnoreAction);
+    if (!takesDrag_) return event->ignore();
+    drops_->follow(*event, takeDropSpot(event->position().toPoint()));
+    (void)opensDropped(*event);
 }
 
 void TabStrip::dragLeaveEvent(QDragLeaveEvent*) {
-    takeDropSpot({});
+    if (std::exchange(takesDrag_, false)) drops_->leave();
+    setDropSpot({});
 }
 
 void TabStrip::dropEvent(QDropEvent* event) {
-    const Spot spot = spotAt(event->position().toPoint());
-    const Qt::DropAction action = dropActionAt(spot, *event);
-    takeDropSpot({});
-    if (action == Qt::IgnoreAction) return event->ignore();
-    event->setDropAction(action);
-    event->accept();
-    if (spot.part == Spot::Part::empty)
-        Q_EMIT openFoldersRequested(DraggedFiles::of(event->mimeData()));
-    else if (performDrop)
-        performDrop(*event, *tabs_->tab(spot.tab).currentURL());
+    if (!takesDrag_) return event->ignore();
+    const auto folder = takeDropSpot(event->position().toPoint());
+    const bool opens = opensDropped(*event);
+    takesDrag_ = false;
+    setDropSpot({});
+    if (!opens) return drops_->drop(*event, folder);
+    drops_->leave();
+    Q_EMIT openFoldersRequested(DraggedFiles::of(event->mimeData()));
 }
 
 } // namespace ombrel

@@ -65,6 +65,7 @@ PlaceIntents WindowPlaces::intents() {
     intents.showProperties = [this](const FileURL& folder) {
         PropertiesWindow::open(*theme_, PropertiesWindow::subjectAt(folder, *services_));
     };
+    intents.drops = &actions_.drops;
     return intents;
 }
 

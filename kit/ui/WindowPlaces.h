@@ -11,6 +11,7 @@ namespace ombrel {
 
 class BrowserTabsModel;
 class FileActions;
+class FolderDrop;
 class HomeView;
 class NavigationTree;
 class OpenActions;
@@ -26,6 +27,7 @@ public:
     struct Actions {
         OpenActions& opening;
         FileActions& files;
+        FolderDrop& drops;
     };
 
     /// It belongs to `window`; `tabs`, `services`, `theme` and the actions must outlive the widgets.

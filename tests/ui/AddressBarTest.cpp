@@ -6,6 +6,7 @@
 #include "ui/CrumbBar.h"
 #include "ui/FolderList.h"
 #include "ui/GlyphButton.h"
+#include "ui/StatusBar.h"
 #include "ui/WindowWorld.h"
 
 #include <QAccessible>
@@ -150,22 +151,27 @@ TEST_F(Address, SpringsOpenUnderADragAndTakesDrops) {
     open(tree.url("Projects/Reports"));
     QMimeData data;
     data.setUrls({QUrl::fromLocalFile(QString::fromStdString(tree.url("Projects/one.txt").path()))});
-    const auto over = [&](const QString& name) {
-        QDragEnterEvent event(button(name)->geometry().center(), Qt::CopyAction | Qt::MoveAction, &data,
-                              Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(&crumbs, &event);
-        return event.isAccepted();
+    const Qt::DropActions offered = Qt::CopyAction | Qt::MoveAction;
+    const auto moveOver = [&](const QString& name) {
+        const QPoint at = button(name)->geometry().center();
+        QDragEnterEvent enter(at, offered, &data, Qt::LeftButton, Qt::ShiftModifier);
+        QApplication::sendEvent(&crumbs, &enter);
+        EXPECT_TRUE(enter.isAccepted());
+        QDragMoveEvent move(at, offered, &data, Qt::LeftButton, Qt::ShiftModifier);
+        QApplication::sendEvent(&crumbs, &move);
+        return move.isAccepted();
     };
-    EXPECT_FALSE(over(QStringLiteral("Projects")));
+    const auto status = [&] { return window.statusBar().parts().join(QLatin1Char('|')).toStdString(); };
+    EXPECT_FALSE(moveOver(QStringLiteral("Projects")));
+    EXPECT_EQ(status(), "The item is already there.");
     EXPECT_TRUE(runUntil([&] { return window.model().currentURL() == tree.url("Projects"); }));
-    crumbs.offerDrop = [](const QDropEvent&, const FileURL&) { return Qt::CopyAction; };
-    std::optional<FileURL> target;
-    crumbs.performDrop = [&](const QDropEvent&, const FileURL& folder) { target = folder; };
-    EXPECT_TRUE(over(QStringLiteral("Projects")));
-    QDropEvent drop(button(QStringLiteral("Projects"))->geometry().center(), Qt::CopyAction, &data,
-                    Qt::LeftButton, Qt::NoModifier);
+    const auto home = QString::fromStdString(homeName());
+    EXPECT_TRUE(moveOver(home));
+    EXPECT_EQ(status(), "Move to " + homeName());
+    QDropEvent drop(button(home)->geometry().center(), offered, &data, Qt::LeftButton, Qt::ShiftModifier);
     QApplication::sendEvent(&crumbs, &drop);
-    EXPECT_EQ(target, tree.url("Projects"));
+    EXPECT_TRUE(runUntil([&] { return tree.exists("one.txt") && !tree.exists("Projects/one.txt"); }));
+    EXPECT_THAT(status(), ::testing::HasSubstr("items"));
 }
 
 } // namespace

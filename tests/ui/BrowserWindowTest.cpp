@@ -10,10 +10,13 @@
 #include "ui/WindowWorld.h"
 
 #include <QAction>
+#include <QDragEnterEvent>
 #include <QInputMethodEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QPushButton>
+#include <QUrl>
 
 #include <cerrno>
 
@@ -213,6 +216,29 @@ TEST_F(Window, SaysWhyAFolderIsNotShownAndWhatToDo) {
     EXPECT_EQ(overlay.message().toStdString(), "This is not a folder.");
     open(tree.url("Projects"));
     EXPECT_TRUE(overlay.isHidden());
+}
+
+TEST_F(Window, InvitesADropIntoAnEmptyFolder) {
+    open(tree.url("Projects/Reports"));
+    const QPoint inTheMiddle = window.view().viewport()->rect().center();
+    const auto drag = [&](const char* folder) {
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(QString::fromStdString(tree.path(folder)))});
+        QDragEnterEvent enter(inTheMiddle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(window.view().viewport(), &enter);
+    };
+    const int height = window.overlay().findChildren<QLabel*>().constFirst()->y();
+    drag("Projects/one.txt");
+    QApplication::processEvents();
+    EXPECT_EQ(window.overlay().message().toStdString(), "Drop items here");
+    EXPECT_THAT(status(), ElementsAre("Copy to Reports"));
+    EXPECT_EQ(window.overlay().findChildren<QLabel*>().constFirst()->y(), height) << "nothing moves";
+    QDragLeaveEvent leave;
+    QApplication::sendEvent(window.view().viewport(), &leave);
+    EXPECT_TRUE(window.overlay().message().isEmpty());
+    EXPECT_THAT(status(), ElementsAre("0 items"));
+    drag("Projects");
+    EXPECT_TRUE(window.overlay().message().isEmpty()) << "into itself";
 }
 
 TEST_F(Window, KnowsRefusalsApart) {

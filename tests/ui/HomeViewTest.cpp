@@ -1,5 +1,6 @@
 #include "ui/HomeView.h"
 
+#include "ui/DropLabel.h"
 #include "ui/PlaceWorld.h"
 
 #include <QAccessible>
@@ -94,10 +95,14 @@ TEST_F(HomePage, PutsSectionsAway) {
     const int before = view.homeLayout().height();
     click(head(Section::quickAccess));
     EXPECT_TRUE(home->isFolded(Section::quickAccess));
+    HomeModel other(*services.services, tree.url());
+    EXPECT_TRUE(other.isFolded(Section::quickAccess)) << "in the next window too";
+    EXPECT_FALSE(other.isFolded(Section::volumes));
     EXPECT_TRUE(view.rectOf(tile(0)).isEmpty());
     EXPECT_LT(view.homeLayout().height(), before);
     key(Qt::Key_Right);
     EXPECT_FALSE(home->isFolded(Section::quickAccess));
+    EXPECT_FALSE(other.isFolded(Section::quickAccess));
     view.setCurrent(tile(2));
     home->setFolded(Section::quickAccess, true);
     EXPECT_EQ(view.current(), head(Section::quickAccess)) << "the keyboard stays in the section";
@@ -131,9 +136,18 @@ TEST_F(HomePage, PinsBetweenTilesAndTakesItemsIntoThem) {
     const QRect last = view.rectOf(tile(3));
     drop(view, *PinDrag::dataOf(tree.url("a"), 0), {last.right() - 10, last.center().y()});
     EXPECT_THAT(pins(), ElementsAre("other", "b", "c", "a"));
-    EXPECT_THAT(wanted, IsEmpty());
+    dragOver(view, *other, view.rectOf(tile(1)).center());
+    const auto* const label = view.findChild<DropLabel*>();
+    ASSERT_NE(label, nullptr);
+    EXPECT_EQ(label->text().toStdString(), "Copy to b");
+    EXPECT_TRUE(label->isVisible());
     drop(view, *other, view.rectOf(tile(1)).center());
-    EXPECT_THAT(wanted, ElementsAre("move other to b"));
+    EXPECT_FALSE(label->isVisible());
+    EXPECT_TRUE(runUntil([&] { return tree.exists("b/other"); }));
+    EXPECT_THAT(wanted, IsEmpty());
+    dragOver(view, *other, view.rectOf(location(0)).center());
+    EXPECT_TRUE(runUntil([&] { return !wanted.empty(); }));
+    EXPECT_THAT(wanted, ElementsAre("open place")) << "where it rests";
 }
 
 TEST_F(HomePage, SpeaksWhatItShows) {

@@ -150,16 +150,51 @@ TEST_F(Tree, PinsBetweenPinsAndMovesThem) {
 TEST_F(Tree, TakesItemsIntoFoldersAndOpensUnderADrag) {
     const auto items = PinDrag::dataOf(tree.url("place/other"), std::nullopt);
     drop(view, *items, textOf("b"));
-    drop(view, *items, textOf("b"), Qt::ControlModifier);
-    EXPECT_THAT(wanted, ElementsAre("move other to b", "copy other to b"));
-    dragOver(view, *items, textOf("Home"));
-    EXPECT_FALSE(isAccepted);
+    ASSERT_TRUE(runUntil([&] { return tree.exists("b/other"); }));
+    EXPECT_TRUE(tree.exists("place/other")) << "other programs' offers are copied first";
+    dragOver(view, *items, textOf("c"), Qt::ShiftModifier);
+    EXPECT_EQ(drops.effect().toStdString(), "Move to c");
+    drop(view, *items, textOf("c"), Qt::ShiftModifier);
+    EXPECT_TRUE(drops.effect().isEmpty());
+    ASSERT_TRUE(runUntil([&] { return tree.exists("c/other") && !tree.exists("place/other"); }));
     dragOver(view, *items, textOf("place"));
     EXPECT_TRUE(runUntilRow("inner"));
+    EXPECT_THAT(wanted, IsEmpty());
+}
+
+TEST_F(Tree, RefusesDropsAndSaysWhy) {
+    const auto place = PinDrag::dataOf(tree.url("place"), std::nullopt);
+    dragOver(view, *place, textOf("Home"));
+    EXPECT_FALSE(isAccepted);
+    EXPECT_TRUE(hasEntered) << "the rest of the way is heard of";
+    EXPECT_TRUE(drops.effect().isEmpty());
+    dragOver(view, *place, textOf("place"));
+    EXPECT_FALSE(isAccepted);
+    EXPECT_EQ(drops.effect().toStdString(), "Can’t move a folder into itself");
+    drop(view, *place, textOf("place"));
+    EXPECT_TRUE(services.services->center().jobs().empty());
     QMimeData text;
     text.setText(QStringLiteral("no file"));
     dragOver(view, text, textOf("b"));
-    EXPECT_FALSE(isAccepted);
+    EXPECT_FALSE(hasEntered);
+}
+
+TEST_F(Tree, ScrollsUnderADragAtItsEdge) {
+    view.resize(view.width(), 100);
+    QApplication::processEvents();
+    const auto items = PinDrag::dataOf(tree.url("place/other"), std::nullopt);
+    dragOver(view, *items, {100, view.viewport()->height() - 5});
+    EXPECT_TRUE(
+        runUntil([&] { return view.verticalScrollBar()->value() == view.verticalScrollBar()->maximum(); }));
+    QDragLeaveEvent leave;
+    QApplication::sendEvent(view.viewport(), &leave);
+    view.verticalScrollBar()->setValue(0);
+    QTest::qWait(100);
+    EXPECT_EQ(view.verticalScrollBar()->value(), 0);
+}
+
+TEST_F(Tree, LeavesSpaceAboveItsFirstRow) {
+    EXPECT_EQ(view.viewport()->mapTo(&view, view.visualRect(row("Home")).topLeft()).y(), 8);
 }
 
 TEST_F(Tree, SpeaksItsRows) {

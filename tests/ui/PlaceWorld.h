@@ -1,8 +1,10 @@
 #pragma once
 
+#include "browser/FileActions.h"
 #include "browser/HomeModel.h"
 #include "browser/ModelWorld.h"
 #include "browser/ServicesWorld.h"
+#include "ui/FolderDrop.h"
 #include "ui/PinDrag.h"
 #include "ui/PlaceIntents.h"
 #include "ui/ViewWorld.h"
@@ -43,17 +45,7 @@ protected:
         all.openInNewTab = note("tab");
         all.openInTabBehind = note("behind");
         all.copyPath = note("path");
-        all.dropEffect = [](const QMimeData&, const FileURL&, Qt::KeyboardModifiers modifiers,
-                            Qt::DropActions) {
-            const bool isCopy = modifiers.testFlag(Qt::ControlModifier);
-            return PlaceIntents::DropEffect{isCopy ? Qt::CopyAction : Qt::MoveAction,
-                                            QStringLiteral("somewhere")};
-        };
-        all.drop = [this](const QMimeData& items, const FileURL& folder, Qt::DropAction action) {
-            wanted.push_back(std::string(action == Qt::CopyAction ? "copy " : "move ") +
-                             std::string(PinDrag::itemsOf(items).at(0).name()) + " to " +
-                             std::string(folder.name()));
-        };
+        all.drops = &drops;
         return all;
     }
     [[nodiscard]] std::vector<std::string> pins() const {
@@ -75,6 +67,7 @@ protected:
                   Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
         QDragEnterEvent enter(at, allActions, &data, Qt::LeftButton, modifiers);
         QApplication::sendEvent(view.viewport(), &enter);
+        hasEntered = enter.isAccepted();
         QDragMoveEvent move(at, allActions, &data, Qt::LeftButton, modifiers);
         QApplication::sendEvent(view.viewport(), &move);
         isAccepted = move.isAccepted();
@@ -91,8 +84,12 @@ protected:
     ServicesWorld services;
     TempTree tree;
     std::unique_ptr<HomeModel> home;
+    FileActions actions{*services.services};
+    BrowserModel pane{realListings()};
+    FolderDrop drops{actions, theme, [this]() -> BrowserModel& { return pane; }};
     std::vector<std::string> wanted;
-    bool isAccepted = false;
+    bool hasEntered = false;
+    bool isAccepted = false; ///< where the drag was last
 };
 
 } // namespace ombrel::testing

@@ -1,7 +1,10 @@
 #include "ui/TabStrip.h"
 
 #include "browser/BrowserTabsModel.h"
+#include "browser/FileActions.h"
+#include "browser/ServicesWorld.h"
 #include "services/AppSettings.h"
+#include "ui/FolderDrop.h"
 #include "ui/GlyphButton.h"
 #include "ui/ViewWorld.h"
 
@@ -197,9 +200,15 @@ TEST_F(Strip, IsWholeWhileTabsComeAndGo) {
 
 class DragOverStrip : public Strip {
 protected:
-    DragOverStrip() { data.setUrls({QUrl::fromLocalFile(QString::fromStdString(folder("A").path()))}); }
+    DragOverStrip() {
+        data.setUrls({QUrl::fromLocalFile(QString::fromStdString(folder("A").path()))});
+        strip.setDrops(drops);
+    }
     Qt::DropAction moveTo(QPoint at) {
-        QDragEnterEvent event(at, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QDragEnterEvent enter(at, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&strip, &enter);
+        EXPECT_TRUE(enter.isAccepted());
+        QDragMoveEvent event(at, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
         QApplication::sendEvent(&strip, &event);
         return event.isAccepted() ? event.dropAction() : Qt::IgnoreAction;
     }
@@ -207,6 +216,9 @@ protected:
         QDropEvent event(at, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
         QApplication::sendEvent(&strip, &event);
     }
+    ServicesWorld services;
+    FileActions actions{*services.services};
+    FolderDrop drops{actions, quietTheme(), [this]() -> BrowserModel& { return tabs.activeTab(); }};
     QMimeData data;
 };
 
@@ -223,12 +235,10 @@ TEST_F(DragOverStrip, SpringsATabOpenAndDropsIntoItsFolder) {
     openUpTo("C");
     EXPECT_EQ(moveTo(on(0)), Qt::IgnoreAction);
     EXPECT_TRUE(runUntil([&] { return tabs.selectedIndex() == 0; }));
-    strip.offerDrop = [](const QDropEvent&, const FileURL&) { return Qt::MoveAction; };
-    std::optional<FileURL> target;
-    strip.performDrop = [&](const QDropEvent&, const FileURL& folder) { target = folder; };
-    EXPECT_EQ(moveTo(on(1)), Qt::MoveAction);
+    EXPECT_EQ(moveTo(on(1)), Qt::CopyAction);
+    EXPECT_EQ(drops.effect().toStdString(), "Copy to B");
     dropAt(on(1));
-    EXPECT_EQ(target, folder("B"));
+    EXPECT_TRUE(runUntil([&] { return tree.exists("B/A"); }));
 }
 
 TEST_F(Strip, IsAListOfPageTabsToAssistivePrograms) {
