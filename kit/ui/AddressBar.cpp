@@ -42,6 +42,7 @@ AddressBar::AddressBar(BrowserTabsModel& tabs, AppServices& services, const Them
       error_(new AddressError(theme, this)) {
     setAccessibleName(localized("ui.accessible.address"));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setFocusProxy(crumbs_);
     field_->hide();
     field_->installEventFilter(this);
     recent_->setAccessibleName(localized("ui.address.recent"));

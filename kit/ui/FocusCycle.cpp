@@ -16,8 +16,9 @@ bool takesFocus(const QWidget& widget) {
 
 bool enter(QWidget& area) {
     if (!area.isVisible()) return false;
-    QWidget* const proxy = area.focusProxy();
-    QWidget* candidate = proxy ? proxy : &area;
+    QWidget* candidate = &area;
+    while (QWidget* const proxy = candidate->focusProxy())
+        candidate = proxy;
     // The chain goes once around the window.
     for (const QWidget* const first = candidate;
          !takesFocus(*candidate) || !(candidate == &area || area.isAncestorOf(candidate));) {
