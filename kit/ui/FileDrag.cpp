@@ -107,7 +107,7 @@ QVariant FileDrag::retrieveData(const QString& format, QMetaType) const {
         for (const FileReference& item : items_->items())
             urls.push_back(item.url);
         for (auto& entry : ClipboardFormats::filesOf(urls, ClipboardFormats::Marking::copied, {}))
-            made_.insert(QString::fromStdString(entry.format), QByteArray::fromStdString(entry.bytes));
+            made_.insert(QString::fromStdString(entry.format), QByteArray::fromStdString(entry.bytes()));
     }
     return made_.contains(format) ? QVariant(made_.value(format)) : QVariant();
 }
