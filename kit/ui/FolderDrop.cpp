@@ -59,7 +59,8 @@ FolderDrop::FolderDrop(FileActions& actions, const Theme& theme, std::function<B
     : QObject(parent), actions_(&actions), theme_(&theme), pane_(std::move(pane)) {}
 
 FolderDrop::~FolderDrop() {
-    delete label_;
+    // A window that goes may be about to delete it itself.
+    if (label_) label_->deleteLater();
 }
 
 bool FolderDrop::enter(const QDropEvent& event, QWidget& target) {
