@@ -62,6 +62,7 @@ PictureSeries::~PictureSeries() = default;
 
 int PictureSeries::make() {
     if (!QDir(folder_).exists() && !QDir().mkdir(folder_)) {
+        const QtConnections connections(InterfaceLanguage::choose());
         complain(localized("app.error.pictureFolder", {FileName::displayText(folder_.toStdString())}));
         return 1;
     }
