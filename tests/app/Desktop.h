@@ -2,7 +2,9 @@
 
 #include "support/ChildProcess.h"
 
+#include <QImage>
 #include <QPoint>
+#include <QRect>
 
 #include <memory>
 #include <string>
@@ -21,9 +23,14 @@ public:
     Desktop(const Desktop&) = delete;
     Desktop& operator=(const Desktop&) = delete;
 
-    /// Starts `words` on the display. Fonts are as large as the sizes in the theme's tables are given for,
-    /// where the machine's default font has usual proportions.
-    [[nodiscard]] std::unique_ptr<ChildProcess> start(const std::vector<std::string>& words) const;
+    /// A bus of the test's own, which takes every user; nothing when the machine has no program for it.
+    /// `address` is where it is reached.
+    [[nodiscard]] static std::unique_ptr<ChildProcess> openBus(const std::string& configPath,
+                                                               std::string& address);
+
+    /// Starts `words` on the display, where the programs' pixels are those of the screen.
+    [[nodiscard]] std::unique_ptr<ChildProcess> start(const std::vector<std::string>& words,
+                                                      ChildProcess::Setting setting = {}) const;
     /// What is started from now on is on the bus that has this address; before, on none.
     void setBus(std::string address) { busAddress_ = std::move(address); }
 
@@ -33,11 +40,20 @@ public:
     [[nodiscard]] std::string title() const;
     /// Waits until the window with the focus is called `title`.
     [[nodiscard]] bool hasTitle(const std::string& title) const;
-    /// In pixels, of the window with the focus; 0 when there is none.
-    [[nodiscard]] int windowWidth() const;
-    /// A point inside the window with the focus.
-    void click(QPoint at, int times = 1) const;
     void key(const std::string& name) const { hand({"key", "--clearmodifiers", name}); }
+    void type(const std::string& text) const { hand({"type", "--clearmodifiers", "--delay", "2", text}); }
+
+    // In what follows points are of the screen.
+    void clickAt(QPoint at, int button = 1, int times = 1) const;
+    /// Presses `button` at the first point and moves to the second one, by way of others; the button stays
+    /// down.
+    void beginDrag(QPoint from, QPoint to, int button = 1) const;
+    void moveTo(QPoint at) const;
+    void release(int button = 1) const { hand({"mouseup", std::to_string(button)}); }
+    /// How many windows of the program `name` are to be seen, its menus counted.
+    [[nodiscard]] int windowCount(const std::string& name) const;
+    /// What is on the screen there; null when it could not be taken.
+    [[nodiscard]] QImage picture(const QRect& of) const;
 
 private:
     explicit Desktop(std::unique_ptr<ChildProcess> server, std::string display);
