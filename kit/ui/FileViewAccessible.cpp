@@ -107,12 +107,18 @@ QString FileViewAccessible::text(QAccessible::Text what) const {
     return what == QAccessible::Name ? localized("ui.accessible.files") : QAccessibleWidget::text(what);
 }
 
+int FileViewAccessible::rowCount() const {
+    constexpr std::size_t mostRows = INT_MAX / 2; // the widgets come on top
+    return static_cast<int>(std::min(view().model().items().size(), mostRows));
+}
+
 int FileViewAccessible::childCount() const {
-    return static_cast<int>(std::min<std::size_t>(view().model().items().size(), INT_MAX));
+    return rowCount() + QAccessibleWidget::childCount();
 }
 
 QAccessibleInterface* FileViewAccessible::child(int index) const {
-    if (index < 0 || index >= childCount()) return nullptr;
+    if (index < 0) return nullptr;
+    if (index >= rowCount()) return QAccessibleWidget::child(index - rowCount());
     if (const auto known = rows_.find(index); known != rows_.end())
         return QAccessible::accessibleInterface(known->second);
     if (rows_.size() >= keptRows) const_cast<FileViewAccessible*>(this)->forgetRows();
@@ -122,18 +128,21 @@ QAccessibleInterface* FileViewAccessible::child(int index) const {
 }
 
 int FileViewAccessible::indexOfChild(const QAccessibleInterface* child) const {
-    const auto* const row = dynamic_cast<const Row*>(child);
-    return row ? row->index() : -1;
+    if (const auto* const row = dynamic_cast<const Row*>(child)) return row->index();
+    const int widget = QAccessibleWidget::indexOfChild(child);
+    return widget < 0 ? widget : widget + rowCount();
 }
 
 QAccessibleInterface* FileViewAccessible::childAt(int x, int y) const {
-    const auto row = view().rowAt(view().viewport()->mapFromGlobal(QPoint(x, y)));
-    return row ? child(static_cast<int>(*row)) : nullptr;
+    const QPoint at = view().viewport()->mapFromGlobal(QPoint(x, y));
+    // What lies over the rows hides them.
+    const auto row = view().viewport()->childAt(at) ? std::nullopt : view().rowAt(at);
+    return row ? child(static_cast<int>(*row)) : QAccessibleWidget::childAt(x, y);
 }
 
 QAccessibleInterface* FileViewAccessible::focusChild() const {
     const auto current = view().model().row(Place::current);
-    return view().hasFocus() && current ? child(static_cast<int>(*current)) : nullptr;
+    return view().hasFocus() && current ? child(static_cast<int>(*current)) : QAccessibleWidget::focusChild();
 }
 
 } // namespace ombrel

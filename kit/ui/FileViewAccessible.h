@@ -8,8 +8,8 @@ namespace ombrel {
 
 class FileView;
 
-/// A file view as assistive programs see it: a list with one item a row. Items are made as they are asked
-/// for.
+/// A file view as assistive programs see it: a list with one item a row, and behind them the widgets in it:
+/// its header, and what lies over the rows. Items are made as they are asked for.
 class FileViewAccessible final : public QAccessibleWidget {
 public:
     /// Makes Qt ask here for all file views; once a program, any number of times.
@@ -30,6 +30,7 @@ public:
 
 private:
     [[nodiscard]] FileView& view() const;
+    [[nodiscard]] int rowCount() const;
     mutable std::unordered_map<int, QAccessible::Id> rows_;
 };
 
