@@ -137,7 +137,11 @@ QAccessibleInterface* FileViewAccessible::childAt(int x, int y) const {
     const QPoint at = view().viewport()->mapFromGlobal(QPoint(x, y));
     // What lies over the rows hides them.
     const auto row = view().viewport()->childAt(at) ? std::nullopt : view().rowAt(at);
-    return row ? child(static_cast<int>(*row)) : QAccessibleWidget::childAt(x, y);
+    if (row) return child(static_cast<int>(*row));
+    for (int i = rowCount(); i < childCount(); ++i)
+        if (auto* const widget = child(i); !widget->state().invisible && widget->rect().contains(x, y))
+            return widget;
+    return nullptr;
 }
 
 QAccessibleInterface* FileViewAccessible::focusChild() const {
