@@ -129,7 +129,7 @@ TEST_F(PropertiesTest, ShowHowFullAVolumeIs) {
     volume.availableCapacity = Metadata<std::int64_t>(std::int64_t{5} << 30);
     const auto& shown = show(volume);
     EXPECT_THAT(valueOf(shown, "File system"), HasSubstr("exFAT"));
-    EXPECT_THAT(valueOf(shown, "Used"), HasSubstr("95 GB"));
+    EXPECT_THAT(valueOf(shown, "Used"), HasSubstr("95.0 GB"));
     EXPECT_THAT(valueOf(shown, "Free"), HasSubstr("5.0 GB"));
     auto* const bar = shown.findChild<CapacityBar*>();
     ASSERT_TRUE(bar->isVisible());
