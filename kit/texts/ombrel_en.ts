@@ -636,6 +636,12 @@
     <message id="ui.tooltip.stop"><source></source><translation>Stop</translation></message>
     <message id="ui.tooltip.upTo"><source></source><translation>Up to “{1}”</translation></message>
     <message id="ui.tooltip.withShortcut"><source></source><translation>{1} ({2})</translation></message>
+    <message id="ui.transfer.chooseFolder"><source></source><translation>Choose folder…</translation></message>
+    <message id="ui.transfer.copyMessage"><source></source><translation>Choose the folder to copy to</translation></message>
+    <message id="ui.transfer.copyTo"><source></source><translation>Copy to</translation></message>
+    <message id="ui.transfer.folderIn"><source></source><translation>{1} ({2})</translation></message>
+    <message id="ui.transfer.moveMessage"><source></source><translation>Choose the folder to move to</translation></message>
+    <message id="ui.transfer.moveTo"><source></source><translation>Move to</translation></message>
     <message id="ui.tree.loading"><source></source><translation>Loading…</translation></message>
     <message id="ui.view.compactRows"><source></source><translation>Compact rows</translation></message>
     <message id="ui.view.details"><source></source><translation>Details</translation></message>

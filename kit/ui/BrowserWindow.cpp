@@ -16,6 +16,7 @@
 #include "ui/FocusRing.h"
 #include "ui/FolderDrop.h"
 #include "ui/FolderOptionsDialog.h"
+#include "ui/FolderPickerDialog.h"
 #include "ui/HomeView.h"
 #include "ui/JobChip.h"
 #include "ui/LocalizedText.h"
@@ -33,6 +34,7 @@
 #include "ui/StatusBar.h"
 #include "ui/TabStrip.h"
 #include "ui/Theme.h"
+#include "ui/TransferMenus.h"
 #include "ui/ViewModeActions.h"
 #include "ui/WindowActions.h"
 #include "ui/WindowDetails.h"
@@ -51,6 +53,7 @@
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
+#include <memory>
 #include <utility>
 
 namespace ombrel {
@@ -195,7 +198,13 @@ void BrowserWindow::fillMenusWithFiles() {
     context.fillOpenWith = [this](QMenu& menu, BrowserModel& pane) {
         windowOpening_->fillOpenWith(menu, pane);
     };
+    auto* const transfers = new TransferMenus(
+        *this,
+        {.theme = *theme_, .services = *services_, .commands = commands_, .transfers = files_.transfers()},
+        std::make_unique<FolderPickerDialog>([this] { return this; }));
+    context.addTransfers = [transfers](QMenu& menu, BrowserModel& pane) { transfers->addTo(menu, pane); };
     auto& menus = menus_->owners();
+    menus.addTransfers = [this, transfers](QMenu& menu) { transfers->addTo(menu, model()); };
     menus.showSettings = [this] { SettingsWindow::open(*theme_, *services_); };
     menus.showFolderOptions = [this] {
         (new FolderOptionsDialog(*theme_, services_->settings(), this))->open();

@@ -81,7 +81,8 @@ void ContextMenu::addOpening(QMenu& menu, BrowserModel& pane) {
     const Traits traits = traitsOf(pane, setting_.services.clipboard());
     add(menu, {FileCommand::open}, Which::bound);
     menu.setDefaultAction(setting_.actions.of(FileCommand::open));
-    if (traits.areFiles && owners_.fillOpenWith) {
+    const bool isOneFolder = traits.areFolders && pane.selection().count() == 1;
+    if ((traits.areFiles || isOneFolder) && owners_.fillOpenWith) {
         auto* const with =
             menu.addMenu(glyphIcon(setting_.theme, Glyph::grid), localized("ui.command.openWith"));
         // At once, so that it is known by the time the menu opens what opens them.
@@ -103,6 +104,7 @@ void ContextMenu::addClipboard(QMenu& menu, BrowserModel& pane) {
         connect(paste, &QAction::triggered, this, [this, &pane] { owners_.pasteIntoSelected(pane); });
     }
     if (traits.hasCutOnes) add(menu, {FileCommand::cancelCut}, Which::bound);
+    if (owners_.addTransfers) owners_.addTransfers(menu, pane);
 }
 
 void ContextMenu::addDeletion(QMenu& menu) {

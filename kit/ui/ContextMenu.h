@@ -26,8 +26,11 @@ class ContextMenu final : public QObject {
 public:
     /// What is offered and somebody else does; without it it is left out.
     struct Owners {
-        /// Appends the applications that open what is selected, and the way to others.
+        /// Appends the applications that open the selected files or the selected folder, and the way to
+        /// others.
         std::function<void(QMenu&, BrowserModel&)> fillOpenWith = {};
+        /// Appends the menus of the folders that what is selected can be brought to.
+        std::function<void(QMenu&, BrowserModel&)> addTransfers = {};
         /// Whether something can be pasted, and into the one folder that is selected.
         std::function<bool()> canPaste = {};
         std::function<void(BrowserModel&)> pasteIntoSelected = {};

@@ -207,8 +207,11 @@ void OmbrelStyle::drawMenuItem(const QStyleOptionMenuItem& option, QPainter& pai
     painter.setFont(option.font);
     painter.setPen(ink);
     const auto parts = option.text.split(QLatin1Char('\t'));
+    const QFontMetrics metrics(option.font);
+    const int shortcut = parts.size() > 1 ? metrics.horizontalAdvance(parts.constLast()) : 0;
     painter.drawText(textBox, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextShowMnemonic | Qt::TextSingleLine,
-                     parts.constFirst());
+                     metrics.elidedText(parts.constFirst(), Qt::ElideMiddle, textBox.width() - shortcut,
+                                        Qt::TextShowMnemonic));
     if (option.menuItemType == QStyleOptionMenuItem::SubMenu) {
         const QRect arrow(textBox.right() - glyph / 2, glyphBox.top(), glyph, glyph);
         Glyphs::draw(painter, option.direction == Qt::RightToLeft ? Glyph::chevronLeft : Glyph::chevronRight,

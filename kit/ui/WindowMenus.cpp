@@ -142,6 +142,10 @@ void WindowMenus::fillMore(QMenu& menu) {
     };
     add({FileCommand::undo, FileCommand::redo});
     add({FileCommand::selectAll, FileCommand::copyPath, FileCommand::openInTerminal});
+    if (owners_.addTransfers) {
+        menu.addSeparator();
+        owners_.addTransfers(menu);
+    }
     add({FileCommand::compress, FileCommand::extract, FileCommand::moveIntoNewFolder,
          FileCommand::dissolveFolder});
     add({FileCommand::newWindow});

@@ -30,6 +30,8 @@ public:
     struct Owners {
         /// Appends what new files can be made from.
         std::function<void(QMenu&)> fillTemplates = {};
+        /// Appends the menus of the folders that what is selected can be brought to.
+        std::function<void(QMenu&)> addTransfers = {};
         std::function<void()> showFolderOptions = {};
         std::function<void()> showSettings = {};
         std::function<void()> showAbout = {};

@@ -5,6 +5,7 @@
 
 #include <QObject>
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -34,14 +35,19 @@ public:
     /// Belongs to `window`; all of `setting` must outlive the window's widgets.
     WindowOpening(QWidget& window, const Setting& setting);
 
-    /// Appends the applications that open what is selected, the default one first, when they are known, and
-    /// the way to all others.
+    /// Appends, when they are known, the applications that open the selected files, the default one first, or
+    /// those that opened folders last, where one is selected; and the way to all others.
     void fillOpenWith(QMenu& menu, BrowserModel& pane);
-    /// Lets the user choose what opens the items.
+    /// Lets the user choose what opens the files.
     void chooseApplication(BrowserModel& pane, const std::vector<FileURL>& items);
     void openInNewWindow(const FileURL& folder);
 
 private:
+    enum class Subject : std::uint8_t { files, folder };
+
+    void choose(BrowserModel& pane, const std::vector<FileURL>& items, Subject subject);
+    void open(BrowserModel& pane, const std::vector<FileURL>& items, Subject subject,
+              const DesktopApplication& application);
     void openAlways(const std::vector<std::string>& types, const DesktopApplication& application);
 
     Setting setting_;

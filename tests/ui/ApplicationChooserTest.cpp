@@ -176,6 +176,26 @@ TEST_F(Opening, OffersApplicationsInTheMenuAndAllOthersInADialog) {
     EXPECT_EQ(count("default Editor of text/plain"), 0);
 }
 
+TEST_F(Opening, OffersForAFolderWhatOpenedFoldersLast) {
+    select(window.model(), {"Reports"});
+    QMenu first;
+    window.contextMenu().fill(first, window.model());
+    ASSERT_TRUE(runUntilQuiet());
+    EXPECT_EQ(entry(first, "Editor"), nullptr) << "not everything that could";
+    entry(first, "Other application…")->trigger();
+    ASSERT_TRUE(runUntil([&] { return shown<ApplicationChooser>() != nullptr; }));
+    EXPECT_FALSE(shown<ApplicationChooser>()->always().isVisible());
+    choose("Editor", false);
+    EXPECT_TRUE(runUntilCalled("Editor Reports"));
+    EXPECT_THAT(settings.recentFolderApps(), ElementsAre(ScriptedWorkspace::editor().file));
+
+    QMenu second;
+    window.contextMenu().fill(second, window.model());
+    ASSERT_TRUE(runUntil([&] { return entry(second, "Editor") != nullptr; }));
+    entry(second, "Editor")->trigger();
+    EXPECT_TRUE(runUntil([&] { return count("Editor Reports") == 2; }));
+}
+
 TEST_F(Opening, AsksWhatOpensAFileThatNothingOpens) {
     workspace->problems["one.txt"] = {.url = tree.url("Projects/one.txt"),
                                       .text = Text{"open.error.noApplication"},

@@ -190,8 +190,8 @@ TEST_F(WindowFrame, OffersWhatFitsTheItems) {
                             "Move into new folder", "Create desktop shortcut", "-", "Properties"));
     select(window.model(), {"Reports"});
     EXPECT_THAT(contextMenu(),
-                ElementsAre("Open", "Open in new tab", "Open in new window", "Open in terminal", "-", "Cut",
-                            "Copy", "Copy path", "Paste", "-", "Rename", "Move to trash",
+                ElementsAre("Open", "Open with", "Open in new tab", "Open in new window", "Open in terminal",
+                            "-", "Cut", "Copy", "Copy path", "Paste", "-", "Rename", "Move to trash",
                             "Delete permanently", "-", "Compress to ZIP file", "Move into new folder",
                             "Create desktop shortcut", "Pin to quick access", "-", "Properties"));
     select(window.model(), {});
