@@ -120,6 +120,8 @@ void CrumbBar::rebuild(const std::vector<QString>& names) {
         pairs_.push_back(pair);
     }
     arrange();
+    // Made last, it would come last in the window.
+    if (!pairs_.empty()) setTabOrder(collapsed_, pairs_.back().name);
     setFocusProxy(pairs_.empty() ? nullptr : pairs_.back().name);
     if (hadFocus && !pairs_.empty()) pairs_.back().name->setFocus(Qt::OtherFocusReason);
 }

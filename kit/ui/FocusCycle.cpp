@@ -34,8 +34,13 @@ void advance(const std::vector<QWidget*>& stops, Direction direction) {
     const auto holds = [focused](const QWidget* stop) {
         return stop == focused || stop->isAncestorOf(focused);
     };
+    const auto standsBeside = [focused](const QWidget* stop) {
+        const QWidget* const parent = stop->parentWidget();
+        return parent && !parent->isWindow() && parent->isAncestorOf(focused);
+    };
     const auto count = static_cast<std::ptrdiff_t>(stops.size());
-    const auto found = std::ranges::find_if(stops, holds);
+    auto found = std::ranges::find_if(stops, holds);
+    if (found == stops.end()) found = std::ranges::find_if(stops, standsBeside);
     const std::ptrdiff_t step = direction == Direction::forward ? 1 : -1;
     std::ptrdiff_t index = found == stops.end() ? (step > 0 ? -1 : 0) : found - stops.begin();
     for (std::ptrdiff_t tries = 0; tries < count; ++tries) {

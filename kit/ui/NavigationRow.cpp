@@ -18,9 +18,7 @@ namespace ombrel {
 
 NavigationRow::NavigationRow(BrowserTabsModel& tabs, AppServices& services, const Theme& theme,
                              const FileURL& home, const Actions& actions, QWidget* parent)
-    : QWidget(parent), theme_(&theme), tabs_(&tabs),
-      address_(new AddressBar(tabs, services, theme, home, this)),
-      search_(new SearchField(tabs, theme, this)), refreshing_(actions.refresh),
+    : QWidget(parent), theme_(&theme), tabs_(&tabs), refreshing_(actions.refresh),
       stop_(new QAction(localized("ui.tooltip.stop"), this)) {
     auto* const row = new QHBoxLayout(this);
     const auto add = [&](Glyph glyph, QAction* action) {
@@ -34,6 +32,9 @@ NavigationRow::NavigationRow(BrowserTabsModel& tabs, AppServices& services, cons
     add(Glyph::up, actions.up);
     refresh_ = add(Glyph::refresh, actions.refresh);
     connect(stop_, &QAction::triggered, this, [this] { tabs_->activeTab().stopSearch(); });
+    // Tab takes them in the order in which they are made.
+    address_ = new AddressBar(tabs, services, theme, home, this);
+    search_ = new SearchField(tabs, theme, this);
     row->addSpacing(theme.size(ThemeSize::space8));
     row->addWidget(address_, 1);
     row->addSpacing(theme.size(ThemeSize::space8));

@@ -43,8 +43,8 @@ private:
     void followPane();
     void refreshStop();
     BrowserTabsModel* tabs_;
-    AddressBar* address_;
-    SearchField* search_;
+    AddressBar* address_ = nullptr;
+    SearchField* search_ = nullptr;
     GlyphButton* refresh_ = nullptr;
     QAction* refreshing_;
     QAction* stop_;

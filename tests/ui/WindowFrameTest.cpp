@@ -4,10 +4,13 @@
 #include "ui/BarButton.h"
 #include "ui/CommandBar.h"
 #include "ui/ContextMenu.h"
+#include "ui/GlyphButton.h"
 #include "ui/JobChip.h"
 #include "ui/NavigationRow.h"
 #include "ui/PaneSplitter.h"
+#include "ui/SearchField.h"
 #include "ui/StatusBar.h"
+#include "ui/TabStrip.h"
 #include "ui/WindowActions.h"
 #include "ui/WindowMenus.h"
 #include "ui/WindowWorld.h"
@@ -297,6 +300,37 @@ TEST_F(WindowFrame, LeadsTheKeyboardAroundByF6) {
     EXPECT_THAT(std::vector(address, address + 3), ElementsAre(row, row, bar)) << "address, search, commands";
     press(Qt::Key_F6, Qt::ShiftModifier, QApplication::focusWidget());
     EXPECT_EQ(stopOf(QApplication::focusWidget()), stops.back());
+
+    // The buttons beside the address belong to it.
+    auto* const refresh = row->findChildren<GlyphButton*>(QString(), Qt::FindDirectChildrenOnly).constLast();
+    refresh->setFocus();
+    press(Qt::Key_F6, Qt::NoModifier, refresh);
+    EXPECT_TRUE(row->findChild<SearchField*>()->isAncestorOf(QApplication::focusWidget()));
+    refresh->setFocus();
+    press(Qt::Key_F6, Qt::ShiftModifier, refresh);
+    EXPECT_EQ(QApplication::focusWidget(), window.findChild<TabStrip*>());
+}
+
+TEST_F(WindowFrame, LeadsTabThroughTheAddressAsItIsSeen) {
+    for (const auto* folder : {"Projects/Reports", "Projects"}) {
+        open(tree.url(folder));
+        auto* const row = window.findChild<NavigationRow*>();
+        auto* const up = row->findChildren<GlyphButton*>(QString(), Qt::FindDirectChildrenOnly).at(2);
+        up->setFocus();
+        std::vector<int> places;
+        std::vector<std::string> names;
+        for (QWidget* at = up; row->isAncestorOf(at); at = QApplication::focusWidget()) {
+            ASSERT_LT(places.size(), 12U);
+            places.push_back(at->mapTo(row, QPoint()).x());
+            if (const auto* button = qobject_cast<QAbstractButton*>(at))
+                names.push_back(button->accessibleName().toStdString());
+            press(Qt::Key_Tab, Qt::NoModifier, at);
+        }
+        EXPECT_TRUE(std::ranges::is_sorted(places)) << ::testing::PrintToString(places);
+        EXPECT_THAT(names,
+                    ElementsAre("Up", "Refresh", std::string(tree.url(folder).name()), "Recent addresses"));
+        EXPECT_EQ(places.size(), names.size() + 1) << "and the search";
+    }
 }
 
 TEST_F(WindowFrame, TellsOfJobsInAChip) {
