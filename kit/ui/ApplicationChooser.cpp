@@ -59,6 +59,8 @@ void ApplicationChooser::layOut(const QString& title) {
     filter_->setPlaceholderText(filterName);
     filter_->setAccessibleName(filterName);
     filter_->setMinimumHeight(theme_->size(ThemeSize::button));
+    const int beside = theme_->size(ThemeSize::space6);
+    filter_->setTextMargins(beside, 0, beside, 0);
     filter_->installEventFilter(this);
     connect(filter_, &QLineEdit::textChanged, this, [this](const QString& text) {
         list_->filter(text.trimmed());

@@ -330,8 +330,8 @@ int OmbrelStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWi
     constexpr int subMenuDelay = 200; // milliseconds
     switch (hint) {
     case SH_ScrollBar_LeftClickAbsolutePosition:
-    case SH_UnderlineShortcut: return 0;
-    case SH_ScrollView_FrameOnlyAroundContents: return 1;
+    case SH_UnderlineShortcut:
+    case SH_ScrollView_FrameOnlyAroundContents: return 0;
     case SH_Menu_SubMenuPopupDelay: return subMenuDelay;
     case SH_FocusFrame_AboveWidget:
     // Names have no underlined letters: typing jumps to them.

@@ -112,7 +112,8 @@ void QuickLookWindow::layOut() {
     text_->setReadOnly(true);
     text_->setUndoRedoEnabled(false);
     text_->setFrameStyle(QFrame::NoFrame);
-    text_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    // Without a cursor: keys scroll, or select and copy all.
+    text_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     text_->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(text_, &QWidget::customContextMenuRequested, this, &QuickLookWindow::showTextMenu);
     cut_->setText(
