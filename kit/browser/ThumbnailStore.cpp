@@ -73,26 +73,30 @@ struct Answer {
     QImage image;
 };
 
+/// What the cache holds, better too small than none at all; what it comes to without that is `otherwise`.
+Answer findAny(const Job& job, const ThumbnailCache& cache, Outcome otherwise) {
+    const auto image = cache.find(job.original, ThumbnailCache::sizeFor(job.key.box), true);
+    if (image) return {job, Outcome::found, ImageThumbnails::fitted(*image, job.key.box)};
+    return {job, otherwise, {}};
+}
+
 Answer find(const Job& job, const ThumbnailCache& cache, const ThumbnailStore::Setting& setting) {
-    const auto size = ThumbnailCache::sizeFor(job.key.box);
-    const bool isLast = job.stage == Stage::findAgain;
-    auto image = cache.find(job.original, size, isLast);
+    const auto image = cache.find(job.original, ThumbnailCache::sizeFor(job.key.box), false);
     if (image) return {job, Outcome::found, ImageThumbnails::fitted(*image, job.key.box)};
     if (cache.holds(job.key.url)) return {job, Outcome::none, {}};
     const bool isHopeless = cache.isKnownToFail(job.original) || setting.isOnNetwork(job.key.url);
-    if (!isHopeless) return {job, Outcome::missing, {}};
-    image = cache.find(job.original, size, true);
-    if (image) return {job, Outcome::found, ImageThumbnails::fitted(*image, job.key.box)};
-    return {job, Outcome::none, {}};
+    const bool isLastResort = job.stage == Stage::findAgain && !ImageThumbnails::canMake(job.original.type);
+    if (isHopeless || isLastResort) return findAny(job, cache, Outcome::none);
+    return {job, Outcome::missing, {}};
 }
 
 Answer make(const Job& job, const ThumbnailCache& cache) {
     const auto size = ThumbnailCache::sizeFor(job.key.box);
     const auto made = ImageThumbnails::make(job.original, ThumbnailCache::pixels(size));
-    if (!made) return {job, Outcome::changed, {}};
+    if (!made) return findAny(job, cache, Outcome::changed);
     if (made->image.isNull()) {
         cache.keepFailure(job.original);
-        return {job, Outcome::none, {}};
+        return findAny(job, cache, Outcome::none);
     }
     cache.keep(job.original, size, made->image, made->dimensions);
     return {job, Outcome::found, ImageThumbnails::fitted(made->image, job.key.box)};

@@ -117,6 +117,27 @@ TEST_F(Thumbnails, OfNetworkVolumesAreThoseInTheCacheAlone) {
     EXPECT_EQ(wait(store, "kept.png", {224, 192}).size(), QSize(128, 96));
 }
 
+TEST_F(Thumbnails, AreMadeAnewWhereTheCacheHoldsSmallerOnes) {
+    constexpr QSize larger{252, 158};
+    image("a.png", {600, 420});
+    image("broken.png", {600, 420});
+    list();
+    const auto path = tree.path("broken.png");
+    const auto modified = std::filesystem::last_write_time(path);
+    auto withService = setting();
+    withService.asksService = true; // where there is none
+    ThumbnailStore store(withService);
+    EXPECT_EQ(wait(store, "a.png").size(), QSize(112, 77));
+    EXPECT_EQ(wait(store, "broken.png").size(), QSize(112, 77));
+    EXPECT_EQ(wait(store, "a.png", larger).size(), QSize(225, 158));
+    EXPECT_EQ(QImage(QString::fromStdString(placeOf("a.png", "large"))).size(), QSize(256, 179));
+
+    // The same file as far as can be seen, but not to be read any more.
+    tree.file("broken.png", std::string(std::filesystem::file_size(path), 'x'));
+    std::filesystem::last_write_time(path, modified);
+    EXPECT_EQ(wait(store, "broken.png", larger).size(), QSize(128, 89)) << "better a small one than none";
+}
+
 TEST_F(Thumbnails, KeepToTheirBudgetAndForgetWhatNobodyWants) {
     for (int i = 0; i < 12; ++i)
         image("p" + std::to_string(10 + i) + ".png");
