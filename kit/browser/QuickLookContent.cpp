@@ -66,6 +66,23 @@ std::string_view withoutCutCharacter(std::string_view bytes) {
     return bytes;
 }
 
+/// A line without end, as in data that programs wrote, would take a view seconds to lay out.
+QString withBrokenLines(const QString& text) {
+    constexpr qsizetype longestLine = 2000;
+    QString broken;
+    broken.reserve(text.size() + text.size() / longestLine);
+    qsizetype length = 0;
+    for (const QChar character : text) {
+        length = character == QLatin1Char('\n') ? 0 : length + 1;
+        if (length > longestLine && !character.isLowSurrogate()) {
+            broken += QLatin1Char('\n');
+            length = 1;
+        }
+        broken += character;
+    }
+    return broken;
+}
+
 } // namespace
 
 std::optional<QString> QuickLookContent::decoded(std::string_view bytes, End end) {
@@ -111,7 +128,7 @@ void QuickLookContent::look(const FileItem& item, QSize room) {
                     auto text = decoded(bytes, found.isCut ? End::cut : End::whole);
                     if (text && !bytes.empty()) {
                         found.kind = Kind::text;
-                        found.text = *std::move(text);
+                        found.text = withBrokenLines(*text);
                     }
                 }
                 if (stop.stop_requested()) return;

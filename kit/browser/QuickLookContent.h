@@ -51,6 +51,7 @@ public:
     [[nodiscard]] const std::optional<FileItem>& item() const noexcept { return item_; }
     [[nodiscard]] const ItemValues& values() const noexcept { return values_; }
     [[nodiscard]] const QImage& image() const noexcept { return image_; }
+    /// Lines of more than 2,000 characters are broken.
     [[nodiscard]] const QString& text() const noexcept { return text_; }
     /// Whether the text goes on.
     [[nodiscard]] bool isCut() const noexcept { return isCut_; }

@@ -8,11 +8,11 @@
 #include "ui/FolderIcon.h"
 #include "ui/GlyphIcon.h"
 #include "ui/LocalizedText.h"
+#include "ui/PlainToolTip.h"
 
 #include <QAction>
 #include <QMenu>
 #include <QPointer>
-#include <QTextDocument>
 #include <QWidget>
 
 #include <algorithm>
@@ -59,11 +59,6 @@ QString tellingName(const FileURL& folder, const std::vector<FileURL>& all) {
     const FileURL parent = folder.parent();
     return localized("ui.transfer.folderIn",
                      {isolated(name), isolated(hasCousin ? parent.path() : nameOf(parent))});
-}
-
-/// As it stands, even where it looks like markup.
-QString plainToolTip(const QString& text) {
-    return Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text;
 }
 
 std::optional<KnownFolder> knownAs(const FileURL& folder, const KnownFolders& known) {

@@ -190,7 +190,9 @@ TEST_F(QuickLook, SaysThatALongTextGoesOnAndLetsItBeCopied) {
     };
     EXPECT_TRUE(isSaid());
     QTest::keyClick(&look()->text(), Qt::Key_A, Qt::ControlModifier);
-    EXPECT_EQ(look()->text().textCursor().selectedText().size(),
+    QString all = look()->text().textCursor().selectedText();
+    EXPECT_GT(look()->text().blockCount(), 100) << "a line without end is broken";
+    EXPECT_EQ(all.remove(QChar::ParagraphSeparator).size(),
               static_cast<qsizetype>(QuickLookContent::mostText));
     QTest::keyClick(&look()->text(), Qt::Key_Z);
     EXPECT_TRUE(look()->text().isReadOnly());
