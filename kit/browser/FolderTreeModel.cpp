@@ -4,6 +4,7 @@
 #include "base/MainThread.h"
 #include "base/Text.h"
 #include "base/Worker.h"
+#include "browser/FolderTreeFollower.h"
 #include "listing/SubfolderProbe.h"
 
 #include <algorithm>
@@ -79,7 +80,8 @@ FolderTreeModel::FolderTreeModel(AppServices& services, HomeModel& home, const L
                                  QObject* parent)
     : QAbstractItemModel(parent), services_(services), home_(home),
       listings_(FolderBranch::inTurns(listings, services.treeLimiter())),
-      filter_(filterOf(services.settings())), root_(std::make_unique<Node>()) {
+      filter_(filterOf(services.settings())), root_(std::make_unique<Node>()),
+      follower_(std::make_unique<FolderTreeFollower>(*this)) {
     root_->children = topRows();
     connect(&home, &HomeModel::changed, this, &FolderTreeModel::rebuildTop);
     connect(&services.settings(), &AppSettings::changed, this, &FolderTreeModel::refilter);
@@ -363,6 +365,18 @@ bool FolderTreeModel::isOpen(const QModelIndex& index) const {
     return node && node->branch;
 }
 
+bool FolderTreeModel::isReading(const QModelIndex& index) const {
+    return isOpen(index) && !nodeOf(index)->branch->isComplete() && !nodeOf(index)->branch->failure();
+}
+
+QModelIndex FolderTreeModel::child(const QModelIndex& parent, std::string_view name) const {
+    if (!isOpen(parent)) return {};
+    const auto& items = nodeOf(parent)->branch->items();
+    for (std::size_t row = 0; row < items.size(); ++row)
+        if (items[row].name() == name) return index(static_cast<int>(row), 0, parent);
+    return {};
+}
+
 void FolderTreeModel::open(const QModelIndex& index) {
     if (!index.isValid() || isOpen(index) || !canOpen(index)) return;
     const Entry shown = entry(index);
@@ -377,7 +391,7 @@ void FolderTreeModel::open(const QModelIndex& index) {
         node->url = shown.url;
         above->children.push_back(std::move(made));
     }
-    closedByHand_.erase(handKey(topOf(*node), *node->url));
+    follower_->noteOpened(index);
     node->branch = std::make_unique<FolderBranch>(
         *node->url, listings_, filter_,
         [this, node](const std::function<void()>& made) { change(*node, made); });
@@ -390,7 +404,7 @@ void FolderTreeModel::open(const QModelIndex& index) {
 void FolderTreeModel::close(const QModelIndex& index, By who) {
     if (!isOpen(index)) return;
     Node& node = *nodeOf(index);
-    if (who == By::hand) closedByHand_.insert(handKey(topOf(node), *node.url));
+    if (who == By::hand) follower_->noteClosedByHand(index);
     const bool hasFolders = !node.branch->isComplete() || !node.branch->items().empty();
     node.toReopen.clear();
     const std::function<void(const Node&)> remember = [&](const Node& above) {
@@ -501,99 +515,25 @@ void FolderTreeModel::takeProbes(const QPersistentModelIndex& parent,
 
 // ---- The folder that is shown
 
-const FolderTreeModel::Node& FolderTreeModel::topOf(const Node& node) const {
-    const Node* top = &node;
-    while (top->parent != root_.get())
-        top = top->parent;
-    return *top;
+QModelIndex FolderTreeModel::current() const {
+    return follower_->current();
 }
 
-std::string FolderTreeModel::handKey(const Node& top, const FileURL& url) {
-    return top.key + '\n' + url.path();
+bool FolderTreeModel::isSearching() const noexcept {
+    return follower_->isSearching();
 }
 
 void FolderTreeModel::setOrigin(const QModelIndex& index) {
-    const Entry shown = entry(index);
-    const auto* node = static_cast<const Node*>(index.internalPointer());
-    if (node == root_.get()) node = nodeOf(index);
-    if (!shown.url || !node) return origin_.reset();
-    origin_ = Origin{topOf(*node).key, *shown.url};
-}
-
-FolderTreeModel::Node* FolderTreeModel::rootFor(const FileURL& target) const {
-    Node* best = nullptr;
-    // Among roots that are equally near: a row of the folder itself is the user's own choice where it is
-    // pinned, what lies below is at home in its location.
-    const auto rank = [&](const Node& node, bool isItself) {
-        if (node.kind == Kind::volume) return 2;
-        return (node.kind == Kind::pin) == isItself ? 0 : 1;
-    };
-    for (const auto& node : root_->children) {
-        if (!node->url || !canOpen(indexOf(*node))) continue;
-        const FileURL folder = node->url->standardized();
-        if (!target.isWithin(folder)) continue;
-        if (origin_ && origin_->top == node->key && target.isWithin(origin_->url)) return node.get();
-        const bool isLonger = !best || folder.path().size() > best->url->standardized().path().size();
-        const bool isAsLong = best && folder.path().size() == best->url->standardized().path().size();
-        const bool isItself = folder == target;
-        const bool isPreferred = isAsLong && rank(*node, isItself) < rank(*best, isItself);
-        if (isLonger || isPreferred) best = node.get();
-    }
-    return best;
+    follower_->setOrigin(index);
 }
 
 void FolderTreeModel::follow(const std::optional<FileURL>& folder) {
-    target_ = folder ? std::optional(folder->standardized()) : std::nullopt;
-    follows_ = true;
-    if (origin_ && (!target_ || !target_->isWithin(origin_->url))) origin_.reset();
+    follower_->follow(folder);
     advance();
 }
 
 void FolderTreeModel::advance() {
-    if (!follows_ || isAdvancing_) return;
-    isAdvancing_ = true;
-    Node* node = target_ ? rootFor(*target_) : root_->children.front().get();
-    QModelIndex reached = node ? indexOf(*node) : QModelIndex();
-    bool isSearching = false;
-    FileURL folder = node && node->url ? node->url->standardized() : FileURL();
-    while (node && target_ && folder != *target_) {
-        if (!node->branch) {
-            if (closedByHand_.contains(handKey(topOf(*node), *node->url))) break;
-            open(reached);
-            if (!node->branch) break;
-        }
-        const std::size_t start = folder.isRoot() ? 1 : folder.path().size() + 1;
-        const std::string_view path = target_->path();
-        const std::string_view name = path.substr(start, path.find('/', start) - start);
-        const auto& items = node->branch->items();
-        std::size_t row = 0;
-        while (row < items.size() && items[row].name() != name)
-            ++row;
-        if (row == items.size()) {
-            isSearching = !node->branch->isComplete() && !node->branch->failure();
-            break;
-        }
-        reached = index(static_cast<int>(row), 0, reached);
-        folder = folder.appending(name);
-        if (folder == *target_) break;
-        node = nodeOf(reached);
-        if (!node) {
-            if (closedByHand_.contains(
-                    handKey(topOf(*static_cast<Node*>(reached.internalPointer())), folder)))
-                break;
-            open(reached);
-            node = nodeOf(reached);
-        }
-    }
-    isAdvancing_ = false;
-    setCurrent(reached, isSearching);
-}
-
-void FolderTreeModel::setCurrent(const QModelIndex& index, bool isSearching) {
-    const bool isNew = current_ != index || isSearching_ != isSearching;
-    current_ = index;
-    isSearching_ = isSearching;
-    if (isNew) Q_EMIT currentChanged();
+    if (follower_->advance()) Q_EMIT currentChanged();
 }
 
 } // namespace ombrel

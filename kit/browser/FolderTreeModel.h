@@ -5,19 +5,20 @@
 #include "listing/KnownFolder.h"
 
 #include <QAbstractItemModel>
-#include <QPersistentModelIndex>
 
 #include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 namespace ombrel {
+
+class FolderTreeFollower;
 
 /// The rows of the navigation tree: the home page, and below a head each the pinned folders, the granted
 /// locations and the volumes; below every one of these its folders, as far as they have been opened.
@@ -68,6 +69,10 @@ public:
 
     // ---- Branches
     [[nodiscard]] bool isOpen(const QModelIndex& index) const;
+    /// Whether an open branch is still being read.
+    [[nodiscard]] bool isReading(const QModelIndex& index) const;
+    /// The folder of that name in an open branch, as far as it has been read.
+    [[nodiscard]] QModelIndex child(const QModelIndex& parent, std::string_view name) const;
     /// Reads the folders of a row. Nothing for a row that has none.
     void open(const QModelIndex& index);
     enum class By : std::uint8_t { hand, program };
@@ -87,9 +92,9 @@ public:
     void setOrigin(const QModelIndex& index);
     /// The row of the folder that is shown, or of what it lies in as long, or as far, as it cannot be
     /// reached.
-    [[nodiscard]] QModelIndex current() const { return current_; }
+    [[nodiscard]] QModelIndex current() const;
     /// Whether `current` still moves towards the folder that is shown.
-    [[nodiscard]] bool isSearching() const noexcept { return isSearching_; }
+    [[nodiscard]] bool isSearching() const noexcept;
 
     [[nodiscard]] QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
     [[nodiscard]] QModelIndex parent(const QModelIndex& index) const override;
@@ -124,29 +129,15 @@ private:
     void takeProbes(const QPersistentModelIndex& parent,
                     const std::vector<std::pair<std::string, bool>>& found);
     void refilter();
-    [[nodiscard]] Node* rootFor(const FileURL& target) const;
-    [[nodiscard]] static std::string handKey(const Node& top, const FileURL& url);
-    [[nodiscard]] const Node& topOf(const Node& node) const;
     void advance();
-    void setCurrent(const QModelIndex& index, bool isSearching);
 
     AppServices& services_;
     HomeModel& home_;
     ListingFeed::Source listings_;
     ItemFilter filter_;
     std::unique_ptr<Node> root_;
-    std::deque<Node*> open_;             ///< the earliest first
-    std::set<std::string> closedByHand_; ///< see handKey
-    std::optional<FileURL> target_;
-    bool follows_ = false; ///< whether there is anything to be followed yet
-    struct Origin {
-        std::string top;
-        FileURL url;
-    };
-    std::optional<Origin> origin_;
-    QPersistentModelIndex current_;
-    bool isSearching_ = false;
-    bool isAdvancing_ = false;
+    std::deque<Node*> open_; ///< the earliest first
+    std::unique_ptr<FolderTreeFollower> follower_;
 };
 
 } // namespace ombrel

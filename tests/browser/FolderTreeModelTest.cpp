@@ -202,6 +202,28 @@ TEST_F(FolderTree, FollowsTheRowThatThePaneWasSentFrom) {
     EXPECT_EQ(model->entry(model->current()).kind, Kind::pin) << "until the pane has gone elsewhere";
 }
 
+TEST_F(FolderTree, WaitsForTheLocationsBeforeItOpensAVolume) {
+    const auto place = tree.folder("place");
+    const auto inner = tree.folder("place/inner");
+    world.services->start();
+    world.mount("2 1 0:2 / / rw - ext4 /dev/a rw\n");
+    ASSERT_TRUE(runUntil([&] { return !world.services->access().isBusy() && at({"System"}).isValid(); }));
+    world.store->add(place.path());
+    world.services->access().restore();
+    model->follow(inner);
+    EXPECT_TRUE(model->isSearching());
+    EXPECT_FALSE(model->isOpen(at({"System"})));
+    ASSERT_TRUE(runUntil([&] { return !model->isSearching(); }));
+    EXPECT_EQ(model->current(), at({"place", "inner"}));
+    EXPECT_FALSE(model->isOpen(at({"System"})));
+
+    world.scopes->refused.insert(place.path());
+    world.scopes->unreadable.insert(place.path());
+    world.services->access().restore();
+    EXPECT_TRUE(runUntil([&] { return model->isOpen(at({"System"})); }))
+        << "what is not allowed is no way to the folder";
+}
+
 TEST_F(FolderTree, OpensAgainWhatWasOpenBelowAClosedBranch) {
     const auto place = tree.folder("place");
     for (const char* name : {"place/a", "place/a/b", "place/a/b/c", "place/z"})
