@@ -321,7 +321,7 @@ QImage PictureSeries::framed(const QImage& look, const QString& title, const Pla
     }
     painter.drawImage(band.topLeft() + QPoint(0, placing.band), look);
     painter.setPen(theme_->color(ThemeColor::border));
-    if (placing.below) painter.drawRect(band.adjusted(-1, -1, 0, look.height()));
+    if (placing.band > 0 && placing.below) painter.drawRect(band.adjusted(-1, -1, 0, look.height()));
     return picture;
 }
 

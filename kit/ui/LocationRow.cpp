@@ -3,6 +3,7 @@
 #include "base/FileName.h"
 #include "ui/FileIconDrawing.h"
 #include "ui/LocalizedText.h"
+#include "ui/OmbrelStyle.h"
 #include "ui/TextLabel.h"
 #include "ui/Theme.h"
 
@@ -59,6 +60,7 @@ LocationRow::LocationRow(const Theme& theme, const AccessManager::Grant& grant, 
     const auto add = [&](const QString& label, auto signal) {
         auto* const button = new QPushButton(label, this);
         button->setAutoDefault(true);
+        button->setProperty(OmbrelStyle::smallProperty, true);
         button->setAccessibleDescription(QString::fromStdString(grant->displayName()));
         connect(button, &QPushButton::clicked, this, signal);
         row->addWidget(button, 0, Qt::AlignVCenter);

@@ -1,6 +1,7 @@
 #include "ui/LocationsPage.h"
 
 #include "ui/ConfirmationDialog.h"
+#include "ui/GlyphIcon.h"
 #include "ui/LocalizedText.h"
 #include "ui/LocationRow.h"
 #include "ui/TextLabel.h"
@@ -77,6 +78,7 @@ LocationsPage::LocationsPage(const Theme& theme, AccessManager& access, QWidget*
     auto* const row = new QHBoxLayout;
     row->setSpacing(theme.size(ThemeSize::space12));
     auto* const add = new QPushButton(localized("ui.settings.locations.addFolder"), content());
+    add->setIcon(glyphIcon(theme, Glyph::plus));
     auto* const hint = new TextLabel(theme, ThemeFont::caption, ThemeColor::textSecondary, content());
     hint->setText(localized("ui.settings.locations.comesBack"));
     hint->setWordWrap(true);

@@ -4,6 +4,7 @@
 #include "ui/Theme.h"
 
 #include <QAction>
+#include <QGuiApplication>
 #include <QMenu>
 #include <QPainter>
 #include <QPen>
@@ -67,15 +68,6 @@ void OmbrelStyle::drawRadio(QPainter& painter, const Theme& theme, const QRectF&
 void OmbrelStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                                 const QWidget* widget) const {
     const auto fill = [&](ThemeColor token) { painter->fillRect(option->rect, theme_->color(token)); };
-    const auto outlined = [&](ThemeColor token, ThemeSize radius) {
-        painter->save();
-        painter->setRenderHint(QPainter::Antialiasing);
-        painter->setPen(QPen(theme_->color(ThemeColor::border), theme_->size(ThemeSize::hairline)));
-        painter->setBrush(theme_->color(token));
-        const int corner = theme_->size(radius);
-        painter->drawRoundedRect(hairlineInside(option->rect), corner, corner);
-        painter->restore();
-    };
     switch (element) {
     case PE_FrameFocusRect: return; // rings are drawn by the FocusRing and by the views themselves
     case PE_IndicatorCheckBox: return drawCheckBox(*option, *painter);
@@ -83,9 +75,9 @@ void OmbrelStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
         return drawRadio(*painter, *theme_, option->rect, option->state & State_On,
                          option->state & State_Enabled);
     case PE_PanelScrollAreaCorner: return fill(ThemeColor::surface);
-    case PE_PanelTipLabel:
-    case PE_PanelMenu: return fill(ThemeColor::menu);
-    case PE_FrameMenu: return outlined(ThemeColor::menu, ThemeSize::hairline);
+    case PE_PanelTipLabel: return fill(ThemeColor::menu);
+    case PE_PanelMenu: return drawMenuGround(option->rect, *painter, widget);
+    case PE_FrameMenu: return; // drawn with the ground
     default: return QProxyStyle::drawPrimitive(element, option, painter, widget);
     }
 }
@@ -101,6 +93,7 @@ void OmbrelStyle::drawControl(ControlElement element, const QStyleOption* option
         if (const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option))
             return drawMenuItem(*item, *painter, widget);
         break;
+    case CE_MenuEmptyArea: return; // the ground is there
     case CE_HeaderEmptyArea: {
         const int hairline = theme_->size(ThemeSize::hairline);
         painter->fillRect(option->rect, theme_->color(ThemeColor::surface));
@@ -143,8 +136,26 @@ void OmbrelStyle::drawButton(const QStyleOptionButton& option, QPainter& painter
                      : isDanger  ? ThemeColor::danger
                                  : ThemeColor::text;
     painter.setPen(theme_->color(ink));
-    painter.setFont(widget ? widget->font() : theme_->font(ThemeFont::body));
-    painter.drawText(option.rect, Qt::AlignCenter | Qt::TextShowMnemonic, option.text);
+    const bool isSmall = widget && widget->property(smallProperty).toBool();
+    painter.setFont(isSmall  ? theme_->font(ThemeFont::caption)
+                    : widget ? widget->font()
+                             : theme_->font(ThemeFont::body));
+    QRect words = option.rect;
+    if (!option.icon.isNull()) {
+        const int glyph = theme_->size(ThemeSize::glyph), gap = theme_->size(ThemeSize::space6);
+        const int text = painter.fontMetrics().size(Qt::TextShowMnemonic, option.text).width();
+        const int left = words.left() + std::max(0, (words.width() - glyph - gap - text) / 2);
+        const QRect box(left, words.center().y() - glyph / 2 + 1, glyph, glyph);
+        option.icon.paint(&painter, visualRect(option.direction, option.rect, box), Qt::AlignCenter,
+                          isEnabled ? QIcon::Normal : QIcon::Disabled);
+        words = visualRect(option.direction, option.rect,
+                           words.adjusted(left - words.left() + glyph + gap, 0, 0, 0));
+        painter.drawText(
+            words, visualAlignment(option.direction, Qt::AlignLeft) | Qt::AlignVCenter | Qt::TextShowMnemonic,
+            option.text);
+    } else {
+        painter.drawText(words, Qt::AlignCenter | Qt::TextShowMnemonic, option.text);
+    }
     painter.restore();
 }
 
@@ -174,11 +185,24 @@ void OmbrelStyle::drawCheckBox(const QStyleOption& option, QPainter& painter) co
     painter.restore();
 }
 
+void OmbrelStyle::drawMenuGround(const QRect& menu, QPainter& painter, const QWidget* widget) const {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(theme_->color(ThemeColor::border), theme_->size(ThemeSize::hairline)));
+    painter.setBrush(theme_->color(ThemeColor::menu));
+    const bool isRound = widget && widget->testAttribute(Qt::WA_TranslucentBackground);
+    const int radius = isRound ? theme_->size(ThemeSize::radiusField) : 0;
+    painter.drawRoundedRect(hairlineInside(menu), radius, radius);
+    painter.restore();
+}
+
 void OmbrelStyle::drawMenuItem(const QStyleOptionMenuItem& option, QPainter& painter,
                                const QWidget* widget) const {
     const QRect row = option.rect;
     if (option.menuItemType == QStyleOptionMenuItem::Separator) {
-        painter.fillRect(QRect(row.left(), row.center().y(), row.width(), theme_->size(ThemeSize::hairline)),
+        const int inset = theme_->size(ThemeSize::space8);
+        painter.fillRect(QRect(row.left() + inset, row.center().y(), row.width() - 2 * inset,
+                               theme_->size(ThemeSize::hairline)),
                          theme_->color(ThemeColor::border));
         return;
     }
@@ -202,24 +226,30 @@ void OmbrelStyle::drawMenuItem(const QStyleOptionMenuItem& option, QPainter& pai
         Glyphs::draw(painter, Glyph::check, glyphBox, ink);
     else if (!option.icon.isNull())
         option.icon.paint(&painter, glyphBox, Qt::AlignCenter, isEnabled ? QIcon::Normal : QIcon::Disabled);
-    const QRect textBox = row.adjusted(left - row.left() + glyph + theme_->size(ThemeSize::space8), 0,
-                                       -theme_->size(ThemeSize::space16), 0);
-    painter.setFont(option.font);
-    painter.setPen(ink);
+    QRect textBox = row.adjusted(left - row.left() + glyph + theme_->size(ThemeSize::space8) +
+                                     theme_->size(ThemeSize::space2),
+                                 0, -theme_->size(ThemeSize::space12), 0);
     const auto parts = option.text.split(QLatin1Char('\t'));
-    const QFontMetrics metrics(option.font);
-    const int shortcut = parts.size() > 1 ? metrics.horizontalAdvance(parts.constLast()) : 0;
-    painter.drawText(textBox, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextShowMnemonic | Qt::TextSingleLine,
-                     metrics.elidedText(parts.constFirst(), Qt::ElideMiddle, textBox.width() - shortcut,
-                                        Qt::TextShowMnemonic));
+    const ThemeColor beside = isEnabled ? ThemeColor::textSecondary : ThemeColor::textDisabled;
+    int taken = 0;
     if (option.menuItemType == QStyleOptionMenuItem::SubMenu) {
-        const QRect arrow(textBox.right() - glyph / 2, glyphBox.top(), glyph, glyph);
+        const int side = theme_->size(ThemeSize::space12);
+        const QRect arrow(textBox.right() - side + 1, row.center().y() - side / 2, side, side);
         Glyphs::draw(painter, option.direction == Qt::RightToLeft ? Glyph::chevronLeft : Glyph::chevronRight,
-                     arrow, ink);
+                     arrow, theme_->color(beside));
+        taken = side;
     } else if (parts.size() > 1) {
+        painter.setFont(theme_->font(ThemeFont::caption));
         painter.setPen(theme_->color(ThemeColor::textSecondary));
         painter.drawText(textBox, Qt::AlignRight | Qt::AlignVCenter | Qt::TextSingleLine, parts.constLast());
+        taken = painter.fontMetrics().horizontalAdvance(parts.constLast());
     }
+    if (taken > 0) textBox.adjust(0, 0, -taken - theme_->size(ThemeSize::space8), 0);
+    painter.setFont(option.font);
+    painter.setPen(ink);
+    painter.drawText(textBox, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextShowMnemonic | Qt::TextSingleLine,
+                     painter.fontMetrics().elidedText(parts.constFirst(), Qt::ElideMiddle, textBox.width(),
+                                                      Qt::TextShowMnemonic));
     painter.restore();
 }
 
@@ -288,7 +318,14 @@ QSize OmbrelStyle::sizeFromContents(ContentsType type, const QStyleOption* optio
     if (type == CT_PushButton) {
         const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
         if (!button) return QProxyStyle::sizeFromContents(type, option, size, widget);
-        const int text = button->fontMetrics.size(Qt::TextShowMnemonic, button->text).width();
+        const bool isSmall = widget && widget->property(smallProperty).toBool();
+        const int glyph =
+            button->icon.isNull() ? 0 : theme_->size(ThemeSize::glyph) + theme_->size(ThemeSize::space6);
+        const QFontMetrics metrics(isSmall ? theme_->font(ThemeFont::caption)
+                                           : theme_->font(ThemeFont::body));
+        const int text = glyph + metrics.size(Qt::TextShowMnemonic, button->text).width();
+        if (isSmall)
+            return {text + 2 * theme_->size(ThemeSize::space12), theme_->size(ThemeSize::compactButton)};
         return {
             std::max(text + theme_->size(ThemeSize::space28), theme_->size(ThemeSize::buttonMinimumWidth)),
             std::max(theme_->size(ThemeSize::button), size.height())};
@@ -296,15 +333,32 @@ QSize OmbrelStyle::sizeFromContents(ContentsType type, const QStyleOption* optio
     if (type == CT_MenuItem) {
         const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
         if (!item) return QProxyStyle::sizeFromContents(type, option, size, widget);
-        if (item->menuItemType == QStyleOptionMenuItem::Separator)
-            return {size.width(), theme_->size(ThemeSize::space8)};
-        const int beside = theme_->size(ThemeSize::space12) + theme_->size(ThemeSize::glyph) +
-                           theme_->size(ThemeSize::space8) + theme_->size(ThemeSize::space28);
-        return {std::clamp(size.width() + beside, theme_->size(ThemeSize::menuMinimumWidth),
-                           theme_->size(ThemeSize::menuMaximumWidth)),
-                theme_->size(ThemeSize::menuRow)};
+        return menuItemSize(*item, size, widget);
     }
     return QProxyStyle::sizeFromContents(type, option, size, widget);
+}
+
+/// Without the shortcut, for which the menu itself leaves as much room as the widest one needs.
+QSize OmbrelStyle::menuItemSize(const QStyleOptionMenuItem& option, const QSize& text,
+                                const QWidget* widget) const {
+    if (option.menuItemType == QStyleOptionMenuItem::Separator)
+        return {text.width(), theme_->size(ThemeSize::space8) + theme_->size(ThemeSize::hairline)};
+    const int beside = 2 * theme_->size(ThemeSize::space12) + theme_->size(ThemeSize::glyph) +
+                       theme_->size(ThemeSize::space8) + theme_->size(ThemeSize::space2) +
+                       theme_->size(ThemeSize::space28);
+    const int frames = 2 * theme_->size(ThemeSize::hairline);
+    int width = text.width() + beside, most = theme_->size(ThemeSize::menuMaximumWidth) - frames;
+    const auto* const menu = qobject_cast<const QMenu*>(widget);
+    const bool mayBeTooWide = width > theme_->size(ThemeSize::menuMinimumWidth);
+    if (menu && mayBeTooWide) {
+        int shortcuts = 0;
+        for (const QAction* action : menu->actions())
+            if (const auto tab = action->text().indexOf(QLatin1Char('\t')); tab >= 0)
+                shortcuts =
+                    std::max(shortcuts, menu->fontMetrics().horizontalAdvance(action->text().mid(tab + 1)));
+        most -= shortcuts;
+    }
+    return {std::min(width, most), theme_->size(ThemeSize::menuRow)};
 }
 
 int OmbrelStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {
@@ -319,6 +373,8 @@ int OmbrelStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, con
     case PM_FocusFrameHMargin:
     case PM_FocusFrameVMargin: return theme_->size(ThemeSize::focusRing) + theme_->size(ThemeSize::focusGap);
     case PM_MenuVMargin: return theme_->size(ThemeSize::space4);
+    case PM_MenuHMargin: return 0;
+    case PM_MenuPanelWidth: return theme_->size(ThemeSize::hairline);
     case PM_ButtonShiftHorizontal:
     case PM_ButtonShiftVertical: return 0;
     default: return QProxyStyle::pixelMetric(metric, option, widget);
@@ -346,6 +402,16 @@ int OmbrelStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWi
 
 void OmbrelStyle::polish(QPalette& palette) {
     palette = theme_->palette();
+}
+
+void OmbrelStyle::polish(QWidget* widget) {
+    QProxyStyle::polish(widget);
+    auto* const menu = qobject_cast<QMenu*>(widget);
+    if (!menu) return;
+    menu->setMinimumWidth(theme_->size(ThemeSize::menuMinimumWidth));
+    // Without one that composites, what lies outside the rounded corners would be black.
+    if (QGuiApplication::platformName() == QLatin1String("xcb")) return;
+    menu->setAttribute(Qt::WA_TranslucentBackground);
 }
 
 } // namespace ombrel

@@ -18,6 +18,9 @@ public:
     /// A property of actions: menus write them in the colour of danger.
     static constexpr const char* dangerProperty = "ombrelIsDangerous";
 
+    /// A property of push buttons: those that are small stand inside something else, in rows.
+    static constexpr const char* smallProperty = "ombrelIsSmall";
+
     /// `theme` must outlive it.
     explicit OmbrelStyle(const Theme& theme);
 
@@ -42,12 +45,16 @@ public:
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* answer) const override;
     void polish(QPalette& palette) override;
+    void polish(QWidget* widget) override;
     using QProxyStyle::polish;
 
 private:
     void drawButton(const QStyleOptionButton& option, QPainter& painter, const QWidget* widget) const;
     void drawCheckBox(const QStyleOption& option, QPainter& painter) const;
+    void drawMenuGround(const QRect& menu, QPainter& painter, const QWidget* widget) const;
     void drawMenuItem(const QStyleOptionMenuItem& option, QPainter& painter, const QWidget* widget) const;
+    [[nodiscard]] QSize menuItemSize(const QStyleOptionMenuItem& option, const QSize& text,
+                                     const QWidget* widget) const;
     void drawScrollBar(const QStyleOptionSlider& option, QPainter& painter, const QWidget* widget) const;
 
     const Theme* theme_;
