@@ -34,7 +34,7 @@ ConflictPrompt::ConflictPrompt(const Theme& theme, std::shared_ptr<OperationProm
     const auto& question = std::get<OperationPrompt::Conflict>(prompt_->kind());
     title_ = localized(titleOf(question.context, question.batchCount));
     auto* const column = new QVBoxLayout(this);
-    column->setContentsMargins({});
+    column->setContentsMargins(0, theme.size(ThemeSize::space4), 0, 0);
     column->setSpacing(theme.size(ThemeSize::space8));
     if (prompt_->isBatch())
         layOutBatch(decideEach);

@@ -62,20 +62,20 @@ void JobCard::layOut(JobHeading::OpenFolder openFolder) {
     const auto space = [this](ThemeSize token) { return theme_->size(token); };
     column_ = new QVBoxLayout(this);
     column_->setContentsMargins(space(ThemeSize::space20), space(ThemeSize::space16),
-                                space(ThemeSize::space20), space(ThemeSize::space16));
+                                space(ThemeSize::space20), space(ThemeSize::space20));
     column_->setSpacing(space(ThemeSize::space8));
-    auto* const top = new QHBoxLayout;
-    top->setSpacing(space(ThemeSize::space2));
-    auto* const words = new QVBoxLayout;
-    words->setSpacing(space(ThemeSize::space4));
-    words->addWidget(new JobHeading(*theme_, *job_, std::move(openFolder), this));
-    words->addWidget(state_);
-    top->addLayout(words, 1);
+    top_ = new QHBoxLayout;
+    top_->setSpacing(space(ThemeSize::space2));
+    words_ = new QVBoxLayout;
+    heading_ = new JobHeading(*theme_, *job_, std::move(openFolder), this);
+    words_->addWidget(heading_);
+    words_->addWidget(state_);
+    top_->addLayout(words_, 1);
     startNow_->setFixedHeight(space(ThemeSize::compactButton));
     for (QWidget* button :
          {static_cast<QWidget*>(startNow_), static_cast<QWidget*>(pause_), static_cast<QWidget*>(cancel_)})
-        top->addWidget(button, 0, Qt::AlignVCenter);
-    column_->addLayout(top);
+        top_->addWidget(button, 0, Qt::AlignVCenter);
+    column_->addLayout(top_);
     column_->addWidget(bar_);
     column_->addWidget(details_);
     column_->addWidget(toggle_, 0, Qt::AlignLeading);
@@ -86,7 +86,7 @@ void JobCard::layOut(JobHeading::OpenFolder openFolder) {
 QWidget* JobCard::makeDetails() {
     auto* const details = new QWidget(this);
     auto* const column = new QVBoxLayout(details);
-    column->setContentsMargins({});
+    column->setContentsMargins(0, 0, 0, theme_->size(ThemeSize::space4));
     column->setSpacing(theme_->size(ThemeSize::space12));
     graph_ = new SpeedGraph(*theme_, details);
     column->addWidget(graph_);
@@ -145,6 +145,10 @@ bool JobCard::showsGraph() const {
 void JobCard::refreshLayout() {
     const bool asks = prompt_;
     const bool isMoving = motion_.state() == QAbstractAnimation::Running;
+    // What is asked stands below the heading, which then is as high as the button beside it.
+    heading_->setMinimumHeight(asks ? theme_->size(ThemeSize::button) : 0);
+    words_->setSpacing(asks ? 0 : theme_->size(ThemeSize::space4));
+    top_->setAlignment(cancel_, asks ? Qt::AlignTop : Qt::AlignVCenter);
     state_->setLook(asks || isExpanded_ ? ThemeFont::title : ThemeFont::bodyStrong, ThemeColor::text);
     bar_->setVisible(!asks && !showsGraph());
     graph_->setVisible(showsGraph());

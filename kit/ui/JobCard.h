@@ -11,6 +11,7 @@
 #include <memory>
 
 class QPushButton;
+class QHBoxLayout;
 class QVBoxLayout;
 
 namespace ombrel {
@@ -81,6 +82,9 @@ private:
     TextLabel* done_;
     LinkButton* toggle_;
     QVBoxLayout* column_;
+    QVBoxLayout* words_; ///< heading and state
+    QHBoxLayout* top_;   ///< the words and the buttons beside them
+    JobHeading* heading_;
     QPointer<PromptView> prompt_;
 };
 

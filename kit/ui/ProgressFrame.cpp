@@ -28,6 +28,9 @@ public:
                                              : layout()->totalSizeHint().height();
     }
 
+    /// Words that wrap would be reckoned with the height that they have at their narrowest.
+    [[nodiscard]] QSize minimumSizeHint() const override { return {QWidget::minimumSizeHint().width(), 0}; }
+
 protected:
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
