@@ -62,7 +62,8 @@ void BarButton::setLabelled(Labelled labelled) {
 }
 
 int BarButton::widthWhen(Labelled labelled) const {
-    const int glyph = theme_->size(ThemeSize::glyph), side = theme_->size(ThemeSize::space8);
+    const int glyph = theme_->size(ThemeSize::glyph) + theme_->size(ThemeSize::space2),
+              side = theme_->size(ThemeSize::space8);
     if (labelled == Labelled::no && !menu_) return theme_->size(ThemeSize::button);
     int width = glyph + 2 * side;
     if (labelled == Labelled::yes)
@@ -90,7 +91,8 @@ void BarButton::paintEvent(QPaintEvent*) {
     const auto mirrored = [this](const QRect& part) {
         return QStyle::visualRect(layoutDirection(), rect(), part);
     };
-    const int glyph = theme_->size(ThemeSize::glyph), side = theme_->size(ThemeSize::space8);
+    const int glyph = theme_->size(ThemeSize::glyph) + theme_->size(ThemeSize::space2),
+              side = theme_->size(ThemeSize::space8);
     Glyphs::draw(painter, glyph_, mirrored(QRect(side, (height() - glyph) / 2, glyph, glyph)),
                  isEnabled() ? theme_->color(glyphColor_) : ink);
     const int textLeft = side + glyph + theme_->size(ThemeSize::space6);

@@ -59,7 +59,9 @@ void GlyphButton::paintEvent(QPaintEvent*) {
         painter.setBrush(theme_->color(isOn ? ThemeColor::pressed : ThemeColor::hover));
         painter.drawRoundedRect(rect(), radius, radius);
     }
-    const int side = theme_->size(ThemeSize::glyph);
+    // Inside something else it is as small as there.
+    const bool isLarge = theme_->size(side_) >= theme_->size(ThemeSize::button);
+    const int side = theme_->size(ThemeSize::glyph) + (isLarge ? theme_->size(ThemeSize::space2) : 0);
     const QRect box((width() - side) / 2, (height() - side) / 2, side, side);
     Glyphs::draw(painter, glyph_, box, theme_->color(isEnabled() ? ink_ : ThemeColor::textDisabled));
 }

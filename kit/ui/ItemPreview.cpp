@@ -116,11 +116,13 @@ void ItemPreview::paintEvent(QPaintEvent*) {
 }
 
 void ItemPreview::paintCard(QPainter& painter) {
-    painter.setPen(QPen(theme_->color(ThemeColor::border), theme_->size(ThemeSize::hairline)));
-    painter.setBrush(theme_->color(ThemeColor::surface));
-    const int radius = theme_->size(ThemeSize::radiusField);
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
     if (items_.empty()) return;
+    if (classOf(items_.front()) != FileClass::folder) {
+        painter.setPen(QPen(theme_->color(ThemeColor::border), theme_->size(ThemeSize::hairline)));
+        painter.setBrush(theme_->color(ThemeColor::surface));
+        const int radius = theme_->size(ThemeSize::radiusField);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+    }
     const double inset = (height() - DetailsSizes::of(*theme_, DetailsSize::previewThumbnail)) / 2.0;
     const QRectF room = QRectF(rect()).adjusted(inset, inset, -inset, -inset);
     if (const QImage image = thumbnailOf(items_.front()); !image.isNull()) {

@@ -190,7 +190,7 @@ void SearchField::paintEvent(QPaintEvent*) {
     const bool hasKeyboard = field_->hasFocus();
     const double line = theme_->size(hasKeyboard ? ThemeSize::focusRing : ThemeSize::hairline);
     painter.setPen(QPen(theme_->color(hasKeyboard ? ThemeColor::accent : ThemeColor::border), line));
-    painter.setBrush(theme_->color(isEnabled() ? ThemeColor::surface : ThemeColor::chromeRaised));
+    painter.setBrush(theme_->color(ThemeColor::surface));
     const int radius = theme_->size(ThemeSize::radiusField);
     painter.drawRoundedRect(QRectF(rect()).adjusted(line / 2, line / 2, -line / 2, -line / 2), radius,
                             radius);
