@@ -9,7 +9,6 @@
 #include "support/Floor.h"
 #include "support/NamedTree.h"
 #include "support/Report.h"
-#include "support/Stretches.h"
 
 #include <QEventLoop>
 
@@ -26,6 +25,8 @@
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "pane/Stretches.h"
 
 using namespace ombrel;
 using namespace ombrel::bench;

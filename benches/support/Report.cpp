@@ -149,8 +149,8 @@ void Report::value(const std::string& figure, double ours, const std::string& un
 int Report::print() const {
     utsname system{};
     ::uname(&system);
-    std::printf("%s\n%u cores, %s; memory %s; %s %s\n", subject_.c_str(),
-                std::thread::hardware_concurrency(), lineWith("/proc/cpuinfo", "model name").c_str(),
+    std::printf("%s\n%u cores, %s; memory %s; %s %s\n", subject_.c_str(), std::thread::hardware_concurrency(),
+                lineWith("/proc/cpuinfo", "model name").c_str(),
                 lineWith("/proc/meminfo", "MemTotal").c_str(), system.sysname, system.release);
     for (const auto& line : notes_)
         std::printf("%s\n", line.c_str());

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "services/AppServices.h"
-#include "support/Stretches.h"
 #include "ui/BrowserWindow.h"
 #include "ui/FileView.h"
 #include "ui/SystemPasteboard.h"
@@ -14,6 +13,8 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+
+#include "pane/Stretches.h"
 
 namespace ombrel::bench {
 
