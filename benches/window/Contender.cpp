@@ -64,6 +64,14 @@ bool Contender::waitForRest(const Process& process, std::chrono::seconds limit) 
     return false;
 }
 
+/// It may rest while it waits for others, its window still empty; or have put something off.
+bool Contender::waitForLongRest(const Process& process) const {
+    constexpr std::chrono::seconds aftermath(5);
+    if (!waitForRest(process, emptyBound)) return false;
+    passOn(aftermath);
+    return waitForRest(process, emptyBound + aftermath);
+}
+
 void Contender::end(std::unique_ptr<Process> process) const {
     process.reset();
     const auto began = Clock::now();
@@ -78,7 +86,7 @@ bool Contender::learnEmpty(const std::string& folder) {
     bool isAtRest = true;
     for (int times = 0; times < 2 && isAtRest; ++times) {
         auto process = start(folder);
-        isAtRest = waitForRest(*process, emptyBound);
+        isAtRest = waitForLongRest(*process);
         empty_ = display_->picture();
         end(std::move(process));
     }
@@ -130,15 +138,7 @@ Showing Contender::show(Until until) {
 
 std::optional<ProcessFacts::Memory> Contender::memoryOver(const std::string& folder) {
     auto process = start(folder);
-    bool isAtRest = waitForRest(*process);
-    // It may rest while it waits for others, long before its window is there.
-    const std::size_t pixels = empty_.pixels.size();
-    constexpr std::size_t mostOfDisplay = 50;
-    while (isAtRest && display_->differences(empty_) > pixels / mostOfDisplay) {
-        passOn(restInterval);
-        isAtRest = Clock::now() - process->began() < bound;
-    }
-    isAtRest = isAtRest && waitForRest(*process);
+    const bool isAtRest = waitForLongRest(*process);
     const auto memory = ProcessFacts::memory(process->id());
     end(std::move(process));
     return isAtRest ? std::optional(memory) : std::nullopt;
@@ -147,10 +147,7 @@ std::optional<ProcessFacts::Memory> Contender::memoryOver(const std::string& fol
 ProcessFacts::Activity Contender::idleActivity(const std::string& folder, std::chrono::seconds span,
                                                int spans) {
     auto process = start(folder);
-    if (!waitForRest(*process)) fail(name_ + " does not come to rest");
-    // What a start has put off.
-    constexpr std::chrono::seconds aftermath(5);
-    passOn(aftermath);
+    if (!waitForLongRest(*process)) fail(name_ + " does not come to rest");
     ProcessFacts::Activity most;
     for (int i = 0; i < spans; ++i) {
         const auto before = ProcessFacts::activity(process->id());

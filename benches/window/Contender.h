@@ -55,6 +55,7 @@ private:
     [[nodiscard]] std::unique_ptr<Process> start(const std::string& folder) const;
     /// Waits until the program does nothing and its picture stays as it is.
     [[nodiscard]] bool waitForRest(const Process& process, std::chrono::seconds limit = bound) const;
+    [[nodiscard]] bool waitForLongRest(const Process& process) const;
     /// Ends the program and waits until its window has gone.
     void end(std::unique_ptr<Process> process) const;
 

@@ -3,6 +3,7 @@
 #include "listing/POSIXCall.h"
 
 #include <fcntl.h>
+#include <sys/sendfile.h>
 #include <sys/vfs.h>
 #include <unistd.h>
 
@@ -42,6 +43,10 @@ Result<std::int64_t> findHole(int fd, std::int64_t offset) {
 
 Result<void> resize(int fd, std::int64_t size) {
     return done(Kind::truncate, [&] { return ::ftruncate(fd, size); });
+}
+
+Result<std::size_t> send(int from, int to, std::size_t size) {
+    return moved(Kind::write, size, [&](std::size_t count) { return ::sendfile(to, from, nullptr, count); });
 }
 
 Result<void> startWriting(int fd, std::int64_t offset, std::int64_t length) {

@@ -20,6 +20,12 @@ namespace ombrel::POSIX {
 /// Cuts the file, or makes it longer by a hole.
 [[nodiscard]] Result<void> resize(int fd, std::int64_t size);
 
+/// Copies up to `size` bytes between two files, from where either is to be read and written next, and answers
+/// how many; 0 at the end of `from`. The kernel copies them from cache to cache (`sendfile`), never by
+/// sharing extents. EINVAL or ENOSYS from file systems that cannot; a failure may leave both files' positions
+/// anywhere.
+[[nodiscard]] Result<std::size_t> send(int from, int to, std::size_t size);
+
 /// Starts writing the range's changed pages to the medium and returns.
 [[nodiscard]] Result<void> startWriting(int fd, std::int64_t offset, std::int64_t length);
 /// Waits until the range's pages are written, those that changed meanwhile included. Says nothing of what the

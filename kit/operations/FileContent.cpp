@@ -33,7 +33,8 @@ FileContent::FileContent(Settings settings, Progress progress)
       buffer_(std::make_unique_for_overwrite<std::byte[]>(largestChunk)) {}
 
 CopyResult<void> FileContent::copy(int from, const FileStatus& status, int to) {
-    Files files{from, to, status};
+    // A file of one chunk is read beyond its end at once, which saves a call.
+    Files files{from, to, status, status.size > static_cast<std::int64_t>(largestChunk)};
     chunk_ = largestChunk;
     paced_ = 0;
     if (status.size > static_cast<std::int64_t>(largestChunk)) POSIX::adviseSequential(from);
@@ -61,13 +62,9 @@ CopyResult<void> FileContent::copyRun(Files& files, std::int64_t end) {
     const bool isOneChunk = files.status.size < static_cast<std::int64_t>(chunk_);
     while (files.position < end) {
         const auto start = isOneChunk ? Clock::time_point() : Clock::now();
-        const auto count = readChunk(files, end - files.position);
+        const auto count = sendChunk(files, end - files.position);
         if (!count) return std::unexpected(count.error());
         if (*count == 0) break;
-        const bool passesTheSize = files.position + static_cast<std::int64_t>(*count) > files.status.size;
-        if (passesTheSize)
-            if (auto same = checkGrowth(files); !same) return same;
-        if (auto written = writeChunk(files, 0, *count); !written) return written;
         // A read beyond the end that stopped right at it has seen the end.
         if (files.position == files.status.size && end == toTheEnd && *count < chunk_) break;
         if (!isOneChunk) adaptChunk(std::chrono::duration<double>(Clock::now() - start).count());
@@ -82,10 +79,7 @@ CopyResult<void> FileContent::copySparse(Files& files) {
         if (!*data) break;
         const auto hole = POSIX::findHole(files.from, **data);
         if (!hole) return std::unexpected(CopyFailure::ofSource(hole.error()));
-        if (auto sought = POSIX::seek(files.from, **data); !sought)
-            return std::unexpected(CopyFailure::ofSource(sought.error()));
-        if (auto sought = POSIX::seek(files.to, **data); !sought)
-            return std::unexpected(CopyFailure::ofCopy(sought.error()));
+        if (auto sought = seek(files, **data); !sought) return sought;
         if (!progress_(**data - files.position)) return std::unexpected(stopped());
         files.position = **data;
         // A hole that was made meanwhile may begin right here.
@@ -126,6 +120,41 @@ CopyResult<void> FileContent::copyWithoutZeros(Files& files) {
     return {};
 }
 
+/// One chunk, of which nothing is left at the end of the file: within the kernel for as long as it agrees to
+/// that. Which side it was that failed only reading and writing tells.
+CopyResult<std::size_t> FileContent::sendChunk(Files& files, std::int64_t wanted) {
+    const auto passesTheSize = [&files](std::size_t count) {
+        return files.position + static_cast<std::int64_t>(count) > files.status.size;
+    };
+    if (files.isSent) {
+        const auto size = std::min(wanted, static_cast<std::int64_t>(chunk_));
+        const auto sent = POSIX::send(files.from, files.to, static_cast<std::size_t>(size));
+        if (sent) {
+            if (passesTheSize(*sent))
+                if (auto same = checkGrowth(files); !same) return std::unexpected(same.error());
+            if (*sent == 0) return 0;
+            if (auto counted = countChunk(files, *sent); !counted) return std::unexpected(counted.error());
+            return *sent;
+        }
+        files.isSent = false;
+        if (auto sought = seek(files, files.position); !sought) return std::unexpected(sought.error());
+    }
+    const auto count = readChunk(files, wanted);
+    if (!count || *count == 0) return count;
+    if (passesTheSize(*count))
+        if (auto same = checkGrowth(files); !same) return std::unexpected(same.error());
+    if (auto written = writeChunk(files, 0, *count); !written) return std::unexpected(written.error());
+    return *count;
+}
+
+CopyResult<void> FileContent::seek(const Files& files, std::int64_t position) {
+    if (auto sought = POSIX::seek(files.from, position); !sought)
+        return std::unexpected(CopyFailure::ofSource(sought.error()));
+    if (auto sought = POSIX::seek(files.to, position); !sought)
+        return std::unexpected(CopyFailure::ofCopy(sought.error()));
+    return {};
+}
+
 CopyResult<std::size_t> FileContent::readChunk(Files& files, std::int64_t wanted) {
     const auto size =
         static_cast<std::size_t>(std::min<std::int64_t>(wanted, static_cast<std::int64_t>(chunk_)));
@@ -138,6 +167,10 @@ CopyResult<void> FileContent::writeChunk(Files& files, std::size_t offset, std::
     const char* const bytes = reinterpret_cast<const char*>(buffer_.get() + offset);
     const auto written = POSIX::writeAll(files.to, {bytes, size});
     if (!written) return std::unexpected(CopyFailure::ofCopy(written.error()));
+    return countChunk(files, size);
+}
+
+CopyResult<void> FileContent::countChunk(Files& files, std::size_t size) {
     files.position += static_cast<std::int64_t>(size);
     if (!progress_(static_cast<std::int64_t>(size))) return std::unexpected(stopped());
     return settings_.keepsPace ? keepPace(files) : CopyResult<void>();

@@ -33,14 +33,18 @@ private:
     struct Files {
         int from, to;
         const FileStatus& status;
+        bool isSent;               // from file to file within the kernel
         std::int64_t position = 0; // of both
     };
 
     [[nodiscard]] CopyResult<void> copyRun(Files& files, std::int64_t end);
     [[nodiscard]] CopyResult<void> copySparse(Files& files);
     [[nodiscard]] CopyResult<void> copyWithoutZeros(Files& files);
+    [[nodiscard]] CopyResult<std::size_t> sendChunk(Files& files, std::int64_t wanted);
     [[nodiscard]] CopyResult<std::size_t> readChunk(Files& files, std::int64_t wanted);
     [[nodiscard]] CopyResult<void> writeChunk(Files& files, std::size_t offset, std::size_t size);
+    [[nodiscard]] CopyResult<void> countChunk(Files& files, std::size_t size);
+    [[nodiscard]] static CopyResult<void> seek(const Files& files, std::int64_t position);
     [[nodiscard]] CopyResult<void> checkGrowth(const Files& files);
     [[nodiscard]] CopyResult<void> keepPace(const Files& files);
     void adaptChunk(double seconds) noexcept;

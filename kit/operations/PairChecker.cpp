@@ -1,6 +1,7 @@
 #include "operations/PairChecker.h"
 
 #include <algorithm>
+#include <system_error>
 #include <utility>
 
 namespace ombrel {
@@ -69,7 +70,12 @@ void PairChecker::handOver(Batch batch) {
 }
 
 void PairChecker::startHelper() {
-    if (!worker_.joinable()) worker_ = std::jthread([this](const std::stop_token& stop) { work(stop); });
+    if (worker_.joinable()) return;
+    try {
+        worker_ = std::jthread([this](const std::stop_token& stop) { work(stop); });
+    } catch (const std::system_error&) {
+        // A system that has no thread left compares on one.
+    }
 }
 
 void PairChecker::work(const std::stop_token& stop) {

@@ -3,13 +3,13 @@
 #include "listing/EntryReader.h"
 #include "listing/POSIXEntries.h"
 #include "operations/ConfirmedSource.h"
+#include "operations/FileTally.h"
 #include "operations/FolderTrail.h"
 #include "operations/TargetNames.h"
 
 #include <dirent.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <optional>
 
 namespace ombrel {
@@ -17,11 +17,11 @@ namespace {
 
 class Measuring {
 public:
-    Measuring(TransferMeasure& measure, const FileSystemTraits& target, const std::function<bool()>& goesOn)
-        : measure_(measure), target_(target), goesOn_(goesOn) {}
+    Measuring(FileTally& tally, const FileSystemTraits& target, const std::function<bool()>& goesOn)
+        : tally_(tally), target_(target), goesOn_(goesOn) {}
 
     void measure(POSIX::Place top, const FileStatus& status) {
-        if (status.isRegular()) count(status, {});
+        if (status.isRegular()) tally_.count(status, {}, "");
         if (!status.isDirectory()) return;
         auto trail = FolderTrail::from(top.folder, FolderTrail::Mounts::cross);
         if (!trail) return;
@@ -41,47 +41,44 @@ public:
     }
 
 private:
-    /// Goes into the folder and counts the files in it.
+    /// Goes into the folder and has the files in it counted.
     void enter(const char* name) {
         if (!trail_->enter(name)) return;
         auto& folders = levels_.emplace_back();
         if (trail_->isInsideItself() || !POSIX::rewind(trail_->fd())) return;
+        const std::string path = below();
+        FileTally::Names files;
         reader_.begin(trail_->fd());
         for (;;) {
             const auto entry = reader_.next();
-            if (!entry || !*entry) return;
+            if (!entry || !*entry) break;
             const auto& [entryName, type, inode] = **entry;
             if (const auto fault = TargetNames::faultOf(entryName, target_)) {
-                refuse(entryName, FileOperationError::invalidName(*fault));
+                tally_.refuse(path + std::string(entryName), FileOperationError::invalidName(*fault));
                 continue;
             }
-            if (type == DT_DIR) {
-                folders.emplace_back(entryName);
-            } else if (type == DT_REG || type == DT_UNKNOWN) {
+            bool isFolder = type == DT_DIR;
+            if (type == DT_UNKNOWN) {
                 const auto status = POSIX::lstat(POSIX::Place{trail_->fd(), entryName.data()});
-                if (status && status->isDirectory()) folders.emplace_back(entryName);
-                if (status && status->isRegular()) count(*status, entryName);
+                isFolder = status && status->isDirectory();
+                if (status && status->isRegular()) tally_.count(*status, path, entryName.data());
             }
+            if (isFolder) folders.emplace_back(entryName);
+            if (type != DT_REG) continue;
+            files.text.append(entryName).push_back('\0');
+            ++files.count;
         }
+        tally_.add(trail_->fd(), path, std::move(files));
     }
 
-    void count(const FileStatus& status, std::string_view name) {
-        if (status.size > target_.largestFile) return refuse(name, FileOperationError::posix(EFBIG));
-        measure_.bytes += status.size;
-        measure_.allocated += TransferMeasure::roomOf(status);
+    /// The way to the present folder from the item, without the name of the item itself.
+    [[nodiscard]] std::string below() const {
+        std::string path = trail_->pathOf("");
+        path.erase(0, path.find('/') + 1);
+        return path;
     }
 
-    void refuse(std::string_view name, const FileOperationError& error) {
-        std::string path;
-        if (trail_) {
-            // Below the item: without the name of the top itself.
-            path = trail_->pathOf(name);
-            path.erase(0, path.find('/') + 1);
-        }
-        measure_.refusals.push_back({std::move(path), error});
-    }
-
-    TransferMeasure& measure_;
+    FileTally& tally_;
     const FileSystemTraits& target_;
     const std::function<bool()>& goesOn_;
     EntryReader reader_;
@@ -98,11 +95,12 @@ std::int64_t TransferMeasure::roomOf(const FileStatus& file) noexcept {
 
 TransferMeasure TransferMeasure::of(const FileReference& item, const FileSystemTraits& target,
                                     const std::function<bool()>& goesOn) {
-    TransferMeasure measure;
-    measure.isKnown = true;
+    FileTally tally(target, goesOn);
     const auto source = ConfirmedSource::of(item);
     if (source && source->folder())
-        Measuring(measure, target, goesOn).measure(source->place(), source->status());
+        Measuring(tally, target, goesOn).measure(source->place(), source->status());
+    TransferMeasure measure = tally.finish();
+    measure.isKnown = true;
     return measure;
 }
 

@@ -25,7 +25,7 @@ struct TransferMeasure {
     std::vector<Refusal> refusals;
 
     /// Walks the tree without following links. What cannot be read counts for nothing: whoever copies it is
-    /// told. `goesOn` is asked for each folder.
+    /// told. `goesOn` is asked for each folder, on two threads.
     [[nodiscard]] static TransferMeasure of(const FileReference& item, const FileSystemTraits& target,
                                             const std::function<bool()>& goesOn);
     /// What the contents of a regular file take up, in bytes.
