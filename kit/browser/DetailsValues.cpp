@@ -69,6 +69,7 @@ void DetailsValues::follow(BrowserModel& pane) {
     connect(&pane, &BrowserModel::selectionChanged, this, &DetailsValues::wait);
     connect(&pane, &BrowserModel::locationChanged, this, &DetailsValues::wait);
     connect(&pane, &BrowserModel::itemsChanged, this, &DetailsValues::wait);
+    connect(&pane, &BrowserModel::listingStateChanged, this, &DetailsValues::wait);
     load();
 }
 
@@ -99,9 +100,15 @@ void DetailsValues::load() {
     const FileSelection& selection = pane_->selection();
     const auto& folder = pane_->currentURL();
     const std::size_t count = selection.empty() ? (folder ? 1 : 0) : selection.count();
+    const bool isOfFolder = selection.empty();
+    // The pane is counting its folder already.
+    const bool isCountedHere = isOfFolder && !pane_->isSearching();
+    std::optional<std::int64_t> counted;
+    if (isCountedHere && pane_->listingState() == ListingState::Case::loaded)
+        counted = static_cast<std::int64_t>(pane_->items().size());
     isReading_ = count > 0;
     // What the listing knows is there at once; for the folder itself, what was there stays until it is read.
-    if (count == 1 && !selection.empty()) {
+    if (count == 1 && !isOfFolder) {
         content_ = {.count = 1,
                     .previews = selection.items(),
                     .facts = {},
@@ -118,8 +125,8 @@ void DetailsValues::load() {
     try {
         reader_ = Worker(
             "ombrel-details",
-            [self = QPointer(this), ticket, selection = FileSelection(selection), folder,
-             showsHidden = pane_->filter().showsHidden](const std::stop_token& stop) mutable {
+            [self = QPointer(this), ticket, selection = FileSelection(selection), folder, isCountedHere,
+             counted, showsHidden = pane_->filter().showsHidden](const std::stop_token& stop) mutable {
                 Found found;
                 const auto items = selection.empty() ? std::vector{itemAt(*folder)} : selection.items();
                 selection = {};
@@ -131,7 +138,10 @@ void DetailsValues::load() {
                     const FileItem& one = items.front();
                     found.facts = ItemValues::read(one);
                     found.facts->dimensions = ItemValues::dimensionsOf(one);
-                    if (found.facts->isFolder) found.items = itemsIn(one.url(), showsHidden, stop);
+                    if (isCountedHere)
+                        found.items = counted;
+                    else if (found.facts->isFolder)
+                        found.items = itemsIn(one.url(), showsHidden, stop);
                 }
                 if (stop.stop_requested()) return;
                 MainThread::post([self, ticket, found = std::move(found)] {

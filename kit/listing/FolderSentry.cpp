@@ -19,7 +19,7 @@ namespace {
 constexpr std::chrono::milliseconds nap(10);
 
 /// Before a large folder is watched for the first time.
-constexpr std::chrono::milliseconds headStart(15);
+constexpr std::chrono::milliseconds headStart(60);
 
 bool isOneOf(int number, std::initializer_list<int> numbers) {
     return std::ranges::find(numbers, number) != numbers.end();

@@ -209,10 +209,8 @@ void DetailsView::paintRow(QPainter& painter, std::size_t row, const QRect& rect
     const QRect text = nameTextRect(rect);
     painter.setFont(font());
     painter.setPen(ItemPainting::nameColor(theme(), shown, state));
-    painter.drawText(text,
-                     QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft) | Qt::AlignVCenter |
-                         Qt::TextSingleLine,
-                     fontMetrics().elidedText(shown.name, Qt::ElideMiddle, text.width()));
+    lines_.draw(painter, text, QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft), shown.name,
+                Qt::ElideMiddle);
     const bool isLoud = isOnSelection && theme().appearance().isHighContrast;
     painter.setPen(theme().color(isLoud ? ThemeColor::onSelection : ThemeColor::textSecondary));
     paintText(painter, rect, DetailsColumn::dateModified, shown.date);
@@ -231,15 +229,12 @@ QString DetailsView::folderText(std::size_t row) const {
     return QString::fromStdString(FileName::displayText(path));
 }
 
-void DetailsView::paintText(QPainter& painter, const QRect& row, DetailsColumn column,
-                            const QString& text) const {
+void DetailsView::paintText(QPainter& painter, const QRect& row, DetailsColumn column, const QString& text) {
     if (text.isEmpty() || header_->width(column) == 0) return;
     const int margin = theme().size(ThemeSize::space8);
     const QRect rect = cell(row, column).adjusted(margin, 0, -margin, 0);
     const auto side = column == DetailsColumn::size ? Qt::AlignRight : Qt::AlignLeft;
-    painter.drawText(rect,
-                     QStyle::visualAlignment(layoutDirection(), side) | Qt::AlignVCenter | Qt::TextSingleLine,
-                     fontMetrics().elidedText(text, Qt::ElideRight, rect.width()));
+    lines_.draw(painter, rect, QStyle::visualAlignment(layoutDirection(), side), text, Qt::ElideRight);
 }
 
 void DetailsView::paintPlaceholder(QPainter& painter, int index) {

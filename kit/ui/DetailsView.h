@@ -2,6 +2,7 @@
 
 #include "ui/DetailsHeader.h"
 #include "ui/FileView.h"
+#include "ui/TextLines.h"
 
 namespace ombrel {
 
@@ -45,9 +46,10 @@ private:
     [[nodiscard]] QRect mirrored(const QRect& in, const QRect& rect) const;
     [[nodiscard]] QRect nameTextRect(const QRect& row) const;
     void paintIcon(QPainter& painter, std::size_t row, const QRect& rect);
-    void paintText(QPainter& painter, const QRect& row, DetailsColumn column, const QString& text) const;
+    void paintText(QPainter& painter, const QRect& row, DetailsColumn column, const QString& text);
 
     int rowHeight_ = 1;
+    TextLines lines_;
     DetailsHeader* header_;
     QWidget* besideHeader_; ///< keeps the vertical scroll bar below the header
 };

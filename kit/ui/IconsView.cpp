@@ -238,7 +238,7 @@ void IconsView::paintRow(QPainter& painter, std::size_t row, const QRect& rect, 
     painter.setPen(color);
     QRect line = textRect(rect, 1);
     for (const QString& text : lines) {
-        painter.drawText(line, Qt::AlignHCenter | Qt::AlignVCenter | Qt::TextSingleLine, text);
+        texts_.draw(painter, line, Qt::AlignHCenter, text, Qt::ElideNone);
         line.translate(0, measures_.lineHeight);
     }
 }

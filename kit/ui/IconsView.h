@@ -3,6 +3,7 @@
 #include "services/IconSize.h"
 #include "ui/FileView.h"
 #include "ui/NameLines.h"
+#include "ui/TextLines.h"
 
 #include <optional>
 
@@ -66,6 +67,7 @@ private:
     Measures measures_;
     int columns_ = 1;
     NameLines names_;
+    TextLines texts_;
 };
 
 } // namespace ombrel
