@@ -45,7 +45,7 @@ ItemTransfer::ItemTransfer(TransferRun& run, TransferSettlement& settlement,
                            std::shared_ptr<TransferDestination> destination, const TransferItem& item,
                            TransferMeasure& measure)
     : run_(run), settlement_(settlement), destination_(std::move(destination)), item_(item),
-      measure_(measure) {}
+      measure_(measure), replaced_(*destination_, left_) {}
 
 FileURL ItemTransfer::targetURL() const {
     return destination_->url().appending(target_.name, markOf(isFolder()));
@@ -92,23 +92,14 @@ ItemTransfer::End ItemTransfer::transfer() {
 
 /// One result for each name of ours that is still there.
 ItemTransfer::End ItemTransfer::end() {
-    giveUpReplacing();
+    replaced_.giveUp();
     for (const auto& [place, name] : left_)
         run_.results.push_back({place, ItemOutcome::failed(Error::partialCopyLeftBehind(name))});
     return End::done;
 }
 
-/// What was to make way stays after all.
-void ItemTransfer::giveUpReplacing() {
-    if (!replaced_) return;
-    (void)replaced_->putBack();
-    for (auto& name : replaced_->leftBehind())
-        left_.emplace_back(targetURL(), std::move(name));
-    replaced_.reset();
-}
-
 ItemTransfer::Result<ItemTransfer::Attempt> ItemTransfer::attempt() {
-    giveUpReplacing();
+    replaced_.giveUp();
     target_ = {};
     keepsBoth_ = false;
     if (auto confirmed = confirm(); !confirmed) return std::unexpected(confirmed.error());
@@ -253,17 +244,21 @@ ItemTransfer::Result<std::optional<ItemTransfer::Attempt>> ItemTransfer::rename(
         return failure(Error::invalidName(*fault));
     for (;;) {
         if (target_.replaced) {
-            const auto renamed = renameReplacing();
+            replaced_.begin(target_.name, *target_.replaced, targetURL());
+            const auto renamed = replaced_.renameOver(*source_, sourceNumbersLast_);
             if (renamed) return Attempt::completed;
-            if (renamed.error().error == Error::posix(EXDEV)) return std::nullopt;
-            if (renamed.error().error.which() == Error::Case::sourceRemovalFailed)
-                return keepSource(renamed.error().error);
-            if (renamed.error().error != Error::Case::destinationExists)
-                return std::unexpected(renamed.error());
+            const Error& error = renamed.error();
+            if (error == Error::posix(EXDEV)) return std::nullopt;
+            if (error.which() == Error::Case::sourceRemovalFailed) return keepSource(error);
+            if (error != Error::Case::destinationExists) return failure(error);
         } else {
             const auto renamed = relocate(source_->place(), source_->status(), targetPlace());
-            if (renamed && !hasMovedAnother()) return Attempt::completed;
-            if (renamed) return failure(Error::Case::sourceChanged);
+            if (renamed) {
+                const bool isOther =
+                    gaveBackAnother(source_->place(), source_->status(), sourceNumbersLast_, targetPlace());
+                if (isOther) return failure(Error::Case::sourceChanged);
+                return Attempt::completed;
+            }
             const int number = renamed.error().number;
             if (number == EXDEV) return std::nullopt;
             if (number == ENOENT)
@@ -281,48 +276,10 @@ ItemTransfer::Result<std::optional<ItemTransfer::Attempt>> ItemTransfer::rename(
     }
 }
 
-/// Something else had the source's name at the last moment: it gets that back. A look that fails proves
-/// nothing.
-bool ItemTransfer::hasMovedAnother() const {
-    const auto moved = POSIX::lstat(targetPlace());
-    if (!moved || !sourceNumbersLast_ || moved->identity == source_->status().identity) return false;
-    return relocate(targetPlace(), *moved, source_->place()).has_value();
-}
-
 /// The item has its new name, and the old one could not be removed.
 ItemTransfer::Result<std::optional<ItemTransfer::Attempt>> ItemTransfer::keepSource(Error reason) {
     finish(ItemOutcome::copiedSourceKept(targetURL(), std::move(reason)));
     return Attempt::settled;
-}
-
-ItemTransfer::Result<void> ItemTransfer::renameReplacing() {
-    giveUpReplacing();
-    replaced_.emplace(destination_->fd(), target_.name, *target_.replaced, numbersLast());
-    if (const auto away = replaced_->takeAway(); !away) {
-        if (away.error().isOther) return failure(Error::Case::destinationExists);
-        if (away.error().cause.number == ENOENT) {
-            target_.replaced.reset();
-            return failure(Error::Case::destinationExists);
-        }
-        return std::unexpected(fromDestination(away.error().cause));
-    }
-    const auto renamed = relocate(source_->place(), source_->status(), targetPlace());
-    const bool isThere = renamed || POSIX::areOneItem(source_->place(), targetPlace());
-    if (!isThere) {
-        if (const auto back = replaced_->putBack(); !back) return failure(Error::from(back.error()));
-        const int number = renamed.error().number;
-        return failure(number == EXDEV ? Error::posix(EXDEV) : Error::from(number));
-    }
-    if (renamed && hasMovedAnother()) {
-        (void)replaced_->putBack();
-        return failure(Error::Case::sourceChanged);
-    }
-    replaced_->remove();
-    for (auto& name : replaced_->leftBehind())
-        left_.emplace_back(targetURL(), std::move(name));
-    replaced_.reset();
-    if (!renamed) return failure(Error::sourceRemovalFailed(renamed.error().number));
-    return {};
 }
 
 // ---- Copying
@@ -349,7 +306,7 @@ ItemTransfer::Result<ItemTransfer::Attempt> ItemTransfer::copy() {
     destination_->volume().checker.abandon();
     run_.enter(Phase::copying);
     if (staged.remove()) {
-        giveUpReplacing();
+        replaced_.giveUp();
         return failure(Error::partialCopyLeftBehind(staged.name()));
     }
     if (done && (*done == Attempt::completed || *done == Attempt::settled)) run_.keepItem();
@@ -461,16 +418,13 @@ ItemTransfer::Result<ItemTransfer::Attempt> ItemTransfer::place(CopiedTree copie
 
 /// `destinationExists` when the name is not as it was found.
 ItemTransfer::Result<void> ItemTransfer::putInPlace(StagedItem& staged) {
-    giveUpReplacing();
+    replaced_.giveUp();
     if (target_.replaced) {
-        replaced_.emplace(destination_->fd(), target_.name, *target_.replaced, numbersLast());
-        const auto replaced = replaced_->makeWayFor(staged);
-        if (replaced) return {};
-        if (replaced.error().isOther) return failure(Error::Case::destinationExists);
-        if (replaced.error().cause.number != ENOENT || replaced_->isAside())
-            return std::unexpected(fromDestination(replaced.error().cause));
-        giveUpReplacing();
-        target_.replaced.reset(); // it went by itself
+        replaced_.begin(target_.name, *target_.replaced, targetURL());
+        const auto isReplaced = replaced_.makeWayFor(staged);
+        if (!isReplaced) return failure(isReplaced.error());
+        if (*isReplaced) return {};
+        target_.replaced.reset();
     }
     const auto renamed = POSIX::renameExclusive(staged.place(), targetPlace());
     if (!renamed && (renamed.error().number == EEXIST || !POSIX::areOneItem(staged.place(), targetPlace())))
@@ -482,11 +436,9 @@ ItemTransfer::Result<void> ItemTransfer::putInPlace(StagedItem& staged) {
 
 ItemTransfer::Result<ItemTransfer::Attempt> ItemTransfer::conclude(CopiedTree copied) {
     const bool isMove = run_.kind == FileOperationKind::move;
-    if (!isMove && !replaced_ && !destination_->volume().isDurable) return Attempt::completed;
-    TransferSettlement::Placed placed{run_.results.size(),   destination_,
-                                      target_.name,          isFolder(),
-                                      std::move(copied.top), std::exchange(replaced_, std::nullopt),
-                                      std::nullopt};
+    if (!isMove && !replaced_.isBegun() && !destination_->volume().isDurable) return Attempt::completed;
+    TransferSettlement::Placed placed{run_.results.size(),   destination_,         target_.name, isFolder(),
+                                      std::move(copied.top), replaced_.handOver(), std::nullopt};
     if (isMove) {
         SourceRemoval::Settings settings;
         settings.likeness =

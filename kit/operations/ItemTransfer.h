@@ -2,7 +2,7 @@
 
 #include "operations/ConfirmedSource.h"
 #include "operations/CopyEngine.h"
-#include "operations/SetAside.h"
+#include "operations/ReplacedItem.h"
 #include "operations/StagedItem.h"
 #include "operations/TransferDestination.h"
 #include "operations/TransferItem.h"
@@ -68,8 +68,6 @@ private:
 
     [[nodiscard]] bool mayRename() const noexcept;
     [[nodiscard]] Result<std::optional<Attempt>> rename();
-    [[nodiscard]] Result<void> renameReplacing();
-    [[nodiscard]] bool hasMovedAnother() const;
     [[nodiscard]] Result<std::optional<Attempt>> keepSource(FileOperationError reason);
 
     [[nodiscard]] Result<Attempt> copy();
@@ -81,7 +79,6 @@ private:
     [[nodiscard]] Result<Attempt> place(CopiedTree copied, StagedItem& staged);
     [[nodiscard]] Result<void> putInPlace(StagedItem& staged);
     [[nodiscard]] Result<Attempt> conclude(CopiedTree copied);
-    void giveUpReplacing();
 
     [[nodiscard]] std::unexpected<Failure> failure(FileOperationError error) const {
         return std::unexpected(Failure{std::move(error)});
@@ -90,7 +87,6 @@ private:
     [[nodiscard]] FileURL targetURL() const;
     [[nodiscard]] POSIX::Place targetPlace() const noexcept;
     [[nodiscard]] bool isFolder() const noexcept { return source_->status().isDirectory(); }
-    [[nodiscard]] bool numbersLast() const noexcept { return !destination_->volume().traits.renumbersInodes; }
     void finish(ItemOutcome outcome, ErrorFacts facts = {});
     End end();
 
@@ -103,9 +99,8 @@ private:
     bool isCoarse_ = false; // times of the source's file system prove nothing
     bool sourceNumbersLast_ = true;
     Target target_;
-    std::optional<SetAside> replaced_; // what makes way, once that has begun
-    /// Names of ours that could not be removed, by the place that they were made for.
-    std::vector<std::pair<FileURL, std::string>> left_;
+    ReplacedItem::LeftBehind left_;
+    ReplacedItem replaced_;
     bool keepsBoth_ = false; // the answer to a conflict, which need not be asked again
 };
 

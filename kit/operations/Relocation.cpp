@@ -20,4 +20,10 @@ POSIX::Result<void> relocate(POSIX::Place from, const FileStatus& item, POSIX::P
     return renamed;
 }
 
+bool gaveBackAnother(POSIX::Place from, const FileStatus& item, bool numbersLast, POSIX::Place to) {
+    const auto moved = POSIX::lstat(to);
+    if (!moved || !numbersLast || moved->identity == item.identity) return false;
+    return relocate(to, *moved, from).has_value();
+}
+
 } // namespace ombrel

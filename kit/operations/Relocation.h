@@ -13,4 +13,10 @@ namespace ombrel {
 /// it. Blocking.
 [[nodiscard]] POSIX::Result<void> relocate(POSIX::Place from, const FileStatus& item, POSIX::Place to);
 
+/// After `relocate`: whether something else had the name `from` at the last moment and was moved to `to`, and
+/// has its name back. Of items whose numbers do not last nothing can be told, and a look that fails proves
+/// nothing. Blocking.
+[[nodiscard]] bool gaveBackAnother(POSIX::Place from, const FileStatus& item, bool numbersLast,
+                                   POSIX::Place to);
+
 } // namespace ombrel
