@@ -5,6 +5,7 @@
 #include <condition_variable>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 #include <utility>
@@ -75,57 +76,50 @@ TEST(DriveQueue, LetsJobsThatShareADriveRunInTheirOrder) {
     ASSERT_TRUE(second.comesTo(State::works));
 }
 
-TEST(DriveQueue, KeepsTheOrderAmongThoseThatWait) {
+/// Of two jobs that want the same drive the second waits for the first.
+class TakenDrive : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(first.comesTo(State::works));
+        second.emplace(queue, std::vector<DriveQueue::Drive>{1});
+        ASSERT_TRUE(second->waitsFor({1}));
+    }
     DriveQueue queue;
-    WaitingJob first(queue, {1});
-    ASSERT_TRUE(first.comesTo(State::works));
-    WaitingJob second(queue, {1});
-    ASSERT_TRUE(second.waitsFor({1}));
+    WaitingJob first{queue, {1}};
+    std::optional<WaitingJob> second;
+};
+
+TEST_F(TakenDrive, KeepsTheOrderAmongThoseThatWait) {
     WaitingJob third(queue, {1});
     ASSERT_TRUE(third.waitsFor({1}));
     first.place().leave();
-    ASSERT_TRUE(second.comesTo(State::works));
+    ASSERT_TRUE(second->comesTo(State::works));
     EXPECT_TRUE(third.waitsFor({2}));
-    second.place().leave();
+    second->place().leave();
     EXPECT_TRUE(third.comesTo(State::works));
 }
 
-TEST(DriveQueue, IsPassedByAJobThatIsToStartNow) {
-    DriveQueue queue;
-    WaitingJob first(queue, {1});
-    ASSERT_TRUE(first.comesTo(State::works));
-    WaitingJob second(queue, {1});
-    ASSERT_TRUE(second.waitsFor({1}));
-    second.place().startNow();
-    ASSERT_TRUE(second.comesTo(State::works));
+TEST_F(TakenDrive, IsPassedByAJobThatIsToStartNow) {
+    second->place().startNow();
+    ASSERT_TRUE(second->comesTo(State::works));
     WaitingJob third(queue, {1});
     EXPECT_TRUE(third.waitsFor({1, 2})) << "it uses the drive all the same";
 }
 
-TEST(DriveQueue, IsNotHeldUpByAJobThatDoesNothing) {
-    DriveQueue queue;
-    WaitingJob first(queue, {1});
-    ASSERT_TRUE(first.comesTo(State::works));
-    WaitingJob second(queue, {1});
-    ASSERT_TRUE(second.waitsFor({1}));
+TEST_F(TakenDrive, IsNotHeldUpByAJobThatDoesNothing) {
     first.place().setIdle(true);
-    ASSERT_TRUE(second.comesTo(State::works));
+    ASSERT_TRUE(second->comesTo(State::works));
     first.place().setIdle(false);
     WaitingJob third(queue, {1});
     EXPECT_TRUE(third.waitsFor({1, 2})) << "it went on, and is not made to wait";
 }
 
-TEST(DriveQueue, LetsACancelledJobGoAndThoseBehindItCloseUp) {
-    DriveQueue queue;
-    WaitingJob first(queue, {1});
-    ASSERT_TRUE(first.comesTo(State::works));
-    WaitingJob second(queue, {1});
-    ASSERT_TRUE(second.waitsFor({1}));
+TEST_F(TakenDrive, LetsACancelledJobGoAndThoseBehindItCloseUp) {
     WaitingJob third(queue, {1});
     ASSERT_TRUE(third.waitsFor({1}));
-    second.cancel();
-    ASSERT_TRUE(second.comesTo(State::cancelled));
-    second.place().leave();
+    second->cancel();
+    ASSERT_TRUE(second->comesTo(State::cancelled));
+    second->place().leave();
     EXPECT_EQ(third.state(), State::waits);
     first.place().leave();
     EXPECT_TRUE(third.comesTo(State::works));

@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <chrono>
 #include <thread>
-#include <unordered_set>
 
 namespace ombrel {
 namespace {
@@ -15,14 +14,6 @@ namespace {
 using Error = FileOperationError;
 using Overall = OperationReport::Overall;
 using std::chrono::steady_clock;
-
-TEST(FileOperationKindNames, AreTheStoredOnes) {
-    EXPECT_EQ(rawValue(FileOperationKind::delete_), "delete");
-    EXPECT_EQ(rawValue(FileOperationKind::extract), "extract");
-    EXPECT_EQ(fromRawValue<FileOperationKind>("newFile"), FileOperationKind::newFile);
-    EXPECT_EQ(fromRawValue<FileOperationKind>("Copy"), std::nullopt);
-    EXPECT_EQ(fromRawValue<FileOperationKind>(""), std::nullopt);
-}
 
 TEST(FileOperationErrorFromErrno, FollowsTheTable) {
     const std::pair<int, Error> table[] = {
@@ -42,16 +33,6 @@ TEST(FileOperationErrorFromErrno, FollowsTheTable) {
     };
     for (const auto& [number, error] : table)
         EXPECT_EQ(Error::from(number), error) << number;
-}
-
-TEST(FileOperationErrorValues, CompareAndHashByPayload) {
-    EXPECT_NE(Error::posix(EIO), Error::posix(EXDEV));
-    EXPECT_NE(Error::invalidName(InvalidNameReason::empty), Error::invalidName(InvalidNameReason::reserved));
-    EXPECT_NE(Error::sourceRemovalFailed(EIO), Error::sourceRemovalFailed(std::nullopt));
-    EXPECT_NE(Error::system("zip", 1), Error::system("zip", 2));
-    const std::unordered_set<Error> set{Error::posix(EIO), Error::posix(EIO), Error::system("zip", 1),
-                                        Error::Case::noSpace};
-    EXPECT_EQ(set.size(), 3U);
 }
 
 TEST(FileOperationErrorText, NamesTheKeyAndItsArguments) {

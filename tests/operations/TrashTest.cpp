@@ -2,6 +2,7 @@
 #include "operations/SystemTrash.h"
 #include "operations/TrashInfo.h"
 #include "operations/Trashing.h"
+#include "support/ChildProcess.h"
 #include "support/FaultAt.h"
 #include "support/ScriptedAnswers.h"
 #include "support/TempTree.h"
@@ -14,7 +15,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <fstream>
@@ -517,15 +517,6 @@ INSTANTIATE_TEST_SUITE_P(Errors, TrashFaults,
 
 // ---- Other programs
 
-std::string outputOf(const std::string& command) {
-    std::string text;
-    FILE* pipe = ::popen(command.c_str(), "r");
-    for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe))
-        text.push_back(static_cast<char>(c));
-    ::pclose(pipe);
-    return text;
-}
-
 class TrashAndGio : public TrashWorld {
 protected:
     std::unique_ptr<TestMount> volume;
@@ -542,11 +533,11 @@ protected:
     /// gio with the tree's home as its user's, in a session of its own. It looks at every mount, so it gets a
     /// view without those of tests beside this one, which may be made to hang.
     std::string gio(const std::string& arguments) const {
-        return outputOf("HOME='" + home.path() + "' XDG_DATA_HOME='" + home.path() +
-                        "' GVFS_DISABLE_FUSE=1 unshare -m --propagation private sh -c "
-                        "'umount -a -l -t fuse.mirror; exec \"$@\"' sh "
-                        "dbus-run-session -- gio " +
-                        arguments + " 2>/dev/null");
+        return shellOutput("HOME='" + home.path() + "' XDG_DATA_HOME='" + home.path() +
+                           "' GVFS_DISABLE_FUSE=1 unshare -m --propagation private sh -c "
+                           "'umount -a -l -t fuse.mirror; exec \"$@\"' sh "
+                           "dbus-run-session -- gio " +
+                           arguments + " 2>/dev/null");
     }
     /// The URI that gio has for an item by its original place.
     std::string uriOf(const FileURL& original) const {

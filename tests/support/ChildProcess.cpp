@@ -15,6 +15,7 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstdio>
 #include <stdexcept>
 #include <string_view>
 #include <system_error>
@@ -188,6 +189,16 @@ int ChildProcess::reap() {
     }
     process_ = -1;
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+std::string shellOutput(const std::string& command) {
+    std::string text;
+    FILE* const pipe = ::popen(command.c_str(), "r");
+    if (!pipe) return "popen failed";
+    for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe))
+        text.push_back(static_cast<char>(c));
+    ::pclose(pipe);
+    return text;
 }
 
 } // namespace ombrel::testing

@@ -67,4 +67,7 @@ private:
     std::string unreadOutput_; ///< the same of standard output
 };
 
+/// What a command of the shell writes on standard output.
+[[nodiscard]] std::string shellOutput(const std::string& command);
+
 } // namespace ombrel::testing
