@@ -289,19 +289,21 @@ CopyResult<void> CopyEngine::copyLink(Index index, const FileStatus& status) {
     const auto made = POSIX::makeSymlink(*target, copyPlace(index));
     if (!made && (made.error().number == EPERM || !settings_.target->holdsSymlinks))
         return std::unexpected(CopyFailure{Error::posix(EOPNOTSUPP)});
-    if (!made) return std::unexpected(CopyFailure::ofCopyName(made.error()));
-    hasBegun_ = true;
-    const auto carried = EntryMetadata::carry(status, copyPlace(index), *settings_.support);
-    if (!carried) return removePartial(index, CopyFailure::ofMetadata(carried.error()));
-    manifest_.record(index, status);
-    manifest_.recordLink(index, *target);
-    return {};
+    auto done = completeMade(made, index, status);
+    if (done) manifest_.recordLink(index, *target);
+    return done;
 }
 
 CopyResult<void> CopyEngine::copyFIFO(Index index, const FileStatus& status) {
     const auto made = POSIX::makeFIFO(copyPlace(index), S_IRUSR | S_IWUSR);
     if (!made && (made.error().number == EPERM || made.error().number == ENOSYS))
         return std::unexpected(CopyFailure{Error::posix(EOPNOTSUPP)});
+    return completeMade(made, index, status);
+}
+
+/// Of an entry without contents, once the call that makes it has answered.
+CopyResult<void> CopyEngine::completeMade(const POSIX::Result<void>& made, Index index,
+                                          const FileStatus& status) {
     if (!made) return std::unexpected(CopyFailure::ofCopyName(made.error()));
     hasBegun_ = true;
     const auto carried = EntryMetadata::carry(status, copyPlace(index), *settings_.support);

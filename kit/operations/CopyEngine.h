@@ -92,6 +92,8 @@ private:
     [[nodiscard]] CopyResult<void> fillFile(Index index, int from, const FileStatus& status, OwnedFd& to);
     [[nodiscard]] CopyResult<void> copyLink(Index index, const FileStatus& status);
     [[nodiscard]] CopyResult<void> copyFIFO(Index index, const FileStatus& status);
+    [[nodiscard]] CopyResult<void> completeMade(const POSIX::Result<void>& made, Index index,
+                                                const FileStatus& status);
     [[nodiscard]] CopyResult<void> removePartial(Index index, CopyFailure failure);
     [[nodiscard]] bool openPair();
     void checkAhead();
