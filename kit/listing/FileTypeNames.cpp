@@ -2,6 +2,7 @@
 
 #include "base/FileName.h"
 #include "base/Text.h"
+#include "base/TextMap.h"
 #include "listing/TypeDatabase.h"
 
 #include <unicode/ucasemap.h>
@@ -11,7 +12,6 @@
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <unordered_map>
 
 namespace ombrel::FileTypeNames {
 namespace {
@@ -51,14 +51,8 @@ public:
     }
 
 private:
-    struct Hash {
-        using is_transparent = void;
-        std::size_t operator()(std::string_view text) const noexcept {
-            return std::hash<std::string_view>{}(text);
-        }
-    };
     std::mutex mutex_; // guards answers_
-    std::unordered_map<std::string, std::string, Hash, std::equal_to<>> answers_;
+    TextMap<std::string> answers_;
 };
 
 Answers& answers() {

@@ -1,12 +1,11 @@
 #pragma once
 
+#include "base/TextMap.h"
 #include "listing/FileItem.h"
 
 #include <array>
 #include <cstdint>
-#include <string>
 #include <string_view>
-#include <unordered_map>
 
 namespace ombrel {
 
@@ -22,14 +21,8 @@ public:
 
 private:
     static constexpr std::uint32_t unasked = 0xFFFFFFFF;
-    struct Hash {
-        using is_transparent = void;
-        std::size_t operator()(std::string_view text) const noexcept {
-            return std::hash<std::string_view>{}(text);
-        }
-    };
 
-    std::unordered_map<std::string, std::uint32_t, Hash, std::equal_to<>> byExtension_;
+    TextMap<std::uint32_t> byExtension_;
     std::array<std::uint32_t, 16> byKind_ = filled();
     static constexpr std::array<std::uint32_t, 16> filled() {
         std::array<std::uint32_t, 16> numbers{};

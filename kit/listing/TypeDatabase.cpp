@@ -2,6 +2,8 @@
 
 #include "base/FileName.h"
 #include "base/Text.h"
+#include "base/TextMap.h"
+#include "listing/GLibPointers.h"
 #include "listing/TypeTables.h"
 
 #include <gio/gio.h>
@@ -35,7 +37,7 @@ constexpr std::size_t longestExtension = 64;
 /// millions.
 constexpr std::size_t rememberedExtensions = 65536;
 
-using CString = std::unique_ptr<char, decltype([](char* text) { g_free(text); })>;
+using GLib::CString;
 
 constexpr std::optional<TypeTables::PackageType> packageOf(TypeIndex type) noexcept {
     const std::size_t row = type - firstPackageIndex;
@@ -143,14 +145,8 @@ public:
     }
 
 private:
-    struct Hash {
-        using is_transparent = void;
-        std::size_t operator()(std::string_view text) const noexcept {
-            return std::hash<std::string_view>{}(text);
-        }
-    };
     std::shared_mutex mutex_; // guards types_
-    std::unordered_map<std::string, TypeIndex, Hash, std::equal_to<>> types_;
+    TextMap<TypeIndex> types_;
 };
 
 Extensions& extensions() {

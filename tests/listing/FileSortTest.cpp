@@ -66,11 +66,5 @@ TEST_F(Sorted, MergesListsOfDifferentFolders) {
     EXPECT_EQ(FileSort().merge(first->items(), {}).size(), 3U);
 }
 
-TEST(SortKey, GoesThereAndBackByItsRawValue) {
-    for (const auto key : FileSort::allKeys)
-        EXPECT_EQ(FileSort::keyFromRawValue(FileSort::rawValue(key)), key);
-    EXPECT_FALSE(FileSort::keyFromRawValue("Name"));
-}
-
 } // namespace
 } // namespace ombrel

@@ -39,13 +39,5 @@ TEST(PinnedFolderTitle, IsTheNameOrThePathOfTheRoot) {
     EXPECT_EQ(PinnedFolder(FileURL()).title(), "/");
 }
 
-TEST(PinnedFolderDefaults, AreTheSixInTheirOrder) {
-    std::vector<std::string> stored;
-    for (const auto& folder : PinnedFolder::defaults())
-        stored.push_back(folder.stored());
-    EXPECT_THAT(stored, ::testing::ElementsAre("known:desktop", "known:downloads", "known:documents",
-                                               "known:pictures", "known:music", "known:videos"));
-}
-
 } // namespace
 } // namespace ombrel
