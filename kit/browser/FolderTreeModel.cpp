@@ -1,53 +1,18 @@
 #include "browser/FolderTreeModel.h"
 
 #include "base/FileName.h"
-#include "base/MainThread.h"
 #include "base/Text.h"
-#include "base/Worker.h"
+#include "browser/FolderTreeBranches.h"
 #include "browser/FolderTreeFollower.h"
-#include "listing/SubfolderProbe.h"
+#include "browser/FolderTreeNode.h"
 
 #include <algorithm>
 #include <climits>
 #include <functional>
-#include <system_error>
 #include <unordered_map>
 #include <unordered_set>
 
 namespace ombrel {
-
-namespace {
-
-/// Of names that may be looked up without a copy.
-struct NameHash {
-    using is_transparent = void;
-    std::size_t operator()(std::string_view name) const noexcept {
-        return std::hash<std::string_view>{}(name);
-    }
-};
-
-} // namespace
-
-/// A row at the top, or a folder below that is open. Rows of closed folders have none: an index points to the
-/// node of the row above it in the tree and counts in what that has read.
-struct FolderTreeModel::Node {
-    Node* parent = nullptr;
-    int row = 0;
-    Kind kind = Kind::folder;
-    std::string key; ///< tells the rows at the top apart; of others the name
-    std::optional<FileURL> url;
-    std::size_t place = 0; ///< its number in the HomeModel; of a head its section
-    bool hasFolders = true;
-    Nodes children; ///< of the root all rows, of others those that are open
-    std::unique_ptr<FolderBranch> branch;
-    std::unordered_map<std::string, bool, NameHash, std::equal_to<>>
-        probed;                            ///< which of the closed folders have folders
-    std::unordered_set<std::string> asked; ///< names that are being looked into, or have been
-    std::vector<std::string> toProbe;
-    Worker prober;
-    bool isProbing = false;
-    std::set<FileURL> toReopen; ///< was open below when this was closed
-};
 
 namespace {
 
@@ -56,9 +21,6 @@ using Section = HomeModel::Section;
 QString localizedText(std::string_view key) {
     return QString::fromStdString(Texts::localized(key));
 }
-
-/// More than anybody opens by hand.
-constexpr std::size_t mostReopened = 256;
 
 QString headTitle(Section section) {
     switch (section) {
@@ -78,13 +40,17 @@ ItemFilter filterOf(const AppSettings& settings) {
 
 FolderTreeModel::FolderTreeModel(AppServices& services, HomeModel& home, const ListingFeed::Source& listings,
                                  QObject* parent)
-    : QAbstractItemModel(parent), services_(services), home_(home),
-      listings_(FolderBranch::inTurns(listings, services.treeLimiter())),
-      filter_(filterOf(services.settings())), root_(std::make_unique<Node>()),
+    : QAbstractItemModel(parent), home_(home), root_(std::make_unique<Node>()),
+      branches_(std::make_unique<FolderTreeBranches>(
+          FolderBranch::inTurns(listings, services.treeLimiter()), filterOf(services.settings()),
+          FolderTreeBranches::Told{
+              [this](Node& node, const std::function<void()>& made) { change(node, made); },
+              [this](Node& node) { handleProbed(node); }})),
       follower_(std::make_unique<FolderTreeFollower>(*this)) {
     root_->children = topRows();
     connect(&home, &HomeModel::changed, this, &FolderTreeModel::rebuildTop);
-    connect(&services.settings(), &AppSettings::changed, this, &FolderTreeModel::refilter);
+    connect(&services.settings(), &AppSettings::changed, this,
+            [this, &settings = services.settings()] { branches_->setFilter(filterOf(settings)); });
 }
 
 FolderTreeModel::~FolderTreeModel() = default;
@@ -174,9 +140,7 @@ bool FolderTreeModel::hasChildren(const QModelIndex& parent) const {
     if (node && node->branch) return !node->branch->isComplete() || !node->branch->items().empty();
     if (node) return node->hasFolders;
     const auto& above = *static_cast<const Node*>(parent.internalPointer());
-    const auto probed =
-        above.probed.find(above.branch->items()[static_cast<std::size_t>(parent.row())].name());
-    return probed != above.probed.end() && probed->second;
+    return above.probes.has(above.branch->items()[static_cast<std::size_t>(parent.row())].name());
 }
 
 FolderTreeModel::Entry FolderTreeModel::entry(const QModelIndex& index) const {
@@ -255,7 +219,7 @@ void FolderTreeModel::invalidate(const Nodes& gone) {
     std::unordered_set<const void*> nodes;
     const std::function<void(const Node&)> collect = [&](const Node& node) {
         nodes.insert(&node);
-        std::erase(open_, &node);
+        branches_->forget(node);
         for (const auto& child : node.children)
             collect(*child);
     };
@@ -290,7 +254,7 @@ void FolderTreeModel::rebuildTop() {
         // What is below it goes; the row itself stays.
         closed->children = std::move(row->children);
         closed->branch = std::move(row->branch);
-        std::erase(open_, row.get());
+        branches_->forget(*row);
         for (const auto& index : persistentIndexList())
             if (index.internalPointer() == row.get()) changePersistentIndex(index, {});
         before.push_back(std::move(closed));
@@ -315,7 +279,7 @@ void FolderTreeModel::change(Node& node, const std::function<void()>& change) {
     move(node, held, gone);
     invalidate(gone);
     Q_EMIT layoutChanged({QPersistentModelIndex(indexOf(node))});
-    node.asked.clear();
+    node.probes.askAnew();
     reopen(node);
     advance();
 }
@@ -343,14 +307,6 @@ void FolderTreeModel::move(Node& node, const std::vector<std::pair<QModelIndex, 
         if (child->row < 0) gone.push_back(std::move(child));
     }
     std::erase(node.children, nullptr);
-}
-
-void FolderTreeModel::refilter() {
-    const ItemFilter filter = filterOf(services_.settings());
-    if (filter == filter_) return;
-    filter_ = filter;
-    for (Node* const node : open_)
-        node->branch->setFilter(filter);
 }
 
 // ---- Branches
@@ -392,11 +348,7 @@ void FolderTreeModel::open(const QModelIndex& index) {
         above->children.push_back(std::move(made));
     }
     follower_->noteOpened(index);
-    node->branch = std::make_unique<FolderBranch>(
-        *node->url, listings_, filter_,
-        [this, node](const std::function<void()>& made) { change(*node, made); });
-    open_.push_back(node);
-    keepWatchesBounded();
+    branches_->open(*node);
     Q_EMIT opened(index);
     advance();
 }
@@ -405,28 +357,11 @@ void FolderTreeModel::close(const QModelIndex& index, By who) {
     if (!isOpen(index)) return;
     Node& node = *nodeOf(index);
     if (who == By::hand) follower_->noteClosedByHand(index);
-    const bool hasFolders = !node.branch->isComplete() || !node.branch->items().empty();
-    node.toReopen.clear();
-    const std::function<void(const Node&)> remember = [&](const Node& above) {
-        for (const auto& child : above.children) {
-            if (node.toReopen.size() < mostReopened) node.toReopen.insert(*child->url);
-            remember(*child);
-        }
-    };
-    remember(node);
-
     Q_EMIT layoutAboutToBeChanged({QPersistentModelIndex(index)});
     for (const auto& held : persistentIndexList())
         if (held.internalPointer() == &node) changePersistentIndex(held, {});
-    Nodes gone = std::move(node.children);
-    node.children.clear();
-    invalidate(gone);
-    std::erase(open_, &node);
-    auto branch = std::move(node.branch);
-    node.hasFolders = hasFolders;
-    node.probed.clear();
-    node.asked.clear();
-    node.toProbe.clear();
+    const auto dropped = branches_->close(node);
+    invalidate(dropped.children);
     Q_EMIT layoutChanged({QPersistentModelIndex(index)});
     advance();
 }
@@ -446,15 +381,8 @@ void FolderTreeModel::reopen(Node& node) {
     }
 }
 
-void FolderTreeModel::keepWatchesBounded() {
-    const std::size_t unwatched = open_.size() > mostWatched ? open_.size() - mostWatched : 0;
-    for (std::size_t i = 0; i < unwatched; ++i)
-        open_[i]->branch->setWatched(false);
-}
-
 void FolderTreeModel::refresh() {
-    for (Node* const node : std::deque(open_))
-        if (!node->branch->isWatched()) node->branch->refresh();
+    branches_->refresh();
 }
 
 // ---- Which closed folders have folders
@@ -463,54 +391,20 @@ void FolderTreeModel::look(const QModelIndexList& rows) {
     std::vector<Node*> parents;
     for (const auto& index : rows) {
         auto* const above = static_cast<Node*>(index.internalPointer());
-        if (!index.isValid() || above == root_.get() || !above->branch) continue;
+        if (!index.isValid() || !above->branch) continue;
         const auto& items = above->branch->items();
         const auto row = static_cast<std::size_t>(index.row());
-        if (row >= items.size() || !above->asked.emplace(items[row].name()).second) continue;
-        above->toProbe.emplace_back(items[row].name());
+        if (row >= items.size() || !above->probes.ask(items[row].name())) continue;
         if (std::ranges::find(parents, above) == parents.end()) parents.push_back(above);
     }
     for (Node* const node : parents)
-        probe(*node);
+        branches_->probe(*node);
 }
 
-void FolderTreeModel::probe(Node& node) {
-    // One at a time for each folder: a dead mount among them holds up no other branch.
-    if (node.isProbing || node.toProbe.empty()) return;
-    node.isProbing = true;
-    try {
-        node.prober =
-            Worker("ombrel-probe", [self = QPointer(this), parent = QPersistentModelIndex(indexOf(node)),
-                                    folder = *node.url, names = std::exchange(node.toProbe, {}),
-                                    probe = SubfolderProbe{filter_.showsHidden, filter_.showsProtected}](
-                                       const std::stop_token& stop) mutable {
-                std::vector<std::pair<std::string, bool>> found;
-                for (auto& name : names) {
-                    if (stop.stop_requested()) break;
-                    const bool has = probe.look(folder.appending(name), stop) != SubfolderProbe::Answer::none;
-                    found.emplace_back(std::move(name), has);
-                }
-                MainThread::post([self, parent = std::move(parent), found = std::move(found)] {
-                    if (self) self->takeProbes(parent, found);
-                });
-            });
-    } catch (const std::system_error&) {
-        node.isProbing = false;
-    }
-}
-
-void FolderTreeModel::takeProbes(const QPersistentModelIndex& parent,
-                                 const std::vector<std::pair<std::string, bool>>& found) {
-    Node* const node = parent.isValid() ? nodeOf(parent) : nullptr;
-    if (!node) return;
-    node->isProbing = false;
-    if (node->branch) {
-        for (const auto& [name, has] : found)
-            node->probed.insert_or_assign(name, has);
-        if (const int rows = rowCount(parent); rows > 0)
-            Q_EMIT dataChanged(index(0, 0, parent), index(rows - 1, 0, parent));
-    }
-    probe(*node);
+void FolderTreeModel::handleProbed(Node& node) {
+    const auto parent = indexOf(node);
+    if (const int rows = rowCount(parent); rows > 0)
+        Q_EMIT dataChanged(index(0, 0, parent), index(rows - 1, 0, parent));
 }
 
 // ---- The folder that is shown

@@ -8,7 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -18,7 +18,9 @@
 
 namespace ombrel {
 
+class FolderTreeBranches;
 class FolderTreeFollower;
+struct FolderTreeNode;
 
 /// The rows of the navigation tree: the home page, and below a head each the pinned folders, the granted
 /// locations and the volumes; below every one of these its folders, as far as they have been opened.
@@ -110,7 +112,7 @@ Q_SIGNALS:
     void currentChanged();
 
 private:
-    struct Node;
+    using Node = FolderTreeNode;
     using Nodes = std::vector<std::unique_ptr<Node>>;
 
     [[nodiscard]] Kind kindOf(const QModelIndex& index) const;
@@ -123,20 +125,12 @@ private:
     void move(Node& node, const std::vector<std::pair<QModelIndex, std::string>>& held, Nodes& gone);
     void invalidate(const Nodes& gone);
     void reopen(Node& node);
-    void keepWatchesBounded();
-    void forget(const Node& node);
-    void probe(Node& node);
-    void takeProbes(const QPersistentModelIndex& parent,
-                    const std::vector<std::pair<std::string, bool>>& found);
-    void refilter();
+    void handleProbed(Node& node);
     void advance();
 
-    AppServices& services_;
     HomeModel& home_;
-    ListingFeed::Source listings_;
-    ItemFilter filter_;
     std::unique_ptr<Node> root_;
-    std::deque<Node*> open_; ///< the earliest first
+    std::unique_ptr<FolderTreeBranches> branches_;
     std::unique_ptr<FolderTreeFollower> follower_;
 };
 
