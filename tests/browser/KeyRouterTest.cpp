@@ -22,9 +22,6 @@ protected:
           keys(commands, {.preset = [this] { return preset; },
                           .activePane = [this]() -> BrowserModel& { return tabs.activeTab(); },
                           .performTabCommand = [this](TabCommand command) { tabs.perform(command); }}) {
-        commands.bind(FileCommand::open, {.perform = [](BrowserModel& pane) {
-                          pane.navigate(pane.items()[*pane.selection().firstRow()].url());
-                      }});
         for (const auto command : {FileCommand::moveToTrash, FileCommand::newFolder, FileCommand::paste})
             commands.bind(command, {.perform = [this, command](BrowserModel&) { done.push_back(command); }});
     }
@@ -52,50 +49,6 @@ protected:
     KeyRouter keys;
     std::vector<FileCommand> done;
 };
-
-TEST_F(WindowOfKeys, IsDrivenByKeysOfBothPresets) {
-    struct Keys {
-        KeyPreset preset;
-        std::string_view open, back, forward, up, selectAll, newTab, nextTab, closeTab, newFolder, paste,
-            trash;
-    };
-    for (const Keys& with :
-         {Keys{KeyPreset::windows, "return", "backspace", "alt+right", "alt+up", "ctrl+a", "ctrl+t",
-               "ctrl+tab", "ctrl+w", "ctrl+shift+n", "ctrl+v", "delete"},
-          Keys{KeyPreset::mac, "cmd+down", "cmd+[", "cmd+]", "cmd+up", "cmd+a", "cmd+t", "ctrl+tab", "cmd+w",
-               "shift+cmd+n", "cmd+v", "cmd+backspace"},
-          Keys{KeyPreset::mac, "ctrl+down", "ctrl+[", "ctrl+]", "ctrl+up", "ctrl+a", "ctrl+t", "ctrl+tab",
-               "ctrl+w", "ctrl+shift+n", "ctrl+v", "ctrl+backspace"}}) {
-        SCOPED_TRACE(with.open);
-        preset = with.preset;
-        done.clear();
-        ASSERT_TRUE(runUntilLoaded(tabs.activeTab()));
-        select(tabs.activeTab(), {"inner"});
-        EXPECT_TRUE(press(with.open));
-        EXPECT_EQ(shown(), "/inner");
-        EXPECT_TRUE(press(with.selectAll));
-        EXPECT_THAT(selectedNames(tabs.activeTab()), ElementsAre("one", "two"));
-        EXPECT_TRUE(press(with.back));
-        EXPECT_EQ(shown(), "");
-        EXPECT_TRUE(press(with.forward));
-        EXPECT_EQ(shown(), "/inner");
-        EXPECT_TRUE(press(with.newTab));
-        EXPECT_EQ(shown(), "home");
-        EXPECT_TRUE(press(with.nextTab));
-        EXPECT_EQ(shown(), "/inner");
-        EXPECT_TRUE(press(with.nextTab));
-        EXPECT_TRUE(press(with.closeTab));
-        EXPECT_EQ(shown(), "/inner");
-        EXPECT_EQ(tabs.count(), 1U);
-        EXPECT_TRUE(press(with.up));
-        EXPECT_EQ(shown(), "");
-        EXPECT_TRUE(press(with.newFolder));
-        EXPECT_TRUE(press(with.paste));
-        EXPECT_THAT(selectedNames(tabs.activeTab()), ElementsAre("inner"));
-        EXPECT_TRUE(press(with.trash));
-        EXPECT_THAT(done, ElementsAre(FileCommand::newFolder, FileCommand::paste, FileCommand::moveToTrash));
-    }
-}
 
 TEST_F(WindowOfKeys, LetsKeysGoOnThatMeanNothingHere) {
     EXPECT_FALSE(press("f2")) << "nothing renames";
