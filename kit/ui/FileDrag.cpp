@@ -1,6 +1,7 @@
 #include "ui/FileDrag.h"
 
 #include "services/ClipboardFormats.h"
+#include "ui/DragRun.h"
 #include "ui/FileView.h"
 #include "ui/Formats.h"
 #include "ui/Theme.h"
@@ -79,7 +80,8 @@ void FileDrag::run(FileView& view, Qt::MouseButton button) {
     drag->setHotSpot(QPoint(size.width() / 2, size.height() - 1));
     const auto springs = data->springs_;
     underWay = data;
-    const Qt::DropAction done = drag->exec(Qt::CopyAction | Qt::MoveAction | Qt::LinkAction, Qt::CopyAction);
+    const Qt::DropAction done =
+        DragRun::toTheEnd(*drag, Qt::CopyAction | Qt::MoveAction | Qt::LinkAction, Qt::CopyAction);
     underWay = nullptr;
     if (done != Qt::IgnoreAction) return;
     for (const Spring& spring : *springs)
@@ -102,14 +104,16 @@ QStringList FileDrag::formats() const {
 
 QVariant FileDrag::retrieveData(const QString& format, QMetaType) const {
     if (!formats().contains(format)) return {};
-    if (made_.isEmpty()) {
+    if (const auto made = made_.constFind(format); made != made_.cend()) return *made;
+    if (entries_.empty()) {
         std::vector<FileURL> urls;
         for (const FileReference& item : items_->items())
             urls.push_back(item.url);
-        for (auto& entry : ClipboardFormats::filesOf(urls, ClipboardFormats::Marking::copied, {}))
-            made_.insert(QString::fromStdString(entry.format), QByteArray::fromStdString(entry.bytes()));
+        entries_ = ClipboardFormats::filesOf(urls, ClipboardFormats::Marking::copied, {});
     }
-    return made_.contains(format) ? QVariant(made_.value(format)) : QVariant();
+    const auto entry = std::ranges::find(entries_, format.toStdString(), &Pasteboard::Entry::format);
+    if (entry == entries_.end()) return {};
+    return *made_.insert(format, QByteArray::fromStdString(entry->bytes()));
 }
 
 } // namespace ombrel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "browser/DropPlan.h"
+#include "services/Pasteboard.h"
 
 #include <QMap>
 #include <QMimeData>
@@ -54,7 +55,8 @@ private:
     std::shared_ptr<const DraggedItems> items_;
     bool asks_;
     std::shared_ptr<std::vector<Spring>> springs_ = std::make_shared<std::vector<Spring>>();
-    mutable QMap<QString, QByteArray> made_;
+    mutable std::vector<Pasteboard::Entry> entries_; ///< who makes the forms, once one has been asked for
+    mutable QMap<QString, QByteArray> made_;         ///< the forms that were asked for
 };
 
 } // namespace ombrel

@@ -93,8 +93,11 @@ void FileViewPointer::pressRow(std::size_t row, const QMouseEvent& event) {
     const How how = howOf(event.modifiers());
     press_->mayRename = part == FileView::Part::name && how == How::only && isSelected &&
                         selection.count() == 1 && !hasJustFocused_;
-    if (how == How::only && isSelected && selection.count() > 1) {
+    // What is selected may be about to be dragged, with Ctrl as a copy.
+    const bool waits = how == How::only ? selection.count() > 1 : how == How::toggle && press_->mayDrag;
+    if (isSelected && waits) {
         press_->rowToSelect = row;
+        press_->howToSelect = how;
         view_->model().setRow(BrowserModel::Place::current, row);
         return;
     }
@@ -109,7 +112,7 @@ void FileViewPointer::move(QMouseEvent& event) {
     if (distance < QGuiApplication::styleHints()->startDragDistance()) return;
     if (press_->mayBand)
         beginBand();
-    else if (press_->mayDrag)
+    else if (press_->mayDrag && event.buttons() == press_->button) // the release of another would drop
         beginDrag();
 }
 
@@ -135,7 +138,7 @@ void FileViewPointer::release(QMouseEvent& event) {
     if (!press_ || event.button() != press_->button) return event.ignore();
     const Press press = *press_;
     cancel();
-    if (press.rowToSelect) gestures_->select(*press.rowToSelect, How::only);
+    if (press.rowToSelect) gestures_->select(*press.rowToSelect, press.howToSelect);
     const auto row = view_->rowAt(event.position().toPoint());
     if (press.button == Qt::MiddleButton && row && row == press.row) openInTab(*row);
     if (press.mayRename && row == press.row) {

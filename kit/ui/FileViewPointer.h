@@ -53,6 +53,7 @@ private:
         Qt::MouseButton button = Qt::LeftButton;
         std::optional<std::size_t> row;
         std::optional<std::size_t> rowToSelect; ///< on release, unless something was dragged
+        SelectionGestures::How howToSelect = SelectionGestures::How::only;
         bool mayDrag = false;
         bool mayRename = false; ///< a click on the name of what alone was selected already
         bool mayBand = false;

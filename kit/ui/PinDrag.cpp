@@ -1,5 +1,7 @@
 #include "ui/PinDrag.h"
 
+#include "ui/DragRun.h"
+
 #include <QAbstractScrollArea>
 #include <QByteArray>
 #include <QCoreApplication>
@@ -35,7 +37,7 @@ void run(QAbstractScrollArea& view, const FileURL& folder, std::optional<std::si
     drag->setMimeData(dataOf(folder, pin).release());
     drag->setPixmap(view.viewport()->grab(place));
     drag->setHotSpot(pointer - place.topLeft());
-    drag->exec(Qt::CopyAction | Qt::MoveAction | Qt::LinkAction, Qt::LinkAction);
+    DragRun::toTheEnd(*drag, Qt::CopyAction | Qt::MoveAction | Qt::LinkAction, Qt::LinkAction);
 }
 
 std::optional<std::size_t> pinOf(const QMimeData& data) {

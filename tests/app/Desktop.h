@@ -40,7 +40,8 @@ public:
     [[nodiscard]] std::string title() const;
     /// Waits until the window with the focus is called `title`.
     [[nodiscard]] bool hasTitle(const std::string& title) const;
-    void key(const std::string& name) const { hand({"key", "--clearmodifiers", name}); }
+    /// Not with the modifiers cleared, for xdotool counts the mouse's buttons among them.
+    void key(const std::string& name) const { hand({"key", name}); }
     void type(const std::string& text) const { hand({"type", "--clearmodifiers", "--delay", "2", text}); }
 
     // In what follows points are of the screen.

@@ -93,6 +93,49 @@ TEST_F(EditingSession, MakesFoldersAndDragsIntoThem) {
     quit();
 }
 
+TEST_F(EditingSession, LeavesThingsWhereTheyAreWhenADragIsCalledOff) {
+    const std::vector<std::string> all = {"alpha", "notes.txt", "other.txt"};
+    start();
+    seeRows(all);
+    const QPoint folder = grip(row("alpha"));
+    const auto hold = [&] {
+        desktop().beginDrag(grip(row("notes.txt")), folder);
+        see(Role::label, "Move to alpha");
+    };
+    const auto letGo = [&] {
+        seeGone(Role::label, "Move to alpha");
+        desktop().moveTo(folder + QPoint(1, 1));
+        desktop().release();
+        seeTitle("desk");
+        seeRows(all);
+        EXPECT_EQ(tree.names("home/desk"), all);
+    };
+    hold();
+    key("Escape");
+    letGo();
+    hold();
+    seeTitle("alpha"); // which has opened under the drag
+    key("Escape");
+    seeTitle("desk");
+    letGo();
+    hold();
+    desktop().clickAt(folder, 3);
+    letGo();
+    hold();
+    const QRect place = window().place;
+    desktop().moveTo({place.right() + 60, place.center().y()});
+    seeGone(Role::label, "Move to alpha");
+    desktop().release();
+    seeRows(all);
+
+    // Whatever had been begun would be there before what is done now.
+    drag("other.txt", folder, "Copy to alpha", "ctrl");
+    waitForDisk("home/desk/alpha", {"other.txt"});
+    EXPECT_EQ(tree.names("home/desk"), all);
+    EXPECT_EQ(tree.contents("home/desk/notes.txt"), "text");
+    quit();
+}
+
 TEST_F(EditingSession, MovesToTheTrashAndRestores) {
     start();
     clickRow("notes.txt");

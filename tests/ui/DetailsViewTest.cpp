@@ -261,6 +261,10 @@ TEST_F(Details, ClicksSelectAsTheModifiersSay) {
     EXPECT_THAT(selectedRows(), ElementsAre(3U, 4U, 5U));
     QTest::mouseRelease(view.viewport(), Qt::LeftButton, Qt::NoModifier, pointOn(4));
     EXPECT_THAT(selectedRows(), ElementsAre(4U));
+    QTest::mousePress(view.viewport(), Qt::LeftButton, Qt::ControlModifier, pointOn(4));
+    EXPECT_THAT(selectedRows(), ElementsAre(4U)) << "it may be dragged";
+    QTest::mouseRelease(view.viewport(), Qt::LeftButton, Qt::ControlModifier, pointOn(4));
+    EXPECT_THAT(selectedRows(), IsEmpty());
     QTest::mouseClick(view.viewport(), Qt::RightButton, Qt::NoModifier, pointOn(6));
     EXPECT_THAT(selectedRows(), ElementsAre(6U));
 }
