@@ -324,6 +324,14 @@ bool DetailsHeader::viewportEvent(QEvent* event) {
     return QHeaderView::viewportEvent(event);
 }
 
+void DetailsHeader::hideEvent(QHideEvent* event) {
+    QHeaderView::hideEvent(event);
+    // The window may be about to go.
+    if (!settling_.isActive()) return;
+    settling_.stop();
+    Q_EMIT arranged();
+}
+
 // ---- Painting
 
 QSize DetailsHeader::sizeHint() const {

@@ -67,6 +67,7 @@ protected:
     QSize sizeHint() const override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     bool viewportEvent(QEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
     void paintLabel(QPainter& painter, const QRect& rect, DetailsColumn column) const;

@@ -27,6 +27,11 @@ DetailsView::DetailsView(BrowserModel& model, const Theme& theme, QWidget* paren
     layOut();
 }
 
+DetailsView::~DetailsView() {
+    // It may be hidden on the way, and this is no longer there to be told.
+    disconnect(header_, nullptr, this, nullptr);
+}
+
 // ---- Layout
 
 void DetailsView::layOut() {

@@ -12,6 +12,7 @@ class DetailsView final : public FileView {
 
 public:
     DetailsView(BrowserModel& model, const Theme& theme, QWidget* parent = nullptr);
+    ~DetailsView() override;
 
     [[nodiscard]] DetailsHeader& header() const noexcept { return *header_; }
 

@@ -7,6 +7,7 @@
 
 #include <cmath>
 #include <filesystem>
+#include <utility>
 
 namespace ombrel {
 namespace {
@@ -35,6 +36,21 @@ protected:
                     ++found;
             }
         return picture.isNull() ? 0 : static_cast<double>(found) / (picture.width() * picture.height());
+    }
+    /// Where the header's columns end, by the lines that are painted there; points of the screen.
+    static std::vector<QPoint> columnEdges() {
+        const QRect header = see(Role::any, "Columns").place;
+        const QImage picture = desktop().picture(header);
+        std::vector<QPoint> edges;
+        const auto isLine = [&](int x) {
+            for (int y = 0; y < picture.height() - 2; ++y)
+                if (picture.pixel(x, y) != picture.pixel(x, 0)) return false;
+            return picture.pixel(x, 0) != picture.pixel(x - 1, 0) &&
+                   picture.pixel(x, 0) != picture.pixel(x + 1, 0);
+        };
+        for (int x = 1; x + 1 < picture.width(); ++x)
+            if (isLine(x)) edges.push_back({header.left() + x, header.center().y()});
+        return edges;
     }
     [[nodiscard]] std::vector<std::string> thumbnails() const {
         std::vector<std::string> found;
@@ -68,6 +84,24 @@ TEST_F(SettingsSession, RemembersThePresetThatIsClicked) {
     typeInto("Rename", "report", "report.txt");
     key("Return");
     waitForDisk("home/desk", {"alpha", "report.txt"});
+    quit();
+}
+
+TEST_F(SettingsSession, RemembersTheWidthsThatColumnsAreDraggedTo) {
+    start();
+    constexpr std::size_t columns = 4; // name, date, type and size
+    std::vector<QPoint> edges;
+    wait("the columns", [&] { return (edges = columnEdges()).size() == columns; });
+    for (const auto& [column, wider] : {std::pair(0, -70), std::pair(2, -25), std::pair(1, 30)}) {
+        auto& edge = edges[static_cast<std::size_t>(column)];
+        desktop().beginDrag(edge, edge + QPoint(wider, 0));
+        desktop().release();
+        edge += QPoint(wider, 0);
+        wait("the dragged edge", [&] { return columnEdges() == edges; });
+    }
+    quit();
+    start();
+    wait("the columns as they were left", [&] { return columnEdges() == edges; });
     quit();
 }
 
