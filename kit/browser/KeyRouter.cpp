@@ -2,9 +2,21 @@
 
 #include "browser/MenuShortcuts.h"
 
+#include <optional>
 #include <utility>
 
 namespace ombrel {
+namespace {
+
+/// What the tables of keys leave to the file view.
+std::optional<FileCommand> viewCommand(const KeyStroke& stroke, const FocusContext& context) {
+    const bool isEnter =
+        stroke.keyCode == KeyStroke::Code::returnKey || stroke.keyCode == KeyStroke::Code::keypadEnter;
+    const bool opensTabs = isEnter && stroke.modifiers == KeyStroke::control && context.hasSelection;
+    return opensTabs ? std::optional(FileCommand::openInNewTab) : std::nullopt;
+}
+
+} // namespace
 
 KeyRouter::KeyRouter(const CommandDispatcher& commands, Targets targets)
     : commands_(&commands), targets_(std::move(targets)) {}
@@ -28,7 +40,8 @@ bool KeyRouter::pressInWindow(const KeyStroke& stroke, Press press, bool isEditi
 bool KeyRouter::pressInFileView(const KeyStroke& stroke, Press press) const {
     const FocusContext context{.fileViewHasFocus = true,
                                .hasSelection = !targets_.activePane().selection().empty()};
-    const auto command = KeyBindings::command(stroke, targets_.preset(), context);
+    auto command = KeyBindings::command(stroke, targets_.preset(), context);
+    if (!command) command = viewCommand(stroke, context);
     return command && give(*command, press);
 }
 

@@ -83,6 +83,11 @@ TEST_F(BrowsingSession, GoesByKeys) {
     seeTitle("desk");
     key("z");
     wait("the folder that was typed", [] { return row("zulu").isSelected; });
+    key("ctrl+Return");
+    seeTitle("zulu");
+    see(Role::tab, "desk", Match::beginning);
+    key("ctrl+w");
+    seeTitle("desk");
     key("ctrl+a");
     see(Role::label, "6 items selected", Match::beginning);
     quit();

@@ -22,7 +22,8 @@ protected:
           keys(commands, {.preset = [this] { return preset; },
                           .activePane = [this]() -> BrowserModel& { return tabs.activeTab(); },
                           .performTabCommand = [this](TabCommand command) { tabs.perform(command); }}) {
-        for (const auto command : {FileCommand::moveToTrash, FileCommand::newFolder, FileCommand::paste})
+        for (const auto command : {FileCommand::moveToTrash, FileCommand::newFolder, FileCommand::paste,
+                                   FileCommand::openInNewTab})
             commands.bind(command, {.perform = [this, command](BrowserModel&) { done.push_back(command); }});
     }
 
@@ -63,6 +64,21 @@ TEST_F(WindowOfKeys, LetsKeysGoOnThatMeanNothingHere) {
     EXPECT_FALSE(press("return"));
     EXPECT_THAT(done, IsEmpty());
     EXPECT_EQ(tabs.count(), 1U);
+}
+
+TEST_F(WindowOfKeys, OpensInTabsByEnterWithControl) {
+    for (const auto each : {KeyPreset::windows, KeyPreset::mac}) {
+        preset = each;
+        done.clear();
+        EXPECT_FALSE(press("ctrl+return")) << "nothing is selected";
+        select(tabs.activeTab(), {"inner"});
+        EXPECT_TRUE(press("ctrl+return"));
+        EXPECT_TRUE(press("ctrl+return", Press::repeated));
+        EXPECT_TRUE(press("ctrl+enter"));
+        EXPECT_FALSE(press("ctrl+shift+return"));
+        EXPECT_THAT(done, ElementsAre(FileCommand::openInNewTab, FileCommand::openInNewTab));
+        select(tabs.activeTab(), {});
+    }
 }
 
 TEST_F(WindowOfKeys, DoesNotRepeatWhatChangesThingsWhileAKeyIsHeld) {
