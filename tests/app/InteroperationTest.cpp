@@ -1,5 +1,7 @@
 #include "app/Session.h"
 
+#include <QByteArray>
+
 #include <csignal>
 #include <sstream>
 
@@ -24,10 +26,7 @@ protected:
         tree.folder("others");
     }
     void TearDown() override {
-        if (other) {
-            other->signal(SIGTERM);
-            static_cast<void>(other->finish());
-        }
+        if (other) endOther();
         Session::TearDown();
     }
 
@@ -40,18 +39,30 @@ protected:
     void startOther(const Words& words) {
         Words all = words;
         all.insert(all.begin(), OMBREL_PEER_PATH);
-        other = desktop().start(all);
+        tree.file("said");
+        other = desktop().start(all, {.outputPath = tree.path("said")});
     }
-    /// The rest of the next line of the other program that begins with `word`.
-    [[nodiscard]] std::string nextLine(const std::string& word) const {
-        for (;;) {
-            const std::string line = other->readOutputLine();
-            if (line.empty()) throw std::runtime_error("the other program does not say “" + word + "”");
-            if (line.starts_with(word)) return line.substr(std::min(line.size(), word.size() + 1));
-        }
+    void endOther() {
+        other->signal(SIGTERM);
+        static_cast<void>(other->finish());
+        other = nullptr;
     }
-    [[nodiscard]] QPoint nextPoint(const std::string& word) const {
-        std::istringstream numbers(nextLine(word));
+    /// The rests of the lines of the other program that begin with `word`.
+    [[nodiscard]] Words said(const std::string& word) const {
+        Words rests;
+        std::istringstream lines(tree.contents("said"));
+        for (std::string line; std::getline(lines, line);)
+            if (line.starts_with(word)) rests.push_back(line.substr(std::min(line.size(), word.size() + 1)));
+        return rests;
+    }
+    /// The rest of the first such line, once it is there.
+    std::string hear(const std::string& word) const {
+        wait("“" + word + "” of the other program", [&] { return !said(word).empty(); });
+        return said(word).front();
+    }
+    /// Where the middle of the other program's window is.
+    [[nodiscard]] QPoint place() const {
+        std::istringstream numbers(hear("ready"));
         int x = -1, y = -1;
         numbers >> x >> y;
         return {x, y};
@@ -103,17 +114,58 @@ TEST_F(Interoperation, WhatOtherProgramsOfferIsPastedAsACopyEvenIfTheyHaveCutIt)
         Words words = {"offer"};
         words.insert(words.end(), row.offered.begin(), row.offered.end());
         startOther(words);
-        static_cast<void>(nextLine("ready"));
+        hear("ready");
         goTo(folder);
         wait("something to paste", [] { return see(Role::button, "Paste").isEnabled; });
         key("ctrl+v");
         waitForDisk(folder, {"item"});
         EXPECT_EQ(tree.contents(folder + "/item"), row.name);
         EXPECT_THAT(tree.names("others"), ElementsAre("item"));
-        other->signal(SIGTERM);
-        static_cast<void>(other->finish());
-        other = nullptr;
+        endOther();
     }
+    quit();
+}
+
+TEST_F(Interoperation, OtherProgramsTakeWhatIsDraggedToThem) {
+    start();
+    const std::vector<std::string> all = {"alpha", "späte notes.txt"};
+    seeRows(all);
+    startOther({"take", uriList});
+    const QPoint there = place();
+    clickRow("alpha");
+    key("ctrl+a");
+    desktop().beginDrag(grip(row("späte notes.txt")), there);
+    // It is told of a step when it has answered the one before, so the third one says that it was heard.
+    int step = 0;
+    wait("the drag over the other program", [&] {
+        desktop().moveTo(there + QPoint(++step % 2, 0));
+        return said("over").size() >= 3;
+    });
+    desktop().release();
+    EXPECT_EQ(QByteArray::fromPercentEncoding(hear("dropped").c_str()).toStdString(),
+              uriOf("home/desk/alpha") + "\r\n" + uriOf("home/desk/späte notes.txt") + "\r\n");
+    EXPECT_EQ(tree.names("home/desk"), all);
+    seeRows(all);
+    endOther();
+    quit();
+}
+
+TEST_F(Interoperation, WhatIsDraggedInFromOtherProgramsIsCopied) {
+    tree.file("others/item", "from elsewhere");
+    start();
+    const QPoint folder = grip(row("alpha"));
+    startOther({"give", uriList, uriOf("others/item") + "\r\n"});
+    desktop().beginDrag(place(), folder);
+    seeAnywhere(Role::label, "Copy to alpha");
+    desktop().release();
+    EXPECT_EQ(hear("ended"), "copied");
+    waitForDisk("home/desk/alpha", {"item"});
+    EXPECT_EQ(tree.contents("home/desk/alpha/item"), "from elsewhere");
+    EXPECT_EQ(tree.contents("others/item"), "from elsewhere");
+    endOther();
+    desktop().clickAt(folder, 1, 2);
+    seeTitle("alpha");
+    seeRows({"item"});
     quit();
 }
 
