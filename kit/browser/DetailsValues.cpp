@@ -56,7 +56,7 @@ struct DetailsValues::Found {
     Common common;
 };
 
-DetailsValues::DetailsValues(QObject* parent) : QObject(parent) {
+DetailsValues::DetailsValues(std::chrono::milliseconds quiet, QObject* parent) : QObject(parent) {
     timer_.setSingleShot(true);
     timer_.setInterval(quiet);
     connect(&timer_, &QTimer::timeout, this, &DetailsValues::load);

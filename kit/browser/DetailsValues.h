@@ -22,13 +22,12 @@ namespace ombrel {
 /// What the details pane says of the selection of a pane: of one item what is known and cheap to find out, of
 /// several their number and size, without a selection of the folder itself.
 ///
-/// Main thread only. Changes once the selection has been quiet for `quiet`; the old content stays until then.
+/// Main thread only. Changes once the selection has been quiet for a while; the old content stays until then.
 /// What has to be read follows as it comes.
 class DetailsValues final : public QObject {
     Q_OBJECT
 
 public:
-    static constexpr std::chrono::milliseconds quiet{120};
     static constexpr std::size_t mostPreviews = 3;
 
     /// What is the same of several items; the rest is left out.
@@ -57,7 +56,8 @@ public:
         Common common;
     };
 
-    explicit DetailsValues(QObject* parent = nullptr);
+    /// `quiet` is that while.
+    explicit DetailsValues(std::chrono::milliseconds quiet, QObject* parent = nullptr);
 
     /// From now on it is about `pane`; its content comes at once.
     void follow(BrowserModel& pane);

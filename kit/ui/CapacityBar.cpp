@@ -1,7 +1,6 @@
 #include "ui/CapacityBar.h"
 
 #include "ui/PartsAccessible.h"
-#include "ui/PlaceSizes.h"
 #include "ui/Theme.h"
 
 #include <QPainter>
@@ -28,7 +27,7 @@ void CapacityBar::setLevel(const Level& level, const QString& name) {
 }
 
 QSize CapacityBar::sizeHint() const {
-    return {theme_->size(ThemeSize::buttonMinimumWidth), PlaceSizes::of(*theme_, PlaceSize::capacityBar)};
+    return {theme_->size(ThemeSize::buttonMinimumWidth), theme_->size(ThemeSize::capacityBar)};
 }
 
 void CapacityBar::paint(QPainter& painter, const Theme& theme, const QRect& track, const Level& level,

@@ -18,16 +18,9 @@
 #include <QStyle>
 
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
 namespace ombrel {
-namespace {
-
-constexpr std::chrono::milliseconds springPatience(700);
-
-} // namespace
-
 /// The name of one folder of the address. Its ground is painted by the bar, together with the chevron's.
 class CrumbBar::Crumb final : public QAbstractButton {
 public:
@@ -60,7 +53,7 @@ private:
 CrumbBar::CrumbBar(const Theme& theme, QWidget* parent)
     : QWidget(parent), theme_(&theme),
       collapsed_(new GlyphButton(theme, Glyph::collapsed, ThemeSize::space28, this)),
-      spring_(new DropSpring(theme, springPatience, this)) {
+      spring_(new DropSpring(theme, Theme::delay(ThemeDelay::springCrumb), this)) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setAcceptDrops(true);
     collapsed_->setAccessibleName(localized("ui.address.collapsed"));

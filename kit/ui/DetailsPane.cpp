@@ -20,11 +20,11 @@ namespace ombrel {
 
 DetailsPane::DetailsPane(const Setting& setting, QWidget* parent)
     : QWidget(parent), theme_(&setting.theme), services_(&setting.services), home_(setting.home),
-      scroll_(new QScrollArea(this)), content_(new QWidget),
-      preview_(new ItemPreview(setting.theme, setting.thumbnails, content_)),
+      values_(Theme::delay(ThemeDelay::selectionQuiet)), scroll_(new QScrollArea(this)),
+      content_(new QWidget), preview_(new ItemPreview(setting.theme, setting.thumbnails, content_)),
       name_(new WrappedName(setting.theme, content_)),
       type_(new ElidedLabel(setting.theme, Qt::ElideRight, ThemeColor::textSecondary, content_)),
-      facts_(new FactTable(setting.theme, DetailsSize::captions, content_)), buttons_(new QHBoxLayout),
+      facts_(new FactTable(setting.theme, ThemeSize::detailsCaptions, content_)), buttons_(new QHBoxLayout),
       open_(new OutlineButton(setting.theme, Glyph::openItem, localized("ui.command.open"), content_)),
       properties_(
           new OutlineButton(setting.theme, Glyph::properties, localized("ui.command.showInfo"), content_)) {

@@ -7,7 +7,7 @@
 
 namespace ombrel {
 
-FactTable::FactTable(const Theme& theme, DetailsSize captions, QWidget* parent)
+FactTable::FactTable(const Theme& theme, ThemeSize captions, QWidget* parent)
     : QWidget(parent), theme_(&theme), captions_(captions), grid_(new QGridLayout(this)) {
     grid_->setContentsMargins({});
     grid_->setHorizontalSpacing(0);
@@ -24,10 +24,10 @@ void FactTable::setRowVisible(const Row& row, bool isVisible) {
 }
 
 void FactTable::takeSizes() {
-    const int inset = DetailsSizes::of(*theme_, DetailsSize::factInset);
+    const int inset = theme_->size(ThemeSize::factInset);
     // The value's text, not its frame, stands at the column's end.
-    grid_->setColumnMinimumWidth(0, DetailsSizes::of(*theme_, captions_) - inset);
-    grid_->setVerticalSpacing(DetailsSizes::of(*theme_, DetailsSize::factGap));
+    grid_->setColumnMinimumWidth(0, theme_->size(captions_) - inset);
+    grid_->setVerticalSpacing(theme_->size(ThemeSize::factGap));
     const int beside = theme_->size(ThemeSize::space8) - inset;
     for (const Row& row : rows_)
         row.caption->setContentsMargins(isRightToLeft() ? beside : 0, inset, isRightToLeft() ? 0 : beside,

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/DetailsSizes.h"
+#include "ui/Theme.h"
 
 #include <QString>
 #include <QWidget>
@@ -29,7 +29,7 @@ class FactTable final : public QWidget {
 
 public:
     /// `theme` must outlive it; the captions are as wide as `captions` says, or as the widest of them.
-    FactTable(const Theme& theme, DetailsSize captions, QWidget* parent = nullptr);
+    FactTable(const Theme& theme, ThemeSize captions, QWidget* parent = nullptr);
 
     void setFacts(const std::vector<Fact>& facts);
     [[nodiscard]] const std::vector<Fact>& facts() const noexcept { return facts_; }
@@ -45,7 +45,7 @@ private:
     void takeSizes();
 
     const Theme* theme_;
-    DetailsSize captions_;
+    ThemeSize captions_;
     QGridLayout* grid_;
     std::vector<Fact> facts_;
     std::vector<Row> rows_; ///< at least as many as there are facts; the others are hidden

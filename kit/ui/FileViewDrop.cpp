@@ -6,20 +6,13 @@
 
 #include <QDragMoveEvent>
 
-#include <chrono>
 #include <utility>
 
 namespace ombrel {
-namespace {
-
-constexpr std::chrono::milliseconds springDelay(900);
-
-} // namespace
-
 FileViewDrop::FileViewDrop(FileView& view) : view_(&view), edges_(view.theme()) {
     connect(&edges_, &EdgeScroll::step, this, &FileViewDrop::scrollBy);
     spring_.setSingleShot(true);
-    spring_.setInterval(springDelay);
+    spring_.setInterval(Theme::delay(ThemeDelay::springItem));
     connect(&spring_, &QTimer::timeout, this, &FileViewDrop::spring);
 }
 

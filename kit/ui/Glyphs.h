@@ -68,6 +68,16 @@ enum class Glyph : std::uint8_t {
     newTab,
     pin,
     selectAll,
+    desktop,
+    downloads,
+    documents,
+    pictures,
+    music,
+    videos,
+    drive,
+    stick, ///< a volume that comes and goes
+    network,
+    eject,
 };
 
 namespace Glyphs {

@@ -1,6 +1,6 @@
 #include "ui/HomeLayout.h"
 
-#include "ui/PlaceSizes.h"
+#include "ui/Theme.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -17,32 +17,32 @@ constexpr int mostColumns = 4;
 } // namespace
 
 HomeLayout::HomeLayout(const HomeModel& model, const Theme& theme, int width) {
-    left_ = PlaceSizes::of(theme, PlaceSize::homeMargin);
+    left_ = theme.size(ThemeSize::homeMargin);
     width_ = std::max(1, width - 2 * left_);
-    height_ = PlaceSizes::of(theme, PlaceSize::homeTop);
+    height_ = theme.size(ThemeSize::homeTop);
     for (const Section section : {Section::quickAccess, Section::locations, Section::volumes}) {
-        items_.push_back({{section, Part::head, 0},
-                          QRect(left_, height_, width_, PlaceSizes::of(theme, PlaceSize::homeHead))});
-        height_ += PlaceSizes::of(theme, PlaceSize::homeHead);
+        items_.push_back(
+            {{section, Part::head, 0}, QRect(left_, height_, width_, theme.size(ThemeSize::homeHead))});
+        height_ += theme.size(ThemeSize::homeHead);
         if (!model.isFolded(section)) {
-            height_ += PlaceSizes::of(theme, PlaceSize::homeHeadGap);
+            height_ += theme.size(ThemeSize::homeHeadGap);
             const std::size_t count = model.count(section);
             if (section == Section::locations)
                 placeLocations(theme, count);
             else if (section == Section::quickAccess)
-                placeGrid(theme, section, count, PlaceSizes::of(theme, PlaceSize::tileMinimumWidth),
-                          PlaceSizes::of(theme, PlaceSize::tile));
+                placeGrid(theme, section, count, theme.size(ThemeSize::tileMinimumWidth),
+                          theme.size(ThemeSize::tile));
             else
-                placeGrid(theme, section, count, PlaceSizes::of(theme, PlaceSize::volumeCardMinimumWidth),
-                          PlaceSizes::of(theme, PlaceSize::volumeCard));
+                placeGrid(theme, section, count, theme.size(ThemeSize::volumeCardMinimumWidth),
+                          theme.size(ThemeSize::volumeCard));
         }
-        height_ += PlaceSizes::of(theme, PlaceSize::homeSectionGap);
+        height_ += theme.size(ThemeSize::homeSectionGap);
     }
 }
 
 void HomeLayout::placeGrid(const Theme& theme, Section section, std::size_t count, int leastWidth,
                            int height) {
-    const int gap = PlaceSizes::of(theme, PlaceSize::homeGap);
+    const int gap = theme.size(ThemeSize::homeGap);
     const int columns = std::clamp((width_ + gap) / (leastWidth + gap), 1, mostColumns);
     const int room = width_ - (columns - 1) * gap;
     for (std::size_t i = 0; i < count; ++i) {
@@ -58,7 +58,7 @@ void HomeLayout::placeGrid(const Theme& theme, Section section, std::size_t coun
 }
 
 void HomeLayout::placeLocations(const Theme& theme, std::size_t count) {
-    const int row = PlaceSizes::of(theme, PlaceSize::locationRow), hairline = theme.size(ThemeSize::hairline);
+    const int row = theme.size(ThemeSize::locationRow), hairline = theme.size(ThemeSize::hairline);
     const int top = height_;
     if (count == 0) {
         emptyText_ = QRect(left_, height_, width_, row);

@@ -5,7 +5,7 @@
 #include "ui/HomeTexts.h"
 #include "ui/LocalizedText.h"
 #include "ui/OmbrelStyle.h"
-#include "ui/PlaceGlyphs.h"
+#include "ui/Pill.h"
 #include "ui/PlaceIcons.h"
 
 #include <QPainterPath>
@@ -44,6 +44,17 @@ std::optional<ThemeColor> HomePainter::fillOf(const Look& look) const {
     return look.isHovered ? std::optional(ThemeColor::hover) : std::nullopt;
 }
 
+QColor HomePainter::ink(ThemeColor usual, const Look& look) const {
+    const bool isOnSelection = look.isDropTarget || (look.isSelected && look.isActive);
+    const bool isLoud = isOnSelection && theme_->appearance().isHighContrast;
+    return theme_->color(isLoud ? ThemeColor::onSelection : usual);
+}
+
+QColor HomePainter::buttonInk(const Look& look) const {
+    const bool hasGround = look.isButtonHovered || look.isButtonPressed;
+    return hasGround ? theme_->color(ThemeColor::text) : ink(ThemeColor::text, look);
+}
+
 void HomePainter::paint(QPainter& painter, const HomeItem& item, const QRect& rect, const Look& look) const {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
@@ -54,10 +65,10 @@ void HomePainter::paint(QPainter& painter, const HomeItem& item, const QRect& re
     else
         paintCard(painter, rect, look);
     if (item.part == Part::addLocation)
-        paintAddLocation(painter, rect);
+        paintAddLocation(painter, rect, look);
     else if (item.part == Part::entry) {
         switch (item.section) {
-        case Section::quickAccess: paintPin(painter, model_->pins()[item.index], rect); break;
+        case Section::quickAccess: paintPin(painter, model_->pins()[item.index], rect, look); break;
         case Section::locations: paintLocation(painter, item, rect, look); break;
         case Section::volumes: paintVolume(painter, item, rect, look); break;
         }
@@ -67,7 +78,7 @@ void HomePainter::paint(QPainter& painter, const HomeItem& item, const QRect& re
 
 void HomePainter::paintHead(QPainter& painter, const HomeItem& item, const QRect& rect,
                             const Look& look) const {
-    const int chevron = size(PlaceSize::treeChevron), gap = size(ThemeSize::space8);
+    const int chevron = size(ThemeSize::treeChevron), gap = size(ThemeSize::space8);
     const QString title = HomeTexts::sectionTitle(item.section);
     const QString count = HomeTexts::count(item.section, model_->count(item.section));
     const QFont strong = theme_->font(ThemeFont::subtitle), small = theme_->font(ThemeFont::caption);
@@ -110,38 +121,38 @@ void HomePainter::paintCard(QPainter& painter, const QRect& rect, const Look& lo
 }
 
 void HomePainter::paintLines(QPainter& painter, const QRect& box, const QString& first, const QString& second,
-                             ThemeColor ink) const {
-    const QFont body = theme_->font(ThemeFont::body), caption = theme_->font(ThemeFont::caption);
-    const QFontMetrics upper(body), lower(caption);
-    const int height = upper.height() + lower.height();
-    const int top = box.top() + (box.height() - height) / 2;
+                             ThemeColor ink, const Look& look) const {
+    const QFont strong = theme_->font(ThemeFont::bodyStrong), caption = theme_->font(ThemeFont::caption);
+    const int upper = theme_->lineHeight(ThemeFont::bodyStrong),
+              lower = theme_->lineHeight(ThemeFont::caption);
+    const int top = box.top() + (box.height() - upper - lower) / 2;
     const auto flags =
         QStyle::visualAlignment(direction_, Qt::AlignLeft) | Qt::AlignVCenter | Qt::TextSingleLine;
-    painter.setFont(body);
-    painter.setPen(theme_->color(ink));
-    painter.drawText(QRect(box.left(), top, box.width(), upper.height()), flags,
-                     upper.elidedText(first, Qt::ElideMiddle, box.width()));
+    painter.setFont(strong);
+    painter.setPen(this->ink(ink, look));
+    painter.drawText(QRect(box.left(), top, box.width(), upper), flags,
+                     QFontMetrics(strong).elidedText(first, Qt::ElideMiddle, box.width()));
     painter.setFont(caption);
-    painter.setPen(theme_->color(ThemeColor::textSecondary));
-    painter.drawText(QRect(box.left(), top + upper.height(), box.width(), lower.height()), flags,
-                     lower.elidedText(second, Qt::ElideRight, box.width()));
+    painter.setPen(this->ink(ThemeColor::textSecondary, look));
+    painter.drawText(QRect(box.left(), top + upper, box.width(), lower), flags,
+                     QFontMetrics(caption).elidedText(second, Qt::ElideRight, box.width()));
 }
 
-void HomePainter::paintPin(QPainter& painter, const PinnedPlace& pin, const QRect& rect) const {
-    const int inset = size(PlaceSize::tileInset), icon = size(PlaceSize::tileIcon),
+void HomePainter::paintPin(QPainter& painter, const PinnedPlace& pin, const QRect& rect,
+                           const Look& look) const {
+    const int inset = size(ThemeSize::tileInset), icon = size(ThemeSize::tileIcon),
               gap = size(ThemeSize::space12);
     const QRect box(rect.left() + inset, rect.top() + (rect.height() - icon) / 2, icon, icon);
     PlaceIcons::drawFolder(painter, *theme_, pin.pin.known(), mirrored(box, rect));
     QRect text(QPoint(box.right() + 1 + gap, rect.top()), QPoint(rect.right() - inset, rect.bottom()));
     if (!pin.pin.known()) {
-        const int glyph = size(PlaceSize::treeChevron);
+        const int glyph = size(ThemeSize::treeChevron);
         const QRect mark(rect.right() - inset - glyph + 1, rect.top() + (rect.height() - glyph) / 2, glyph,
                          glyph);
-        PlaceGlyphs::draw(painter, PlaceGlyph::pin, mirrored(mark, rect),
-                          theme_->color(ThemeColor::textSecondary));
+        Glyphs::draw(painter, Glyph::pin, mirrored(mark, rect), ink(ThemeColor::textSecondary, look));
         text.setRight(mark.left() - gap);
     }
-    paintLines(painter, mirrored(text, rect), pin.title, pin.whereabouts, ThemeColor::text);
+    paintLines(painter, mirrored(text, rect), pin.title, pin.whereabouts, ThemeColor::text, look);
 }
 
 // ---- Locations
@@ -155,7 +166,7 @@ void HomePainter::paintLocationsFrame(QPainter& painter, const QRect& frame, con
     painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(hairlineInside(frame), radius, radius);
     if (!emptyText.isEmpty()) {
-        const int inset = size(PlaceSize::tileInset);
+        const int inset = size(ThemeSize::tileInset);
         painter.setFont(theme_->font(ThemeFont::body));
         painter.setPen(theme_->color(ThemeColor::textSecondary));
         painter.drawText(emptyText.adjusted(inset, 0, -inset, 0),
@@ -190,35 +201,14 @@ void HomePainter::paintRowGround(QPainter& painter, const HomeItem& item, const 
 
 QRect HomePainter::paintPill(QPainter& painter, const GrantedPlace& location, int right,
                              const QRect& row) const {
-    struct Style {
-        ThemeColor ground;
-        ThemeColor ink;
-        std::optional<Glyph> glyph;
-    };
-    const Style style =
-        location.isActive()          ? Style{ThemeColor::successSoft, ThemeColor::success, Glyph::check}
-        : location.needsPermission() ? Style{ThemeColor::warningSoft, ThemeColor::warning, Glyph::key}
-                                     : Style{ThemeColor::selectionInactive, ThemeColor::textSecondary, {}};
-    const QFont font = theme_->font(ThemeFont::caption);
-    const QString text = HomeTexts::state(location);
-    const int padding = size(ThemeSize::space8), glyph = size(ThemeSize::space12),
-              gap = size(ThemeSize::space4);
-    const int textWidth = QFontMetrics(font).horizontalAdvance(text) + 1;
-    const int width = textWidth + 2 * padding + (style.glyph ? glyph + gap : 0);
-    const int height =
-        std::max(size(PlaceSize::pillHeight), QFontMetrics(font).height() + size(ThemeSize::space2));
-    const QRect pill(right - width, row.top() + (row.height() - height) / 2, width, height);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(theme_->color(style.ground));
-    painter.drawRoundedRect(mirrored(pill, row), height / 2.0, height / 2.0);
-    if (style.glyph) {
-        const QRect box(pill.left() + padding, pill.top() + (height - glyph) / 2, glyph, glyph);
-        Glyphs::draw(painter, *style.glyph, mirrored(box, row), theme_->color(style.ink));
-    }
-    painter.setFont(font);
-    painter.setPen(theme_->color(style.ink));
-    const QRect textPart(pill.right() - padding - textWidth + 1, pill.top(), textWidth, height);
-    painter.drawText(mirrored(textPart, row), Qt::AlignCenter | Qt::TextSingleLine, text);
+    const PillKind kind = location.isActive()          ? PillKind::available
+                          : location.needsPermission() ? PillKind::needsPermission
+                                                       : PillKind::notAvailable;
+    const QSize needed = Pill::sizeOf(*theme_, kind);
+    const QRect pill(QPoint(right - needed.width(), row.top() + (row.height() - needed.height()) / 2),
+                     needed);
+    painter.setLayoutDirection(direction_);
+    Pill::draw(painter, *theme_, kind, mirrored(pill, row));
     return pill;
 }
 
@@ -234,7 +224,7 @@ void HomePainter::paintButtonGround(QPainter& painter, const QRect& button, cons
 void HomePainter::paintLocation(QPainter& painter, const HomeItem& item, const QRect& rect,
                                 const Look& look) const {
     const GrantedPlace& location = model_->locations()[item.index];
-    const int inset = size(PlaceSize::tileInset), icon = size(PlaceSize::locationIcon),
+    const int inset = size(ThemeSize::tileInset), icon = size(ThemeSize::locationIcon),
               gap = size(ThemeSize::space12);
     const QRect box(rect.left() + inset, rect.top() + (rect.height() - icon) / 2, icon, icon);
     PlaceIcons::drawFolder(painter, *theme_, std::nullopt, mirrored(box, rect));
@@ -247,12 +237,11 @@ void HomePainter::paintLocation(QPainter& painter, const HomeItem& item, const Q
     const QRect text(QPoint(box.right() + 1 + gap, rect.top()), QPoint(pill.left() - gap, rect.bottom()));
     const bool isThere = location.isActive() || location.needsPermission();
     paintLines(painter, mirrored(text, rect), location.title, location.path,
-               isThere ? ThemeColor::text : ThemeColor::textSecondary);
+               isThere ? ThemeColor::text : ThemeColor::textSecondary, look);
     const QRect button = buttonOf(item, rect);
     if (!location.needsPermission()) {
         paintButtonGround(painter, button, look);
-        PlaceGlyphs::draw(painter, PlaceGlyph::more, centred(button, size(PlaceSize::treeChevron)),
-                          theme_->color(ThemeColor::text));
+        Glyphs::draw(painter, Glyph::more, centred(button, size(ThemeSize::treeChevron)), buttonInk(look));
         return;
     }
     const int radius = size(ThemeSize::radiusButton);
@@ -267,15 +256,15 @@ void HomePainter::paintLocation(QPainter& painter, const HomeItem& item, const Q
     painter.drawText(button, Qt::AlignCenter | Qt::TextSingleLine, buttonText(item));
 }
 
-void HomePainter::paintAddLocation(QPainter& painter, const QRect& rect) const {
-    const int inset = size(PlaceSize::tileInset), icon = size(PlaceSize::locationIcon),
+void HomePainter::paintAddLocation(QPainter& painter, const QRect& rect, const Look& look) const {
+    const int inset = size(ThemeSize::tileInset), icon = size(ThemeSize::locationIcon),
               gap = size(ThemeSize::space12);
     const QRect box(rect.left() + inset, rect.top() + (rect.height() - icon) / 2, icon, icon);
     Glyphs::draw(painter, Glyph::plus, centred(mirrored(box, rect), size(ThemeSize::glyph)),
-                 theme_->color(ThemeColor::accent));
+                 ink(ThemeColor::accent, look));
     const QRect text(QPoint(box.right() + 1 + gap, rect.top()), QPoint(rect.right() - inset, rect.bottom()));
     painter.setFont(theme_->font(ThemeFont::body));
-    painter.setPen(theme_->color(ThemeColor::accent));
+    painter.setPen(ink(ThemeColor::accent, look));
     painter.drawText(mirrored(text, rect),
                      QStyle::visualAlignment(direction_, Qt::AlignLeft) | Qt::AlignVCenter |
                          Qt::TextSingleLine,
@@ -287,15 +276,14 @@ void HomePainter::paintAddLocation(QPainter& painter, const QRect& rect) const {
 void HomePainter::paintVolume(QPainter& painter, const HomeItem& item, const QRect& rect,
                               const Look& look) const {
     const VolumePlace& volume = model_->volumes()[item.index];
-    const int inset = size(PlaceSize::tileInset), plate = size(PlaceSize::volumePlate);
+    const int inset = size(ThemeSize::tileInset), plate = size(ThemeSize::volumePlate);
     const QRect box(rect.left() + inset, rect.top() + inset, plate, plate);
     const int radius = size(ThemeSize::radiusField);
     painter.setPen(Qt::NoPen);
     painter.setBrush(theme_->color(ThemeColor::hover));
     painter.drawRoundedRect(mirrored(box, rect), radius, radius);
-    PlaceGlyphs::draw(painter, PlaceIcons::glyphOf(volume.kind),
-                      centred(mirrored(box, rect), size(ThemeSize::listIcon)),
-                      theme_->color(ThemeColor::accent));
+    Glyphs::draw(painter, PlaceIcons::glyphOf(volume.kind),
+                 centred(mirrored(box, rect), size(ThemeSize::listIcon)), theme_->color(ThemeColor::accent));
     QRect column(QPoint(box.right() + 1 + size(ThemeSize::space12) + size(ThemeSize::space2), box.top()),
                  QPoint(rect.right() - inset, rect.bottom() - inset));
     QRect lines(column.left(), box.top(), column.width(), plate);
@@ -303,19 +291,19 @@ void HomePainter::paintVolume(QPainter& painter, const HomeItem& item, const QRe
     if (!button.isEmpty()) {
         lines.setRight(mirrored(button, rect).left() - size(ThemeSize::space4));
         paintButtonGround(painter, button, look);
-        PlaceGlyphs::draw(painter, PlaceGlyph::eject, centred(button, size(PlaceSize::treeChevron)),
-                          theme_->color(ThemeColor::text));
+        Glyphs::draw(painter, Glyph::eject, centred(button, size(ThemeSize::treeChevron)), buttonInk(look));
     }
     paintLines(painter, mirrored(lines, rect), volume.title,
                volume.isEjecting ? localized("ui.volume.ejecting") : volume.nature,
-               volume.isEjecting ? ThemeColor::textSecondary : ThemeColor::text);
+               volume.isEjecting ? ThemeColor::textSecondary : ThemeColor::text, look);
     column.setTop(box.bottom() + 1 + size(ThemeSize::space2));
-    paintCapacity(painter, volume, mirrored(column, rect));
+    paintCapacity(painter, volume, mirrored(column, rect), look);
 }
 
-void HomePainter::paintCapacity(QPainter& painter, const VolumePlace& volume, const QRect& column) const {
+void HomePainter::paintCapacity(QPainter& painter, const VolumePlace& volume, const QRect& column,
+                                const Look& look) const {
     const auto used = volume.used();
-    const int bar = size(PlaceSize::capacityBar);
+    const int bar = size(ThemeSize::capacityBar);
     QRect caption = column;
     if (used) {
         const QRect track(column.left(), column.top(), column.width(), bar);
@@ -327,7 +315,7 @@ void HomePainter::paintCapacity(QPainter& painter, const VolumePlace& volume, co
     const QFontMetrics metrics(font);
     caption.setHeight(metrics.height());
     painter.setFont(font);
-    painter.setPen(theme_->color(volume.isNearlyFull() ? ThemeColor::danger : ThemeColor::textSecondary));
+    painter.setPen(ink(volume.isNearlyFull() ? ThemeColor::danger : ThemeColor::textSecondary, look));
     painter.drawText(
         caption, QStyle::visualAlignment(direction_, Qt::AlignLeft) | Qt::AlignVCenter | Qt::TextSingleLine,
         metrics.elidedText(HomeTexts::capacity(volume), Qt::ElideRight, caption.width()));
@@ -337,7 +325,7 @@ void HomePainter::paintCapacity(QPainter& painter, const VolumePlace& volume, co
 
 QRect HomePainter::buttonOf(const HomeItem& item, const QRect& rect) const {
     if (item.part != Part::entry) return {};
-    const int inset = size(PlaceSize::tileInset);
+    const int inset = size(ThemeSize::tileInset);
     if (item.section == Section::locations) {
         const GrantedPlace& location = model_->locations()[item.index];
         const int height = size(ThemeSize::space28);
@@ -352,7 +340,7 @@ QRect HomePainter::buttonOf(const HomeItem& item, const QRect& rect) const {
     if (item.section != Section::volumes) return {};
     const VolumePlace& volume = model_->volumes()[item.index];
     if (!volume.canBeEjected || volume.isEjecting) return {};
-    const int side = size(PlaceSize::treeButton), edge = size(ThemeSize::space12);
+    const int side = size(ThemeSize::treeButton), edge = size(ThemeSize::space12);
     return mirrored(QRect(rect.right() + 1 - edge - side, rect.top() + edge, side, side), rect);
 }
 

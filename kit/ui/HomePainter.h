@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ui/HomeLayout.h"
-#include "ui/PlaceSizes.h"
+#include "ui/Theme.h"
 
 #include <QPainter>
 
@@ -41,22 +41,26 @@ public:
 private:
     using Fonts = std::pair<QFont, QFont>;
     void paintHead(QPainter& painter, const HomeItem& item, const QRect& rect, const Look& look) const;
-    void paintPin(QPainter& painter, const PinnedPlace& pin, const QRect& rect) const;
+    void paintPin(QPainter& painter, const PinnedPlace& pin, const QRect& rect, const Look& look) const;
     void paintLocation(QPainter& painter, const HomeItem& item, const QRect& rect, const Look& look) const;
-    void paintAddLocation(QPainter& painter, const QRect& rect) const;
+    void paintAddLocation(QPainter& painter, const QRect& rect, const Look& look) const;
     void paintVolume(QPainter& painter, const HomeItem& item, const QRect& rect, const Look& look) const;
-    void paintCapacity(QPainter& painter, const VolumePlace& volume, const QRect& column) const;
+    void paintCapacity(QPainter& painter, const VolumePlace& volume, const QRect& column,
+                       const Look& look) const;
     void paintCard(QPainter& painter, const QRect& rect, const Look& look) const;
     void paintRowGround(QPainter& painter, const HomeItem& item, const QRect& rect, const Look& look) const;
     QRect paintPill(QPainter& painter, const GrantedPlace& location, int right, const QRect& row) const;
     void paintButtonGround(QPainter& painter, const QRect& button, const Look& look) const;
     /// Two lines of text, the second one smaller; both elided.
     void paintLines(QPainter& painter, const QRect& box, const QString& first, const QString& second,
-                    ThemeColor ink) const;
+                    ThemeColor ink, const Look& look) const;
+    /// What is written in `usual`, unless the ground is too loud for it.
+    [[nodiscard]] QColor ink(ThemeColor usual, const Look& look) const;
+    /// Of a glyph that is a button.
+    [[nodiscard]] QColor buttonInk(const Look& look) const;
     [[nodiscard]] std::optional<ThemeColor> fillOf(const Look& look) const;
     [[nodiscard]] QRect mirrored(const QRect& part, const QRect& within) const;
     [[nodiscard]] int size(ThemeSize token) const { return theme_->size(token); }
-    [[nodiscard]] int size(PlaceSize token) const { return PlaceSizes::of(*theme_, token); }
 
     const HomeModel* model_;
     const Theme* theme_;

@@ -5,7 +5,7 @@
 #include "ui/HomeViewAccessible.h"
 #include "ui/LocalizedText.h"
 #include "ui/PinDrag.h"
-#include "ui/PlaceSizes.h"
+#include "ui/Theme.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -26,16 +26,17 @@ using Section = HomeModel::Section;
 using Part = HomeItem::Part;
 using Direction = HomeLayout::Direction;
 
-constexpr std::chrono::milliseconds springPatience(900);
-
 } // namespace
 
 HomeView::HomeView(HomeModel& model, const Theme& theme, PlaceIntents intents, QWidget* parent)
     : QAbstractScrollArea(parent), model_(&model), theme_(&theme), intents_(std::move(intents)),
       menus_(model, intents_), painter_(model, theme),
-      drag_(new PlaceDrop(
-          *this, {.theme = theme, .pins = model, .folders = intents_.drops, .patience = springPatience},
-          [this](QPoint at, bool isPin) { return dropTargetAt(at, isPin); })) {
+      drag_(new PlaceDrop(*this,
+                          {.theme = theme,
+                           .pins = model,
+                           .folders = intents_.drops,
+                           .patience = Theme::delay(ThemeDelay::springItem)},
+                          [this](QPoint at, bool isPin) { return dropTargetAt(at, isPin); })) {
     HomeViewAccessible::install();
     setAccessibleName(localized("ui.home.title"));
     setFrameShape(QFrame::NoFrame);
@@ -58,7 +59,7 @@ void HomeView::arrange() {
     const int page = viewport()->height();
     verticalScrollBar()->setRange(0, std::max(0, layout_.height() - page));
     verticalScrollBar()->setPageStep(page);
-    verticalScrollBar()->setSingleStep(PlaceSizes::of(*theme_, PlaceSize::locationRow));
+    verticalScrollBar()->setSingleStep(theme_->size(ThemeSize::locationRow));
     viewport()->update();
 }
 
@@ -106,7 +107,7 @@ bool HomeView::isOnButton(const HomeItem& item, const QPoint& at) const {
 
 void HomeView::reveal(const HomeItem& item) {
     const QRect rect = layout_.rectOf(item);
-    const int margin = PlaceSizes::of(*theme_, PlaceSize::homeGap);
+    const int margin = theme_->size(ThemeSize::homeGap);
     if (rect.top() - margin < offset()) verticalScrollBar()->setValue(rect.top() - margin);
     if (rect.bottom() + margin >= offset() + viewport()->height())
         verticalScrollBar()->setValue(rect.bottom() + margin - viewport()->height() + 1);
@@ -412,7 +413,7 @@ PlaceDrop::Target HomeView::dropTargetAt(const QPoint& at, bool isPin) const {
     const bool isTile = item && item->part == Part::entry && item->section == Section::quickAccess;
     // A tile that is dragged goes before or behind any other; what is to be pinned goes between two.
     const QRect tile = isTile ? layout_.rectOf(*item) : QRect();
-    const int margin = isPin && isTile ? tile.width() / 2 : PlaceSizes::of(*theme_, PlaceSize::tileInset);
+    const int margin = isPin && isTile ? tile.width() / 2 : theme_->size(ThemeSize::tileInset);
     if (const auto before = layout_.insertionAt(toContents(at), margin)) return {.insertion = before};
     const bool isOnHead = item && item->part == Part::head && item->section == Section::quickAccess;
     if (isOnHead) return {.insertion = model_->pins().size()};
@@ -436,8 +437,7 @@ QRect HomeView::insertionLine() const {
     const HomeItem beside{Section::quickAccess, Part::entry, isLast ? model_->pins().size() - 1 : *insertion};
     const QRect tile = layout_.rectOf(beside);
     if (tile.isEmpty()) return {};
-    const int gap = PlaceSizes::of(*theme_, PlaceSize::homeGap),
-              width = PlaceSizes::of(*theme_, PlaceSize::insertionLine);
+    const int gap = theme_->size(ThemeSize::homeGap), width = theme_->size(ThemeSize::insertionLine);
     const int middle = isLast ? tile.right() + 1 + gap / 2 : tile.left() - gap / 2;
     const QRect line(middle - width / 2, tile.top() - offset(), width, tile.height());
     return QStyle::visualRect(layoutDirection(), viewport()->rect(), line);

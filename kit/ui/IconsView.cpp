@@ -41,7 +41,7 @@ IconsView::Measures IconsView::measures() const {
     Measures is;
     is.image = QSize(theme().size(row[0]), theme().size(row[1]));
     is.lines = size_ == IconSize::extraLarge ? 3 : 2;
-    is.lineHeight = fontMetrics().height();
+    is.lineHeight = std::max(fontMetrics().height(), theme().lineHeight(ThemeFont::body));
     const int used = is.image.height() + is.lines * is.lineHeight;
     // Scripts with tall letters make the cells higher before they are cut off.
     const int height = std::max(theme().size(row[3]), used + 3 * theme().size(ThemeSize::space2));

@@ -1,10 +1,10 @@
 #include "ui/ItemPreview.h"
 
 #include "browser/ThumbnailStore.h"
-#include "ui/DetailsSizes.h"
 #include "ui/FileIconDrawing.h"
 #include "ui/ItemPainting.h"
 #include "ui/LocalizedText.h"
+#include "ui/Theme.h"
 
 #include <QPainter>
 
@@ -58,8 +58,7 @@ void ItemPreview::setItems(const std::vector<FileItem>& items, Arrangement arran
 }
 
 QSize ItemPreview::box() const {
-    return (QSizeF(DetailsSizes::of(*theme_, DetailsSize::previewPicture),
-                   DetailsSizes::of(*theme_, DetailsSize::previewThumbnail)) *
+    return (QSizeF(theme_->size(ThemeSize::previewPicture), theme_->size(ThemeSize::previewThumbnail)) *
             devicePixelRatioF())
         .toSize();
 }
@@ -82,8 +81,8 @@ bool ItemPreview::isSettled() const {
 }
 
 QSize ItemPreview::sizeHint() const {
-    return {DetailsSizes::of(*theme_, DetailsSize::previewPicture) + theme_->size(ThemeSize::space28),
-            DetailsSizes::of(*theme_, DetailsSize::preview)};
+    return {theme_->size(ThemeSize::previewPicture) + theme_->size(ThemeSize::space28),
+            theme_->size(ThemeSize::preview)};
 }
 
 QSize ItemPreview::minimumSizeHint() const {
@@ -123,13 +122,13 @@ void ItemPreview::paintCard(QPainter& painter) {
         const int radius = theme_->size(ThemeSize::radiusField);
         painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
     }
-    const double inset = (height() - DetailsSizes::of(*theme_, DetailsSize::previewThumbnail)) / 2.0;
+    const double inset = (height() - theme_->size(ThemeSize::previewThumbnail)) / 2.0;
     const QRectF room = QRectF(rect()).adjusted(inset, inset, -inset, -inset);
     if (const QImage image = thumbnailOf(items_.front()); !image.isNull()) {
         paintThumbnail(painter, items_.front(), image, fitted(image, devicePixelRatioF(), room));
         return;
     }
-    const int side = DetailsSizes::of(*theme_, DetailsSize::previewIcon);
+    const int side = theme_->size(ThemeSize::previewIcon);
     QRectF icon(0, 0, side, side);
     icon.moveCenter(room.center());
     paintIcon(painter, items_.front(), icon);
@@ -142,12 +141,11 @@ void ItemPreview::paintFan(QPainter& painter) {
     };
     // The first item lies in front; the one before it in the list of leaves lies under it.
     constexpr std::array leaves = {Leaf{0, -1.5}, Leaf{-1, -7}, Leaf{1, 6}};
-    const int shift = DetailsSizes::of(*theme_, DetailsSize::fanShift);
-    const int drop = DetailsSizes::of(*theme_, DetailsSize::fanDrop);
-    const QSizeF size(DetailsSizes::of(*theme_, DetailsSize::fanWidth),
-                      DetailsSizes::of(*theme_, DetailsSize::fanHeight));
-    const int icon = DetailsSizes::of(*theme_, DetailsSize::fanIcon);
-    const int frame = DetailsSizes::of(*theme_, DetailsSize::fanFrame);
+    const int shift = theme_->size(ThemeSize::fanShift);
+    const int drop = theme_->size(ThemeSize::fanDrop);
+    const QSizeF size(theme_->size(ThemeSize::fanWidth), theme_->size(ThemeSize::fanHeight));
+    const int icon = theme_->size(ThemeSize::fanIcon);
+    const int frame = theme_->size(ThemeSize::fanFrame);
     const QPointF middle = QRectF(rect()).center();
     for (std::size_t i = std::min(items_.size(), leaves.size()); i-- > 0;) {
         painter.save();

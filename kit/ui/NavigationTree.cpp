@@ -2,7 +2,7 @@
 
 #include "ui/LocalizedText.h"
 #include "ui/PinDrag.h"
-#include "ui/PlaceSizes.h"
+#include "ui/Theme.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -29,9 +29,12 @@ NavigationTree::NavigationTree(FolderTreeModel& model, const Theme& theme, Place
                                QWidget* parent)
     : QTreeView(parent), model_(&model), theme_(&theme), intents_(std::move(intents)),
       menus_(model.home(), intents_), delegate_(new NavigationTreeDelegate(model, theme, this)),
-      drag_(new PlaceDrop(
-          *this, {.theme = theme, .pins = model.home(), .folders = intents_.drops, .patience = spring},
-          [this](QPoint at, bool isPin) { return dropTargetAt(at, isPin); })) {
+      drag_(new PlaceDrop(*this,
+                          {.theme = theme,
+                           .pins = model.home(),
+                           .folders = intents_.drops,
+                           .patience = Theme::delay(ThemeDelay::springBranch)},
+                          [this](QPoint at, bool isPin) { return dropTargetAt(at, isPin); })) {
     setAccessibleName(localized("ui.accessible.tree"));
     setModel(&model);
     setItemDelegate(delegate_);
@@ -73,7 +76,7 @@ void NavigationTree::takeLook() {
 /// The base class keeps the margins for its header.
 void NavigationTree::updateGeometries() {
     QTreeView::updateGeometries();
-    const QMargins margins(0, PlaceSizes::of(*theme_, PlaceSize::treeTop), 0, 0);
+    const QMargins margins(0, theme_->size(ThemeSize::treeTop), 0, 0);
     if (viewportMargins() != margins) setViewportMargins(margins);
 }
 
@@ -397,8 +400,7 @@ QRect NavigationTree::insertionLine() const {
     while (!below.isValid() && model_->isOpen(last) && model_->rowCount(last) > 0)
         last = model_->index(model_->rowCount(last) - 1, 0, last);
     const int y = below.isValid() ? next.top() : visualRect(last).bottom() + 1;
-    const int height = PlaceSizes::of(*theme_, PlaceSize::insertionLine),
-              inset = PlaceSizes::of(*theme_, PlaceSize::treeInset);
+    const int height = theme_->size(ThemeSize::insertionLine), inset = theme_->size(ThemeSize::treeInset);
     return {inset, y - height / 2, viewport()->width() - 2 * inset, height};
 }
 

@@ -20,9 +20,6 @@ class NavigationTree final : public QTreeView {
     Q_OBJECT
 
 public:
-    /// A closed row that is dragged over for that long opens.
-    static constexpr std::chrono::milliseconds spring{600};
-
     /// Both must outlive it.
     NavigationTree(FolderTreeModel& model, const Theme& theme, PlaceIntents intents,
                    QWidget* parent = nullptr);

@@ -2,9 +2,8 @@
 
 #include "ui/Glyphs.h"
 #include "ui/OmbrelStyle.h"
-#include "ui/PlaceGlyphs.h"
 #include "ui/PlaceIcons.h"
-#include "ui/PlaceSizes.h"
+#include "ui/Theme.h"
 
 #include <QPainter>
 #include <QPainterPath>
@@ -37,11 +36,11 @@ NavigationTreeDelegate::buttonOf(const FolderTreeModel::Entry& entry) {
 
 NavigationRowParts NavigationTreeDelegate::parts(const QRect& rect, const QModelIndex& index,
                                                  Qt::LayoutDirection direction) const {
-    const auto size = [this](auto token) { return PlaceSizes::of(*theme_, token); };
+    const auto size = [this](ThemeSize token) { return theme_->size(token); };
     const auto entry = model_->entry(index);
-    const int inset = size(PlaceSize::treeInset), indent = depthOf(index) * size(PlaceSize::treeIndent);
-    const int chevron = size(PlaceSize::treeChevron), icon = size(ThemeSize::smallIcon);
-    const int button = size(PlaceSize::treeButton), small = size(ThemeSize::space2);
+    const int inset = size(ThemeSize::treeInset), indent = depthOf(index) * size(ThemeSize::treeIndent);
+    const int chevron = size(ThemeSize::treeChevron), icon = size(ThemeSize::smallIcon);
+    const int button = size(ThemeSize::treeButton), small = size(ThemeSize::space2);
     NavigationRowParts parts;
     parts.row = rect.adjusted(inset, 0, -inset, 0);
     int x = parts.row.left() + size(ThemeSize::space4) + small / 2 + indent;
@@ -65,7 +64,7 @@ NavigationRowParts NavigationTreeDelegate::parts(const QRect& rect, const QModel
 }
 
 QSize NavigationTreeDelegate::sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const {
-    return {0, PlaceSizes::of(*theme_, PlaceSize::treeRow)};
+    return {0, theme_->size(ThemeSize::treeRow)};
 }
 
 void NavigationTreeDelegate::paintGround(QPainter& painter, const QRect& row, const Look& look,
@@ -82,7 +81,7 @@ void NavigationTreeDelegate::paintGround(QPainter& painter, const QRect& row, co
     shape.addRoundedRect(row, radius, radius);
     if (fill) painter.fillPath(shape, theme_->color(*fill));
     if (look.isShown) {
-        const int edge = PlaceSizes::of(*theme_, PlaceSize::treeEdge);
+        const int edge = theme_->size(ThemeSize::treeEdge);
         const QRect strip(direction == Qt::RightToLeft ? row.right() - edge + 1 : row.left(), row.top(), edge,
                           row.height());
         painter.save();
@@ -94,14 +93,13 @@ void NavigationTreeDelegate::paintGround(QPainter& painter, const QRect& row, co
 }
 
 void NavigationTreeDelegate::paintIcon(QPainter& painter, const FolderTreeModel::Entry& entry,
-                                       const QRect& box) const {
-    const QColor ink = theme_->color(ThemeColor::textSecondary);
+                                       const QRect& box, const QColor& ink) const {
     if (entry.kind == Kind::home)
         Glyphs::draw(painter, Glyph::home, box, ink);
     else if (entry.known)
-        PlaceGlyphs::draw(painter, PlaceIcons::glyphOf(*entry.known), box, ink);
+        Glyphs::draw(painter, PlaceIcons::glyphOf(*entry.known), box, ink);
     else if (entry.volume)
-        PlaceGlyphs::draw(painter, PlaceIcons::glyphOf(entry.volume->kind), box, ink);
+        Glyphs::draw(painter, PlaceIcons::glyphOf(entry.volume->kind), box, ink);
     else
         PlaceIcons::drawFolder(painter, *theme_, std::nullopt, box);
 }
@@ -114,25 +112,28 @@ void NavigationTreeDelegate::paintRow(QPainter& painter, const QRect& rect, cons
     painter.setRenderHint(QPainter::Antialiasing);
     const bool isCaption = entry.kind == Kind::head;
     const bool isNotice = entry.kind == Kind::notice;
+    // Where the ground of what is shown is loud, only one ink can be read on it.
+    const bool isLoud = theme_->appearance().isHighContrast && (look.isShown || look.isDropTarget);
+    const QColor glyphInk = theme_->color(isLoud ? ThemeColor::onSelection : ThemeColor::textSecondary);
     if (!isCaption && !isNotice) {
         paintGround(painter, at.row, look, direction);
         if (model_->hasChildren(index)) {
-            const int side = PlaceSizes::of(*theme_, PlaceSize::treeChevron);
+            const int side = theme_->size(ThemeSize::treeChevron);
             QRect box(0, 0, side, side);
             box.moveCenter(at.chevron.center());
             const Glyph closed = direction == Qt::RightToLeft ? Glyph::chevronLeft : Glyph::chevronRight;
-            Glyphs::draw(painter, model_->isOpen(index) ? Glyph::chevronDown : closed, box,
-                         theme_->color(ThemeColor::textSecondary));
+            Glyphs::draw(painter, model_->isOpen(index) ? Glyph::chevronDown : closed, box, glyphInk);
         }
-        paintIcon(painter, entry, at.icon);
+        paintIcon(painter, entry, at.icon, glyphInk);
     }
-    QFont font = theme_->font(isCaption || isNotice ? ThemeFont::caption : ThemeFont::body);
-    if (isCaption) font.setWeight(QFont::DemiBold);
+    const QFont font = theme_->font(isCaption  ? ThemeFont::captionStrong
+                                    : isNotice ? ThemeFont::caption
+                                               : ThemeFont::body);
     const bool isUnavailable =
         entry.location && !entry.location->isActive() && !entry.location->needsPermission();
     const bool isEjecting = entry.volume && entry.volume->isEjecting;
     ThemeColor ink = ThemeColor::text;
-    if (isCaption || isNotice || isUnavailable || isEjecting)
+    if (!isLoud && (isCaption || isNotice || isUnavailable || isEjecting))
         ink = ThemeColor::textSecondary;
     else if (look.isShown || look.isDropTarget)
         ink = ThemeColor::onSelection;
@@ -142,20 +143,21 @@ void NavigationTreeDelegate::paintRow(QPainter& painter, const QRect& rect, cons
         at.text, QStyle::visualAlignment(direction, Qt::AlignLeft) | Qt::AlignVCenter | Qt::TextSingleLine,
         QFontMetrics(font).elidedText(entry.title, Qt::ElideRight, at.text.width()));
     if (const auto button = buttonOf(entry)) {
-        if (look.isButtonHovered || look.isButtonPressed) {
+        const bool hasGround = look.isButtonHovered || look.isButtonPressed;
+        if (hasGround) {
             const int radius = theme_->size(ThemeSize::radiusButton);
             painter.setPen(Qt::NoPen);
             painter.setBrush(theme_->color(look.isButtonPressed ? ThemeColor::pressed : ThemeColor::surface));
             painter.drawRoundedRect(at.button, radius, radius);
         }
-        const int side = PlaceSizes::of(*theme_, PlaceSize::treeChevron);
+        const int side = theme_->size(ThemeSize::treeChevron);
         QRect box(0, 0, side, side);
         box.moveCenter(at.button.center());
         const bool isKey = *button == Button::allow;
-        if (isKey)
-            Glyphs::draw(painter, Glyph::key, box, theme_->color(ThemeColor::warning));
-        else
-            PlaceGlyphs::draw(painter, PlaceGlyph::eject, box, theme_->color(ThemeColor::textSecondary));
+        Glyphs::draw(painter, isKey ? Glyph::key : Glyph::eject, box,
+                     isLoud && !hasGround
+                         ? glyphInk
+                         : theme_->color(isKey ? ThemeColor::warning : ThemeColor::textSecondary));
     }
     painter.restore();
 }

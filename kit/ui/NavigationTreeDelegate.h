@@ -50,7 +50,8 @@ public:
 private:
     void paintGround(QPainter& painter, const QRect& row, const Look& look,
                      Qt::LayoutDirection direction) const;
-    void paintIcon(QPainter& painter, const FolderTreeModel::Entry& entry, const QRect& box) const;
+    void paintIcon(QPainter& painter, const FolderTreeModel::Entry& entry, const QRect& box,
+                   const QColor& ink) const;
 
     const FolderTreeModel* model_;
     const Theme* theme_;

@@ -1,7 +1,7 @@
 #include "ui/PlaceIcons.h"
 
 #include "ui/FileIconDrawing.h"
-#include "ui/PlaceSizes.h"
+#include "ui/Theme.h"
 
 #include <QPainter>
 
@@ -9,23 +9,23 @@
 
 namespace ombrel::PlaceIcons {
 
-PlaceGlyph glyphOf(KnownFolder folder) noexcept {
+Glyph glyphOf(KnownFolder folder) noexcept {
     switch (folder) {
-    case KnownFolder::desktop: return PlaceGlyph::desktop;
-    case KnownFolder::downloads: return PlaceGlyph::downloads;
-    case KnownFolder::documents: return PlaceGlyph::documents;
-    case KnownFolder::pictures: return PlaceGlyph::pictures;
-    case KnownFolder::music: return PlaceGlyph::music;
-    case KnownFolder::videos: return PlaceGlyph::videos;
+    case KnownFolder::desktop: return Glyph::desktop;
+    case KnownFolder::downloads: return Glyph::downloads;
+    case KnownFolder::documents: return Glyph::documents;
+    case KnownFolder::pictures: return Glyph::pictures;
+    case KnownFolder::music: return Glyph::music;
+    case KnownFolder::videos: return Glyph::videos;
     }
     std::unreachable();
 }
 
-PlaceGlyph glyphOf(VolumePlace::Kind kind) noexcept {
+Glyph glyphOf(VolumePlace::Kind kind) noexcept {
     switch (kind) {
-    case VolumePlace::Kind::internal: return PlaceGlyph::drive;
-    case VolumePlace::Kind::removable: return PlaceGlyph::stick;
-    case VolumePlace::Kind::network: return PlaceGlyph::network;
+    case VolumePlace::Kind::internal: return Glyph::drive;
+    case VolumePlace::Kind::removable: return Glyph::stick;
+    case VolumePlace::Kind::network: return Glyph::network;
     }
     std::unreachable();
 }
@@ -37,7 +37,7 @@ void drawFolder(QPainter& painter, const Theme& theme, std::optional<KnownFolder
     constexpr double part = 0.36, middle = 0.605;
     const double side = box.width() * part;
     const QRectF glyph(box.center().x() - side / 2, box.top() + box.height() * middle - side / 2, side, side);
-    PlaceGlyphs::draw(painter, glyphOf(*known), glyph, PlaceSizes::folderGlyph());
+    Glyphs::draw(painter, glyphOf(*known), glyph, theme.color(ThemeColor::folderGlyph));
 }
 
 } // namespace ombrel::PlaceIcons

@@ -2,7 +2,7 @@
 
 #include "browser/Places.h"
 #include "listing/KnownFolder.h"
-#include "ui/PlaceGlyphs.h"
+#include "ui/Glyphs.h"
 
 #include <QRectF>
 
@@ -17,8 +17,8 @@ class Theme;
 /// How folders and volumes look where they are offered as places.
 namespace PlaceIcons {
 
-[[nodiscard]] PlaceGlyph glyphOf(KnownFolder folder) noexcept;
-[[nodiscard]] PlaceGlyph glyphOf(VolumePlace::Kind kind) noexcept;
+[[nodiscard]] Glyph glyphOf(KnownFolder folder) noexcept;
+[[nodiscard]] Glyph glyphOf(VolumePlace::Kind kind) noexcept;
 
 /// A folder; a standard one carries its glyph on the front.
 void drawFolder(QPainter& painter, const Theme& theme, std::optional<KnownFolder> known, const QRectF& box);

@@ -96,7 +96,7 @@ private:
         const int side = theme_->size(ThemeSize::listIcon);
         QRect box(0, 0, side, side);
         box.moveCenter(rect().center());
-        PlaceGlyphs::draw(painter, PlaceIcons::glyphOf(*volume_), box, theme_->color(ThemeColor::accent));
+        Glyphs::draw(painter, PlaceIcons::glyphOf(*volume_), box, theme_->color(ThemeColor::accent));
     }
 
     const Theme* theme_;
@@ -109,7 +109,7 @@ PropertiesWindow::PropertiesWindow(const Theme& theme, ItemProperties::Subject s
     : theme_(&theme), properties_(std::move(subject)), icon_(new Icon(theme, this)),
       name_(new ValueText(theme, ThemeFont::subtitle, this)),
       problem_(new TextLabel(theme, ThemeFont::body, ThemeColor::danger, this)),
-      facts_(new FactTable(theme, DetailsSize::propertiesCaptions, this)),
+      facts_(new FactTable(theme, ThemeSize::propertiesCaptions, this)),
       capacity_(new CapacityBar(theme, this)),
       capacityWords_(new TextLabel(theme, ThemeFont::caption, ThemeColor::textSecondary, this)) {
     setAttribute(Qt::WA_DeleteOnClose);
@@ -120,8 +120,7 @@ PropertiesWindow::PropertiesWindow(const Theme& theme, ItemProperties::Subject s
     setWindowTitle(count > 1 ? localized("ui.properties.titleOfSeveral", count)
                              : localized("ui.properties.title", {isolated(name.toStdString())}));
     name_->setValue(localized("ui.properties.name"), name);
-    resize(DetailsSizes::of(theme, DetailsSize::propertiesWidth),
-           DetailsSizes::of(theme, DetailsSize::propertiesHeight));
+    resize(theme.size(ThemeSize::propertiesWidth), theme.size(ThemeSize::propertiesHeight));
     layOut();
     new FocusRing(this);
     connect(&properties_, &ItemProperties::changed, this, &PropertiesWindow::refresh);

@@ -20,12 +20,9 @@
 #include <QStyle>
 
 #include <algorithm>
-#include <chrono>
 
 namespace ombrel {
 namespace {
-
-constexpr std::chrono::milliseconds springPatience(500);
 
 /// A tab's outline: round above, straight into what lies below.
 QPainterPath tabOutline(const QRectF& rect, double radius, double radiusUpright) {
@@ -47,7 +44,7 @@ TabStrip::TabStrip(BrowserTabsModel& tabs, const Theme& theme, const AppSettings
       newTab_(new GlyphButton(theme, Glyph::plus, ThemeSize::navigationButton, this)),
       scrollBack_(new GlyphButton(theme, Glyph::chevronLeft, ThemeSize::smallButton, this)),
       scrollOn_(new GlyphButton(theme, Glyph::chevronRight, ThemeSize::smallButton, this)),
-      spring_(new DropSpring(theme, springPatience, this)) {
+      spring_(new DropSpring(theme, Theme::delay(ThemeDelay::springTab), this)) {
     TabStripAccessible::install();
     setAccessibleName(localized("ui.accessible.tabs"));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);

@@ -4,6 +4,7 @@
 #include <QFontInfo>
 #include <QFontMetricsF>
 #include <QGuiApplication>
+#include <QLocale>
 
 #include <algorithm>
 #include <array>
@@ -50,6 +51,7 @@ constexpr ColorRow colorTable[] = {
     {folderFrontBottom, 0xFFF0A04B, 0xFFF0A04B},
     {folderBack, 0xFFC97C34, 0xFFC97C34},
     {folderPaper, 0xFFFFF6E8, 0xFFFFF6E8},
+    {folderGlyph, 0xFF8A4B12, 0xFF8A4B12},
     {thumbnailEdge, 0x1F000000, 0x1F000000},
     {badgeGround, 0xB3172124, 0xB3172124},
     {onBadge, 0xFFFFFFFF, 0xFFFFFFFF},
@@ -202,6 +204,46 @@ constexpr SizeRow sizeTable[] = {
     {ThemeSize::splitterGrab, 7},
     {ThemeSize::roomForTree, 720},
     {ThemeSize::roomForDetails, 900},
+    {ThemeSize::treeRow, 28},
+    {ThemeSize::treeInset, 6},
+    {ThemeSize::treeTop, 8},
+    {ThemeSize::treeIndent, 16},
+    {ThemeSize::treeChevron, 14},
+    {ThemeSize::treeButton, 24},
+    {ThemeSize::treeEdge, 3},
+    {ThemeSize::homeMargin, 28},
+    {ThemeSize::homeTop, 12},
+    {ThemeSize::homeHead, 32},
+    {ThemeSize::homeHeadGap, 4},
+    {ThemeSize::homeSectionGap, 14},
+    {ThemeSize::homeGap, 10},
+    {ThemeSize::tile, 64},
+    {ThemeSize::tileMinimumWidth, 220},
+    {ThemeSize::tileInset, 15},
+    {ThemeSize::tileIcon, 40},
+    {ThemeSize::locationRow, 52},
+    {ThemeSize::locationIcon, 28},
+    {ThemeSize::volumeCard, 100},
+    {ThemeSize::volumeCardMinimumWidth, 260},
+    {ThemeSize::volumePlate, 40},
+    {ThemeSize::capacityBar, 6},
+    {ThemeSize::insertionLine, 2},
+    {ThemeSize::preview, 158},
+    {ThemeSize::previewPicture, 224},
+    {ThemeSize::previewThumbnail, 130},
+    {ThemeSize::previewIcon, 112},
+    {ThemeSize::fanWidth, 140},
+    {ThemeSize::fanHeight, 104},
+    {ThemeSize::fanIcon, 96},
+    {ThemeSize::fanShift, 26},
+    {ThemeSize::fanDrop, 8},
+    {ThemeSize::fanFrame, 3},
+    {ThemeSize::factInset, 3},
+    {ThemeSize::factGap, 1},
+    {ThemeSize::detailsCaptions, 96},
+    {ThemeSize::propertiesCaptions, 104},
+    {ThemeSize::propertiesWidth, 420},
+    {ThemeSize::propertiesHeight, 520},
 };
 static_assert(std::size(sizeTable) == themeSizeCount);
 
@@ -230,6 +272,16 @@ QFont fixedFont() {
     if (!QFontInfo(font).fixedPitch()) font = QFont(QStringLiteral("monospace"));
     font.setStyleHint(QFont::Monospace);
     return font;
+}
+
+/// Whether the interface speaks a language whose letters are as high as they are wide, and dense.
+bool isDenseScript() {
+    switch (QLocale().language()) {
+    case QLocale::Chinese:
+    case QLocale::Japanese:
+    case QLocale::Korean: return true;
+    default: return false;
+    }
 }
 
 /// The height of the interface font that the sizes are given for.
@@ -273,9 +325,11 @@ QFont Theme::font(ThemeFont token) const {
         double factor;
         bool isSemibold;
     };
+    constexpr double captionFactor = 0.92;
     const auto [factor, isSemibold] = [token]() -> Setting {
         switch (token) {
-        case ThemeFont::caption: return {0.92, false};
+        case ThemeFont::caption: return {captionFactor, false};
+        case ThemeFont::captionStrong: return {captionFactor, !isDenseScript()};
         case ThemeFont::body:
         case ThemeFont::fixed: return {1, false};
         case ThemeFont::bodyStrong: return {1, true};
@@ -294,6 +348,13 @@ QFont Theme::font(ThemeFont token) const {
     return font;
 }
 
+int Theme::lineHeight(ThemeFont token) const {
+    const QFont set = font(token);
+    constexpr double leastOfDense = 1.4; // times the size of the letters
+    const double least = isDenseScript() ? leastOfDense * QFontInfo(set).pixelSize() : 0;
+    return std::max(QFontMetrics(set).height(), static_cast<int>(std::ceil(least)));
+}
+
 int Theme::duration(ThemeDuration token) const {
     if (appearance_.isMotionReduced) return 0;
     switch (token) {
@@ -302,6 +363,18 @@ int Theme::duration(ThemeDuration token) const {
     case ThemeDuration::tab: return 120;
     case ThemeDuration::springFlash: return 150;
     case ThemeDuration::expand: return 120;
+    }
+    std::unreachable();
+}
+
+std::chrono::milliseconds Theme::delay(ThemeDelay token) {
+    using std::chrono::milliseconds;
+    switch (token) {
+    case ThemeDelay::springItem: return milliseconds(900);
+    case ThemeDelay::springCrumb: return milliseconds(700);
+    case ThemeDelay::springBranch: return milliseconds(600);
+    case ThemeDelay::springTab: return milliseconds(500);
+    case ThemeDelay::selectionQuiet: return milliseconds(120);
     }
     std::unreachable();
 }
@@ -331,7 +404,8 @@ QPalette Theme::palette() const {
     set(QPalette::HighlightedText, onSelection);
     set(QPalette::Link, accent);
     set(QPalette::LinkVisited, accent);
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+    for (const auto role :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::PlaceholderText})
         palette.setColor(QPalette::Disabled, role, color(textDisabled));
     palette.setColor(QPalette::Inactive, QPalette::Highlight, color(selectionInactive));
     return palette;

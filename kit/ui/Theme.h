@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QPalette>
 
+#include <chrono>
 #include <cstdint>
 
 namespace ombrel {
@@ -40,6 +41,7 @@ enum class ThemeColor : std::uint8_t {
     folderFrontBottom,
     folderBack,
     folderPaper,
+    folderGlyph,   ///< what standard folders carry on their front
     thumbnailEdge, ///< the outline of thumbnails, over them
     badgeGround,   ///< behind the glyph on a thumbnail, and behind a count
     onBadge,
@@ -188,11 +190,60 @@ enum class ThemeSize : std::uint8_t {
     splitterGrab,
     roomForTree,    ///< the least width of a window with a tree
     roomForDetails, ///< the least width of a window with a details pane
+    treeRow,
+    treeInset, ///< between the edges of the tree and its rows
+    treeTop,   ///< above the first row
+    treeIndent,
+    treeChevron,
+    treeButton,
+    treeEdge, ///< along the row of the folder that is shown
+    homeMargin,
+    homeTop,
+    homeHead,
+    homeHeadGap,
+    homeSectionGap,
+    homeGap, ///< between tiles, and between cards
+    tile,
+    tileMinimumWidth,
+    tileInset,
+    tileIcon,
+    locationRow,
+    locationIcon,
+    volumeCard,
+    volumeCardMinimumWidth,
+    volumePlate,
+    capacityBar,
+    insertionLine,
+    preview,          ///< the height of what shows the item; it is as wide as the pane has room
+    previewPicture,   ///< a thumbnail in it is at most that wide
+    previewThumbnail, ///< and that high
+    previewIcon,
+    fanWidth, ///< of one picture of several
+    fanHeight,
+    fanIcon,
+    fanShift, ///< of the pictures behind, to the sides
+    fanDrop,  ///< of the one in front, below the middle
+    fanFrame,
+    factInset,       ///< around a value, where its focus ring is
+    factGap,         ///< between one value and the next
+    detailsCaptions, ///< the column that says what the values are
+    propertiesCaptions,
+    propertiesWidth,
+    propertiesHeight,
 };
-inline constexpr std::size_t themeSizeCount = static_cast<std::size_t>(ThemeSize::roomForDetails) + 1;
+inline constexpr std::size_t themeSizeCount = static_cast<std::size_t>(ThemeSize::propertiesHeight) + 1;
 
 /// How a text is set, relative to the interface font.
-enum class ThemeFont : std::uint8_t { caption, body, bodyStrong, subtitle, title, display, fixed };
+enum class ThemeFont : std::uint8_t {
+    caption,
+    captionStrong, ///< heads of sections; plain where letters are too dense to be small and bold
+    body,
+    bodyStrong,
+    subtitle,
+    title,
+    display,
+    fixed,
+};
 
 /// How long something moves.
 enum class ThemeDuration : std::uint8_t {
@@ -201,6 +252,15 @@ enum class ThemeDuration : std::uint8_t {
     tab,         ///< opening and closing
     springFlash, ///< of what opens because something is dragged over it
     expand,      ///< details of jobs, sections of Home
+};
+
+/// How long something waits, whether or not motion is reduced.
+enum class ThemeDelay : std::uint8_t {
+    springItem, ///< what is dragged rests over a folder in a view or on Home until it opens
+    springCrumb,
+    springBranch, ///< of the navigation tree
+    springTab,
+    selectionQuiet, ///< the selection rests until the details pane follows
 };
 
 /// What the desktop says about how things should look.
@@ -232,8 +292,11 @@ public:
     /// In device-independent pixels, scaled with the interface font and rounded.
     [[nodiscard]] int size(ThemeSize token) const;
     [[nodiscard]] QFont font(ThemeFont token) const;
+    /// From one line of a text to the next, in device-independent pixels.
+    [[nodiscard]] int lineHeight(ThemeFont token) const;
     /// Milliseconds; 0 where motion is reduced.
     [[nodiscard]] int duration(ThemeDuration token) const;
+    [[nodiscard]] static std::chrono::milliseconds delay(ThemeDelay token);
 
 Q_SIGNALS:
     void changed();

@@ -1,9 +1,9 @@
 #include "ui/ValueText.h"
 
-#include "ui/DetailsSizes.h"
 #include "ui/GlyphIcon.h"
 #include "ui/LocalizedText.h"
 #include "ui/OmbrelStyle.h"
+#include "ui/Theme.h"
 
 #include <QContextMenuEvent>
 #include <QMenu>
@@ -47,7 +47,7 @@ ValueText::ValueText(const Theme& theme, ThemeFont font, QWidget* parent)
 
 void ValueText::takeLook() {
     setFont(theme_->font(font_));
-    document()->setDocumentMargin(DetailsSizes::of(*theme_, DetailsSize::factInset));
+    document()->setDocumentMargin(theme_->size(ThemeSize::factInset));
     QPalette colors = theme_->palette();
     colors.setColor(QPalette::Text, theme_->color(color_));
     setPalette(colors);
@@ -93,7 +93,7 @@ QSize ValueText::sizeHint() const {
 }
 
 QSize ValueText::minimumSizeHint() const {
-    const int inset = DetailsSizes::of(*theme_, DetailsSize::factInset);
+    const int inset = theme_->size(ThemeSize::factInset);
     return {theme_->size(ThemeSize::space28), fontMetrics().height() + 2 * inset};
 }
 

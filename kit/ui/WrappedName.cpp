@@ -2,7 +2,6 @@
 
 #include "ui/Theme.h"
 
-#include <QFontMetrics>
 #include <QPainter>
 
 #include <algorithm>
@@ -42,7 +41,7 @@ void WrappedName::explain() {
 
 int WrappedName::heightForWidth(int width) const {
     const auto count = std::max<qsizetype>(linesAt(width).size(), 1);
-    return static_cast<int>(count) * QFontMetrics(theme_->font(ThemeFont::subtitle)).height();
+    return static_cast<int>(count) * theme_->lineHeight(ThemeFont::subtitle);
 }
 
 QSize WrappedName::sizeHint() const {
@@ -50,7 +49,7 @@ QSize WrappedName::sizeHint() const {
 }
 
 QSize WrappedName::minimumSizeHint() const {
-    return {theme_->size(ThemeSize::space28), QFontMetrics(theme_->font(ThemeFont::subtitle)).height()};
+    return {theme_->size(ThemeSize::space28), theme_->lineHeight(ThemeFont::subtitle)};
 }
 
 void WrappedName::resizeEvent(QResizeEvent* event) {
@@ -62,7 +61,7 @@ void WrappedName::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setFont(theme_->font(ThemeFont::subtitle));
     painter.setPen(theme_->color(ThemeColor::text));
-    const int height = painter.fontMetrics().height();
+    const int height = theme_->lineHeight(ThemeFont::subtitle);
     QRect line(0, 0, width(), height);
     for (const QString& text : linesAt(width())) {
         painter.drawText(line, static_cast<int>(Qt::AlignLeading | Qt::AlignVCenter) | Qt::TextSingleLine,

@@ -54,7 +54,7 @@ protected:
     [[nodiscard]] bool until(const std::function<bool(const DetailsValues::Content&)>& is) const {
         return runUntil([&] { return is(values.content()); });
     }
-    DetailsValues values;
+    DetailsValues values{std::chrono::milliseconds(120)};
 };
 
 TEST_F(Details, SayWhatIsKnownOfOneItemAndWhatWasReadAfterThat) {

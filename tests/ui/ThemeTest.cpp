@@ -2,7 +2,9 @@
 
 #include "ui/DesktopAppearance.h"
 
+#include <QFontInfo>
 #include <QGuiApplication>
+#include <QLocale>
 #include <QPalette>
 
 #include <gmock/gmock.h>
@@ -100,6 +102,22 @@ TEST(ThemeSizes, GrowWithTheInterfaceFontAndRowsHoldTheirText) {
     EXPECT_NEAR(theme.size(ThemeSize::row), 64, 2);
     EXPECT_EQ(theme.size(ThemeSize::hairline), 1);
     EXPECT_EQ(theme.font(ThemeFont::title).pixelSize(), 36);
+}
+
+TEST(ThemeFonts, LeaveRoomAroundDenseLettersAndDoNotMakeThemSmallAndBold) {
+    const QLocale before;
+    const Theme theme;
+    const auto plainLine = theme.lineHeight(ThemeFont::body);
+    EXPECT_TRUE(theme.font(ThemeFont::captionStrong).weight() > QFont::Normal);
+    for (const auto language : {QLocale::Chinese, QLocale::Japanese, QLocale::Korean}) {
+        QLocale::setDefault(QLocale(language));
+        EXPECT_EQ(theme.font(ThemeFont::captionStrong).weight(), QFont::Normal);
+        EXPECT_TRUE(theme.font(ThemeFont::bodyStrong).weight() > QFont::Normal);
+        EXPECT_GE(theme.lineHeight(ThemeFont::body),
+                  1.4 * QFontInfo(theme.font(ThemeFont::body)).pixelSize());
+        EXPECT_GE(theme.lineHeight(ThemeFont::body), plainLine);
+    }
+    QLocale::setDefault(before);
 }
 
 TEST(ThemeMotion, IsNoneWhereItIsReduced) {
