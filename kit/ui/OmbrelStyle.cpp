@@ -1,18 +1,20 @@
 #include "ui/OmbrelStyle.h"
 
+#include "ui/Compositing.h"
 #include "ui/Glyphs.h"
 #include "ui/Theme.h"
 
 #include <QAction>
-#include <QGuiApplication>
 #include <QMenu>
 #include <QPainter>
 #include <QPen>
 #include <QPushButton>
+#include <QRegion>
 #include <QStyleFactory>
 #include <QStyleOption>
 
 #include <algorithm>
+#include <cmath>
 
 namespace ombrel {
 namespace {
@@ -20,6 +22,23 @@ namespace {
 /// A rectangle whose outline of one pixel lies wholly inside `rect`.
 QRectF hairlineInside(const QRectF& rect) {
     return rect.adjusted(0.5, 0.5, -0.5, -0.5);
+}
+
+/// The pixels of a rectangle with round corners.
+QRegion rounded(const QRect& rect, int radius) {
+    QRegion region = rect.adjusted(0, radius, 0, -radius);
+    for (int line = 0; line < radius; ++line) {
+        const double rise = radius - line - 0.5;
+        const int cut = static_cast<int>(std::lround(radius - std::sqrt(radius * radius - rise * rise)));
+        const int left = rect.left() + cut, width = rect.width() - 2 * cut;
+        region += QRect(left, rect.top() + line, width, 1);
+        region += QRect(left, rect.bottom() - line, width, 1);
+    }
+    return region;
+}
+
+bool liesOver(const QWidget* scrollBar) {
+    return scrollBar && scrollBar->property(OmbrelStyle::overProperty).toBool();
 }
 
 bool isDangerous(const QWidget* widget, const QRect& row) {
@@ -190,8 +209,10 @@ void OmbrelStyle::drawMenuGround(const QRect& menu, QPainter& painter, const QWi
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(theme_->color(ThemeColor::border), theme_->size(ThemeSize::hairline)));
     painter.setBrush(theme_->color(ThemeColor::menu));
-    const bool isRound = widget && widget->testAttribute(Qt::WA_TranslucentBackground);
-    const int radius = isRound ? theme_->size(ThemeSize::radiusField) : 0;
+    const bool isCut = widget && !widget->testAttribute(Qt::WA_TranslucentBackground);
+    // Where a mask cuts the corners off in whole pixels, what it leaves belongs to the outline.
+    if (isCut) painter.fillRect(menu, theme_->color(ThemeColor::border));
+    const int radius = theme_->size(ThemeSize::radiusField);
     painter.drawRoundedRect(hairlineInside(menu), radius, radius);
     painter.restore();
 }
@@ -263,7 +284,7 @@ void OmbrelStyle::drawComplexControl(ComplexControl control, const QStyleOptionC
 
 void OmbrelStyle::drawScrollBar(const QStyleOptionSlider& option, QPainter& painter,
                                 const QWidget* widget) const {
-    painter.fillRect(option.rect, option.palette.color(QPalette::Base));
+    if (!liesOver(widget)) painter.fillRect(option.rect, option.palette.color(QPalette::Base));
     if (option.maximum <= option.minimum) return;
     const QRect slider = subControlRect(CC_ScrollBar, &option, SC_ScrollBarSlider, widget);
     const bool isUpright = option.orientation == Qt::Vertical;
@@ -366,6 +387,7 @@ int OmbrelStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, con
     case PM_ScrollBarExtent: return theme_->size(ThemeSize::scrollBar);
     case PM_ScrollBarSliderMin: return theme_->size(ThemeSize::scrollThumbMinimum);
     case PM_ScrollView_ScrollBarSpacing: return 0;
+    case PM_ScrollView_ScrollBarOverlap: return liesOver(widget) ? theme_->size(ThemeSize::scrollBar) : 0;
     case PM_IndicatorWidth:
     case PM_IndicatorHeight:
     case PM_ExclusiveIndicatorWidth:
@@ -392,6 +414,12 @@ int OmbrelStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWi
     case SH_FocusFrame_AboveWidget:
     // Names have no underlined letters: typing jumps to them.
     case SH_Menu_KeyboardSearch: return 1;
+    case SH_Menu_Mask: {
+        auto* const mask = qstyleoption_cast<QStyleHintReturnMask*>(answer);
+        if (!mask || !option || !widget || widget->testAttribute(Qt::WA_TranslucentBackground)) return 0;
+        mask->region = rounded(option->rect, theme_->size(ThemeSize::radiusField));
+        return 1;
+    }
     case SH_Widget_Animation_Duration:
         if (theme_->appearance().isMotionReduced) return 0;
         break;
@@ -409,9 +437,8 @@ void OmbrelStyle::polish(QWidget* widget) {
     auto* const menu = qobject_cast<QMenu*>(widget);
     if (!menu) return;
     menu->setMinimumWidth(theme_->size(ThemeSize::menuMinimumWidth));
-    // Without one that composites, what lies outside the rounded corners would be black.
-    if (QGuiApplication::platformName() == QLatin1String("xcb")) return;
-    menu->setAttribute(Qt::WA_TranslucentBackground);
+    // Otherwise what lies outside the rounded corners would be black; a mask cuts it off.
+    if (Compositing::isOn()) menu->setAttribute(Qt::WA_TranslucentBackground);
 }
 
 } // namespace ombrel

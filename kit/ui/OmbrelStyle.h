@@ -21,6 +21,9 @@ public:
     /// A property of push buttons: those that are small stand inside something else, in rows.
     static constexpr const char* smallProperty = "ombrelIsSmall";
 
+    /// A property of scroll bars: the view goes on under them.
+    static constexpr const char* overProperty = "ombrelLiesOver";
+
     /// `theme` must outlive it.
     explicit OmbrelStyle(const Theme& theme);
 
