@@ -4,6 +4,7 @@
 #include "browser/AddressCrumbs.h"
 #include "services/AppSettings.h"
 #include "ui/ItemPainting.h"
+#include "ui/OmbrelStyle.h"
 #include "ui/Theme.h"
 
 #include <QPainter>
@@ -18,6 +19,8 @@ DetailsView::DetailsView(BrowserModel& model, const Theme& theme, QWidget* paren
     : FileView(model, theme, parent), header_(new DetailsHeader(model, theme, this)),
       besideHeader_(new QWidget) {
     addScrollBarWidget(besideHeader_, Qt::AlignTop);
+    verticalScrollBar()->setProperty(OmbrelStyle::overProperty, true);
+    verticalScrollBar()->setAttribute(Qt::WA_OpaquePaintEvent, false);
     connect(header_, &DetailsHeader::columnsChanged, this, &DetailsView::relayout);
     connect(header_, &DetailsHeader::toggleAllRequested, this, [this] { toggleAll(); });
     connect(header_, &DetailsHeader::fitRequested, this, &DetailsView::fitColumn);
@@ -57,7 +60,13 @@ qint64 DetailsView::contentHeight() const {
 }
 
 int DetailsView::contentWidth() const {
-    return header_->totalWidth() + theme().size(ThemeSize::space8);
+    return header_->totalWidth() + besideColumns();
+}
+
+/// Rows go on under the scroll bar, columns end before it.
+int DetailsView::besideColumns() const {
+    return theme().size(ThemeSize::space8) +
+           style()->pixelMetric(QStyle::PM_ScrollView_ScrollBarOverlap, nullptr, verticalScrollBar());
 }
 
 FileView::ContentRect DetailsView::contentRect(std::size_t row) const {
@@ -136,7 +145,7 @@ void DetailsView::placeHeader() {
     setViewportMargins(0, height, 0, 0);
     besideHeader_->setFixedHeight(height);
     header_->setGeometry(0, 0, width(), height);
-    header_->fitInto(viewport()->width() - theme().size(ThemeSize::space8));
+    header_->fitInto(viewport()->width() - besideColumns());
     header_->setOffset(horizontalScrollBar()->value());
     header_->raise();
 }
@@ -210,7 +219,7 @@ void DetailsView::paintRow(QPainter& painter, std::size_t row, const QRect& rect
     paintIcon(painter, row, rect);
     const auto& shown = facts(row);
 
-    const bool isOnSelection = state.isSelected && state.isActive;
+    const bool isOnSelection = (state.isSelected && state.isActive) || state.isDropTarget;
     const QRect text = nameTextRect(rect);
     painter.setFont(font());
     painter.setPen(ItemPainting::nameColor(theme(), shown, state));

@@ -42,6 +42,7 @@ private:
     void fitColumn(DetailsColumn column);
     [[nodiscard]] int iconSize() const;
     [[nodiscard]] int inset() const;
+    [[nodiscard]] int besideColumns() const;
     /// A column's part of a row, in the viewport.
     [[nodiscard]] QRect cell(const QRect& row, DetailsColumn column) const;
     [[nodiscard]] QRect mirrored(const QRect& in, const QRect& rect) const;

@@ -41,13 +41,16 @@ TEST_F(Details, RowsLieOneBelowTheOtherAndOnlyThoseOnTheScreenCount) {
 
 TEST_F(Details, ColumnsFillTheViewAndShareTheirEdges) {
     auto& header = view.header();
-    EXPECT_EQ(header.totalWidth(), view.viewport()->width() - 8);
+    EXPECT_EQ(header.totalWidth(), view.width() - 8 - 10);
     const int date = header.width(DetailsColumn::dateModified), name = header.width(DetailsColumn::name);
     header.resizeSection(static_cast<int>(DetailsColumn::name), name - 50);
     EXPECT_EQ(header.width(DetailsColumn::dateModified), date + 50);
-    EXPECT_EQ(header.totalWidth(), view.viewport()->width() - 8);
+    EXPECT_EQ(header.totalWidth(), view.width() - 8 - 10);
     header.resizeSection(static_cast<int>(DetailsColumn::dateModified), 10);
     EXPECT_EQ(header.width(DetailsColumn::dateModified), 90);
+
+    // Rows go on under the scroll bar.
+    EXPECT_EQ(view.rowRect(0).right(), view.width() - 4 - 1);
 
     view.resize(500, 400);
     EXPECT_EQ(header.width(DetailsColumn::name), 140);
