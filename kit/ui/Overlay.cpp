@@ -14,6 +14,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <utility>
 
 namespace ombrel {
@@ -122,8 +123,10 @@ std::optional<OverlayContent> OverlayContent::of(const BrowserModel& model) {
 Overlay::Overlay(BrowserModel& model, const Theme& theme, QWidget* view)
     : QWidget(view), model_(&model), theme_(&theme), picture_(new Picture(theme, badge_, this)),
       title_(new QLabel(this)), message_(new QLabel(this)), buttonRow_(new QWidget(this)) {
+    constexpr int above = 3, below = 4; // parts of the room that is left
     auto* const column = new QVBoxLayout(this);
-    column->addStretch(1);
+    // It looks centred a little above the middle.
+    column->addStretch(above);
     column->addWidget(picture_, 0, Qt::AlignHCenter);
     for (QLabel* label : {title_, message_}) {
         label->setTextFormat(Qt::PlainText);
@@ -133,7 +136,7 @@ Overlay::Overlay(BrowserModel& model, const Theme& theme, QWidget* view)
         column->addWidget(label, 0, Qt::AlignHCenter);
     }
     column->addWidget(buttonRow_, 0, Qt::AlignHCenter);
-    column->addStretch(1);
+    column->addStretch(below);
     new QHBoxLayout(buttonRow_);
     view->installEventFilter(this);
     hide();
@@ -164,11 +167,9 @@ QString Overlay::message() const {
 }
 
 void Overlay::takeSizes() {
-    const int icon = theme_->size(ThemeSize::overlayIcon), width = theme_->size(ThemeSize::overlayWidth);
+    const int icon = theme_->size(ThemeSize::overlayIcon);
     picture_->setFixedSize(icon, icon);
     title_->setFont(theme_->font(ThemeFont::title));
-    for (QLabel* label : {title_, message_})
-        label->setFixedWidth(width);
     QPalette colors = palette();
     colors.setColor(QPalette::WindowText, theme_->color(ThemeColor::textSecondary));
     message_->setPalette(colors);
@@ -177,6 +178,26 @@ void Overlay::takeSizes() {
     title_->setContentsMargins(0, gap, 0, 0);
     buttonRow_->layout()->setContentsMargins(0, theme_->size(ThemeSize::space12), 0, 0);
     buttonRow_->layout()->setSpacing(theme_->size(ThemeSize::space8) + theme_->size(ThemeSize::space2));
+    fit();
+}
+
+void Overlay::fit() {
+    const int room = width() - 2 * theme_->size(ThemeSize::space16);
+    const int wide = std::max(1, std::min(theme_->size(ThemeSize::overlayWidth), room));
+    const QString message = message_->text();
+    message_->setText(widest_);
+    message_->setVisible(!widest_.isEmpty());
+    // A centred label takes the height of a single line by itself, and no less than it had to be before.
+    for (QLabel* label : {title_, message_}) {
+        label->setMinimumHeight(0);
+        if (!label->text().isEmpty()) label->setFixedSize(wide, label->heightForWidth(wide));
+    }
+    message_->setText(message);
+    auto* const row = qobject_cast<QBoxLayout*>(buttonRow_->layout());
+    row->setDirection(QBoxLayout::LeftToRight);
+    if (row->sizeHint().width() > room) row->setDirection(QBoxLayout::TopToBottom);
+    picture_->show();
+    picture_->setVisible(layout()->minimumSize().height() <= height());
 }
 
 void Overlay::refresh() {
@@ -194,12 +215,8 @@ void Overlay::inviteDrop(bool invites) {
 
 void Overlay::setTexts(const QString& title, const QString& message, const QString& widest) {
     title_->setText(title);
-    message_->setText(widest);
-    message_->setVisible(!widest.isEmpty());
-    // A centred label takes the height of a single line by itself.
-    for (QLabel* label : {title_, message_})
-        if (!label->text().isEmpty()) label->setFixedHeight(label->heightForWidth(label->width()));
     message_->setText(message);
+    widest_ = widest;
 }
 
 void Overlay::show(const OverlayContent& content) {
@@ -223,6 +240,7 @@ void Overlay::show(const OverlayContent& content) {
         buttons_.push_back(button);
     }
     setGeometry(parentWidget()->rect());
+    fit();
     fadeIn();
     QWidget::show();
     raise();
@@ -260,6 +278,11 @@ void Overlay::perform(Action action) {
 
 void Overlay::paintEvent(QPaintEvent*) {
     QPainter(this).fillRect(rect(), theme_->color(ThemeColor::surface));
+}
+
+void Overlay::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    fit();
 }
 
 bool Overlay::eventFilter(QObject* watched, QEvent* event) {

@@ -56,6 +56,7 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
@@ -65,6 +66,8 @@ private:
     void setTexts(const QString& title, const QString& message, const QString& widest);
     void perform(OverlayContent::Action action);
     void takeSizes();
+    /// Wraps the texts, and gives up the picture and the buttons' row where there is no room for them.
+    void fit();
     void fadeIn();
 
     BrowserModel* model_;
@@ -74,6 +77,7 @@ private:
     QWidget* picture_;
     QLabel* title_;
     QLabel* message_;
+    QString widest_; ///< the message that room is kept for
     std::vector<QPushButton*> buttons_;
     QWidget* buttonRow_;
 };

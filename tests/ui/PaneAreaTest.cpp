@@ -5,6 +5,8 @@
 #include "ui/Overlay.h"
 #include "ui/ViewWorld.h"
 
+#include <QLabel>
+
 namespace ombrel {
 namespace {
 
@@ -54,6 +56,30 @@ TEST_F(PaneAreaZoom, StepsFromDetailsThroughEverySizeAndBackWithTheItemUnderTheP
     EXPECT_FALSE(settings.showsIcons());
     zoom(-1, at);
     EXPECT_EQ(model.viewMode(), ViewMode::details);
+}
+
+TEST_F(PaneAreaZoom, OverlayFitsTheSmallestView) {
+    model.navigate(tree.url("gone"));
+    ASSERT_TRUE(runUntil([&] { return area.overlay().isVisible(); }));
+    constexpr QSize sizes[] = {{1000, 700}, {320, 400}, {640, 212}, {1000, 700}};
+    std::vector<int> gaps;
+    for (const QSize& size : sizes) {
+        area.resize(size);
+        QApplication::processEvents();
+        const auto parts = area.overlay().findChildren<QWidget*>();
+        for (const QWidget* part : parts) {
+            if (!part->isVisible()) continue;
+            const QRect place(part->mapTo(&area.overlay(), QPoint()), part->size());
+            EXPECT_TRUE(area.overlay().rect().contains(place))
+                << part->metaObject()->className() << " at " << size.width();
+            const auto* const label = qobject_cast<const QLabel*>(part);
+            EXPECT_TRUE(!label || label->height() >= label->heightForWidth(label->width())) << size.width();
+        }
+        const auto labels = area.overlay().findChildren<QLabel*>();
+        gaps.push_back(labels.back()->y() - labels.front()->y());
+    }
+    EXPECT_EQ(gaps.front(), gaps.back());
+    EXPECT_LT(gaps.front(), 2 * quietTheme().size(ThemeSize::space28));
 }
 
 TEST_F(PaneAreaZoom, OtherViewTakesFocusSelectionAndOverlayOver) {
