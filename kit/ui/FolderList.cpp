@@ -187,7 +187,7 @@ void FolderList::fit() {
         width = std::max(width, beside + metrics.horizontalAdvance(QString::fromStdString(
                                              FileName::displayText(folders[i].name()))));
     width = std::min(width, theme_->size(ThemeSize::menuMaximumWidth));
-    const int frame = 2 * theme_->size(ThemeSize::space4);
+    const int frame = 2 * (theme_->size(ThemeSize::space4) + frameWidth());
     const QScreen* const screen = parentWidget()->screen();
     const QRect area = screen ? screen->availableGeometry() : QRect(button_.topLeft(), QSize(width, width));
     const int below = area.bottom() - button_.bottom(), above = button_.top() - area.top();

@@ -14,6 +14,7 @@
 #include <QListView>
 #include <QMenu>
 #include <QMimeData>
+#include <QScrollBar>
 #include <QUrl>
 
 namespace ombrel {
@@ -141,6 +142,7 @@ TEST_F(Address, ListsTheSubfoldersOfACrumb) {
     ASSERT_TRUE(list);
     ASSERT_TRUE(runUntil([&] { return list->isVisible(); }));
     EXPECT_EQ(list->list().currentIndex().data().toString().toStdString(), "Reports");
+    EXPECT_EQ(list->list().verticalScrollBar()->maximum(), 0); // all of it is to be seen
     QTest::keyClicks(&list->list(), QStringLiteral("ar"));
     EXPECT_EQ(list->list().currentIndex().data().toString().toStdString(), "Archive");
     QTest::keyClick(&list->list(), Qt::Key_Return);
