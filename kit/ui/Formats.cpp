@@ -59,12 +59,16 @@ QString period(const FileTime& first, const FileTime& last) {
     const QString from = dateAndTime(first), to = dateAndTime(last);
     if (from == to) return from;
     const QLocale locale;
+    const auto formats = formatsOf(locale);
     const auto begin = QDateTime::fromSecsSinceEpoch(first.seconds);
     const auto end = QDateTime::fromSecsSinceEpoch(last.seconds);
-    const bool isOneDay = begin.isValid() && end.isValid() && begin.date() == end.date();
-    return localized("format.period",
-                     {from.toStdString(),
-                      (isOneDay ? locale.toString(end.time(), formatsOf(locale).time) : to).toStdString()});
+    const auto words = [](const QString& since, const QString& until) {
+        return localized("format.period", {since.toStdString(), until.toStdString()});
+    };
+    if (!begin.isValid() || !end.isValid()) return words(from, to);
+    if (begin.date() == end.date()) return words(from, locale.toString(end.time(), formats.time));
+    // Over several days the hours say little.
+    return words(locale.toString(begin.date(), formats.date), locale.toString(end.date(), formats.date));
 }
 
 QString sizeInFull(std::int64_t bytes) {

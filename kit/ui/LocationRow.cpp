@@ -35,7 +35,7 @@ LocationRow::LocationRow(const Theme& theme, const AccessManager::Grant& grant, 
     row->setSpacing(theme.size(ThemeSize::space8));
     row->addSpacing(picture);
     auto* const words = new QVBoxLayout;
-    words->setSpacing(theme.size(ThemeSize::space2));
+    words->setSpacing(0);
     auto* const first = new QHBoxLayout;
     first->setSpacing(theme.size(ThemeSize::space8));
     auto* const name = new TextLabel(theme, ThemeFont::bodyStrong, ThemeColor::text, this);
@@ -46,6 +46,7 @@ LocationRow::LocationRow(const Theme& theme, const AccessManager::Grant& grant, 
     words->addLayout(first);
     if (grant->url()) {
         auto* const path = new ElidedLabel(theme, Qt::ElideMiddle, ThemeColor::textSecondary, this);
+        path->setFontToken(ThemeFont::caption);
         path->setText(QString::fromStdString(FileName::displayText(grant->url()->path())));
         words->addWidget(path);
     }

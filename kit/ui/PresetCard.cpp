@@ -57,7 +57,7 @@ PresetCard::PresetCard(const Theme& theme, KeyPreset preset, QWidget* parent)
 }
 
 int PresetCard::headingHeight() const {
-    return QFontMetrics(theme_->font(ThemeFont::bodyStrong)).height() +
+    return QFontMetrics(theme_->font(ThemeFont::subtitle)).height() +
            QFontMetrics(theme_->font(ThemeFont::caption)).height() + theme_->size(ThemeSize::space12);
 }
 
@@ -67,7 +67,7 @@ int PresetCard::rowHeight() const {
 
 QSize PresetCard::sizeHint() const {
     const int height = headingHeight() + static_cast<int>(std::size(rows)) * rowHeight() +
-                       2 * theme_->size(ThemeSize::space16);
+                       2 * theme_->size(ThemeSize::space20);
     return {theme_->size(ThemeSize::dialogWidth) * 3 / 4, height};
 }
 
@@ -84,7 +84,7 @@ void PresetCard::drawHeading(QPainter& painter, const QRect& box) const {
     const int beside = side + theme_->size(ThemeSize::space8) + theme_->size(ThemeSize::space2);
     QRect line = isRightToLeft ? box.adjusted(0, 0, -beside, 0) : box.adjusted(beside, 0, 0, 0);
     constexpr int flags = Qt::AlignLeading | Qt::AlignTop | Qt::TextSingleLine;
-    painter.setFont(theme_->font(ThemeFont::bodyStrong));
+    painter.setFont(theme_->font(ThemeFont::subtitle));
     painter.setPen(theme_->color(ThemeColor::text));
     painter.drawText(line, flags, text());
     line.translate(0, painter.fontMetrics().height());
@@ -126,8 +126,8 @@ void PresetCard::paintEvent(QPaintEvent*) {
     painter.setBrush(theme_->color(underMouse() && !isChecked() ? ThemeColor::hover : ThemeColor::surface));
     painter.drawRoundedRect(QRectF(rect()).adjusted(line / 2, line / 2, -line / 2, -line / 2), radius,
                             radius);
-    const int side = theme_->size(ThemeSize::space20), above = theme_->size(ThemeSize::space16);
-    const QRect inner = rect().adjusted(side, above, -side, -above);
+    const int inset = theme_->size(ThemeSize::space20);
+    const QRect inner = rect().adjusted(inset, inset, -inset, -inset);
     drawHeading(painter, inner);
     int y = inner.top() + headingHeight();
     for (const Row& row : rows) {

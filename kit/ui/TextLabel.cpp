@@ -40,9 +40,15 @@ void ElidedLabel::setText(const QString& text) {
     update();
 }
 
+void ElidedLabel::setFontToken(ThemeFont font) {
+    font_ = font;
+    updateGeometry();
+    update();
+}
+
 QSize ElidedLabel::sizeHint() const {
-    const QFontMetrics metrics(theme_->font(ThemeFont::body));
-    return {metrics.horizontalAdvance(text_) + 1, metrics.height()};
+    const QFontMetrics metrics(theme_->font(font_));
+    return {metrics.horizontalAdvance(text_) + 1, theme_->lineHeight(font_)};
 }
 
 QSize ElidedLabel::minimumSizeHint() const {
@@ -51,7 +57,7 @@ QSize ElidedLabel::minimumSizeHint() const {
 
 void ElidedLabel::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    painter.setFont(theme_->font(ThemeFont::body));
+    painter.setFont(theme_->font(font_));
     painter.setPen(theme_->color(color_));
     painter.drawText(rect(), static_cast<int>(Qt::AlignVCenter | Qt::AlignLeading) | Qt::TextSingleLine,
                      painter.fontMetrics().elidedText(text_, mode_, width()));

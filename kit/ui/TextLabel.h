@@ -36,6 +36,8 @@ public:
 
     [[nodiscard]] const QString& text() const noexcept { return text_; }
     void setText(const QString& text);
+    /// Usually it is set as the body.
+    void setFontToken(ThemeFont font);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -46,6 +48,7 @@ protected:
 private:
     const Theme* theme_;
     Qt::TextElideMode mode_;
+    ThemeFont font_ = ThemeFont::body;
     ThemeColor color_;
     QString text_;
 };
