@@ -6,6 +6,7 @@
 #include "services/OperationJob.h"
 #include "ui/BrowserWindow.h"
 #include "ui/ContextMenu.h"
+#include "ui/DetailsPane.h"
 #include "ui/FileView.h"
 #include "ui/LocalizedText.h"
 #include "ui/OnboardingDialog.h"
@@ -299,8 +300,8 @@ bool PictureSeries::look(QWidget& widget, QImage& result) {
         if (window_->model().listingState() == ListingState::Case::loading) return false;
         // Looking asks for what is not known yet, and layouts settle in their own time.
         QImage now = widget.grab().toImage();
-        const bool isSettled =
-            window_->view().isSettled() && ThumbnailStore::of(world_->services()).isSettled();
+        const bool isSettled = window_->view().isSettled() && window_->detailsPane().isSettled() &&
+                               ThumbnailStore::of(world_->services()).isSettled();
         equal = isSettled && now == result ? equal + 1 : 0;
         result = std::move(now);
         return equal == equalLooks;

@@ -154,13 +154,17 @@ ProgressWindow& PictureWorld::progress() {
 }
 
 bool PictureWorld::runUntil(const std::function<bool()>& done) {
-    constexpr std::chrono::seconds limit(20);
+    constexpr int mostLooks = 4000;
     constexpr std::chrono::milliseconds beat(5);
-    const auto end = std::chrono::steady_clock::now() + limit;
     QTimer heartbeat; // what is waited for need not come with an event
+    int looks = 0;
+    QObject::connect(&heartbeat, &QTimer::timeout, &heartbeat, [&looks] { ++looks; });
     heartbeat.start(beat);
+    auto busy = Worker::running();
     while (!done()) {
-        if (std::chrono::steady_clock::now() > end) return false;
+        // Work that begins or ends shows that something goes on, however slowly.
+        if (std::exchange(busy, Worker::running()) != busy) looks = 0;
+        if (looks > mostLooks) return false;
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
     return true;

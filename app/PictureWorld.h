@@ -36,7 +36,9 @@ public:
     [[nodiscard]] AppServices& services() noexcept { return *services_; }
     [[nodiscard]] ProgressWindow& progress();
 
-    /// Runs the event loop until something is so, for at most twenty seconds. Answers whether it is.
+    /// Runs the event loop until something is so, and answers whether it is. Gives up when nothing has
+    /// happened for thousands of looks: twenty seconds of a machine that does nothing else, more of a busy
+    /// one.
     [[nodiscard]] static bool runUntil(const std::function<bool()>& done);
     /// Whether volumes and granted folders are known.
     [[nodiscard]] bool isReady() const;
