@@ -198,6 +198,9 @@ void Overlay::fit() {
     if (row->sizeHint().width() > room) row->setDirection(QBoxLayout::TopToBottom);
     picture_->show();
     picture_->setVisible(layout()->minimumSize().height() <= height());
+    // What is shown is where it belongs at once, to be clicked.
+    row->activate();
+    layout()->activate();
 }
 
 void Overlay::refresh() {
