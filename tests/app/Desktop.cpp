@@ -7,7 +7,9 @@
 
 #include <algorithm>
 #include <csignal>
+#include <cstdlib>
 #include <fstream>
+#include <sstream>
 #include <utility>
 
 namespace ombrel::testing {
@@ -128,6 +130,26 @@ void Desktop::beginDrag(QPoint from, QPoint to, int button) const {
 int Desktop::windowCount(const std::string& name) const {
     const std::string told = hand({"search", "--onlyvisible", "--class", name});
     return told.empty() ? 0 : 1 + static_cast<int>(std::ranges::count(told, '\n'));
+}
+
+std::vector<QRect> Desktop::windowPlaces(const std::string& name) const {
+    std::istringstream lines(
+        hand({"search", "--onlyvisible", "--class", name, "getwindowgeometry", "--shell", "%@"}));
+    std::vector<QRect> places;
+    QRect place;
+    for (std::string line; std::getline(lines, line);) {
+        const auto sign = line.find('=');
+        if (sign == std::string::npos) continue;
+        const std::string what = line.substr(0, sign);
+        const int number = std::atoi(line.c_str() + sign + 1);
+        if (what == "X") place.moveLeft(number);
+        if (what == "Y") place.moveTop(number);
+        if (what == "WIDTH") place.setWidth(number);
+        if (what != "HEIGHT") continue;
+        place.setHeight(number);
+        places.push_back(place);
+    }
+    return places;
 }
 
 QImage Desktop::picture(const QRect& of) const {

@@ -53,6 +53,8 @@ public:
     void release(int button = 1) const { hand({"mouseup", std::to_string(button)}); }
     /// How many windows of the program `name` are to be seen, its menus counted.
     [[nodiscard]] int windowCount(const std::string& name) const;
+    /// Where the display has the contents of the program's windows; the program may not know it yet.
+    [[nodiscard]] std::vector<QRect> windowPlaces(const std::string& name) const;
     /// What is on the screen there; null when it could not be taken.
     [[nodiscard]] QImage picture(const QRect& of) const;
 

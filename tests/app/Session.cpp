@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <optional>
 #include <sstream>
@@ -214,6 +215,26 @@ void Session::click(Role role, const std::string& name, Match match, int times) 
     if (!thing.isEnabled)
         wait("“" + name + "” that can be used", [&] { return see(role, name, match).isEnabled; });
     desktop().clickAt(middle(thing), 1, times);
+}
+
+void Session::clickAnywhere(const std::string& button) {
+    // Who shows a window learns a little later where the window manager has put it.
+    std::optional<Thing> found;
+    wait("“" + button + "” in a window that has its place", [&] {
+        const auto places = desktop().windowPlaces("ombrel");
+        for (const Thing& each : reader().windows()) {
+            found = reader().find(each, Role::button, button);
+            if (!found) continue;
+            const auto isThere = [&each](const QRect& place) {
+                constexpr int frame = 40; // of the window at most, which xdotool adds twice
+                const QPoint off = place.topLeft() - each.place.topLeft();
+                return place.size() == each.place.size() && off.manhattanLength() <= frame;
+            };
+            return found->isEnabled && std::ranges::any_of(places, isThere);
+        }
+        return false;
+    });
+    desktop().clickAt(middle(*found));
 }
 
 void Session::clickRow(const std::string& name, int times) {

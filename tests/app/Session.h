@@ -66,6 +66,8 @@ protected:
     static QPoint grip(const Thing& row);
     static void click(Role role, const std::string& name, Match match = Match::whole, int times = 1);
     static void clickRow(const std::string& name, int times = 1);
+    /// A button of whichever window, which may just be coming up: once it stays where it is.
+    static void clickAnywhere(const std::string& button);
     static void key(const std::string& name) { desktop().key(name); }
     /// Into the field, in place of what is selected there; waits until it reads `whole`, `text` if that is
     /// empty.

@@ -74,15 +74,15 @@ TEST_F(TransferSession, AsksAboutNamesThatAreTakenAndDoesAsIsClicked) {
     copyFrom("home/desk/alpha", "notes.txt");
     goTo("home/desk/mike");
     key("ctrl+v");
-    desktop().clickAt(middle(seeAnywhere(Role::button, "Skip")));
+    clickAnywhere("Skip");
     seeGone(Role::button, "Skip");
     EXPECT_THAT(contentsIn("home/desk/mike"), ElementsAre("the old notes"));
     // What was skipped is told.
-    desktop().clickAt(middle(seeAnywhere(Role::button, "Close")));
+    clickAnywhere("Close");
     seeTitle("mike");
 
     key("ctrl+v");
-    desktop().clickAt(middle(seeAnywhere(Role::button, "Keep both")));
+    clickAnywhere("Keep both");
     wait("both", [&] { return contentsIn("home/desk/mike").size() == 2; });
     seeGone(Role::button, "Keep both");
     EXPECT_THAT(contentsIn("home/desk/mike"), UnorderedElementsAre("the old notes", "the new notes"));
@@ -90,7 +90,7 @@ TEST_F(TransferSession, AsksAboutNamesThatAreTakenAndDoesAsIsClicked) {
     seeTitle("mike");
 
     key("ctrl+v");
-    desktop().clickAt(middle(seeAnywhere(Role::button, "Replace")));
+    clickAnywhere("Replace");
     seeGone(Role::button, "Replace");
     wait("the new notes", [&] { return tree.contents("home/desk/mike/notes.txt") == "the new notes"; });
     EXPECT_EQ(tree.names("home/desk/mike").size(), 2U);
@@ -149,7 +149,7 @@ TEST_F(SlowTransferSession, PausesAndResumes) {
 }
 
 TEST_F(SlowTransferSession, CancelsAndLeavesNothing) {
-    desktop().clickAt(middle(seeAnywhere(Role::button, "Cancel")));
+    clickAnywhere("Cancel");
     seeAnywhere(Role::label, "Cancelling…");
     volume->answer();
     seeGone(Role::label, "Cancelling…");
