@@ -120,6 +120,10 @@ TEST_F(PaneAreaZoom, ColumnsAreKeptForAllWindows) {
     EXPECT_EQ(header.width(DetailsColumn::checkBox), 0);
     settings.setCompactView(true);
     EXPECT_EQ(details.rowRect(0).height(), 24);
+    // Closed before the edge has come to rest.
+    details.header().resizeSection(date, 130);
+    area.hide();
+    EXPECT_THAT(settings.detailsColumns(), ::testing::Contains("dateModified 130"));
 }
 
 } // namespace
