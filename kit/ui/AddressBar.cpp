@@ -33,10 +33,10 @@ QString menuText(std::string_view path) {
 
 AddressBar::AddressBar(BrowserTabsModel& tabs, AppServices& services, const Theme& theme, FileURL home,
                        QWidget* parent)
-    : QWidget(parent), tabs_(&tabs), services_(&services), theme_(&theme), home_(std::move(home)),
-      crumbs_(new CrumbBar(theme, this)),
+    : QWidget(parent), tabs_(&tabs), pane_(tabs), services_(&services), theme_(&theme),
+      home_(std::move(home)), crumbs_(new CrumbBar(theme, this)),
       field_(new AddressField(
-          theme, home_, [this]() -> AddressField::Base { return {pane().currentURL(), pane().filter()}; },
+          theme, home_, [this]() -> AddressField::Base { return {pane_->currentURL(), pane_->filter()}; },
           this)),
       recent_(new GlyphButton(theme, Glyph::chevronDown, ThemeSize::smallButton, this)),
       error_(new AddressError(theme, this)) {
@@ -51,12 +51,12 @@ AddressBar::AddressBar(BrowserTabsModel& tabs, AppServices& services, const Them
     setTabOrder(crumbs_, recent_);
     connect(recent_, &QAbstractButton::clicked, this, &AddressBar::showRecent);
     connect(crumbs_, &CrumbBar::folderChosen, this,
-            [this](const FileURL& folder) { pane().navigate(folder); });
+            [this](const FileURL& folder) { pane_->navigate(folder); });
     connect(crumbs_, &CrumbBar::onlyChosen, this, [this] {
-        if (pane().showsSearch())
-            pane().leaveSearch();
+        if (pane_->showsSearch())
+            pane_->leaveSearch();
         else
-            pane().refresh();
+            pane_->refresh();
     });
     connect(crumbs_, &CrumbBar::childrenRequested, this, &AddressBar::showChildren);
     connect(crumbs_, &CrumbBar::menuRequested, this, &AddressBar::showCrumbMenu);
@@ -67,22 +67,16 @@ AddressBar::AddressBar(BrowserTabsModel& tabs, AppServices& services, const Them
         Q_EMIT finished();
     });
     connect(field_, &QLineEdit::textChanged, this, &AddressBar::clearError);
-    connect(&tabs, &BrowserTabsModel::activeTabChanged, this, &AddressBar::followPane);
     connect(&services.volumes(), &VolumeMonitor::volumesChanged, this, &AddressBar::follow);
     connect(&services.access(), &AccessManager::grantsChanged, this, &AddressBar::follow);
     connect(&theme, &Theme::changed, this, &AddressBar::arrange);
-    followPane();
+    pane_.follow([this](BrowserModel& pane, QObject& context) { followPane(pane, context); });
 }
 
-BrowserModel& AddressBar::pane() const {
-    return tabs_->activeTab();
-}
-
-void AddressBar::followPane() {
-    delete std::exchange(following_, new QObject(this));
+void AddressBar::followPane(BrowserModel& pane, QObject& context) {
     stopEditing();
-    pane().requestAddressFocus = [this] { edit(); };
-    connect(&pane(), &BrowserModel::locationChanged, following_, [this] {
+    pane.requestAddressFocus = [this] { edit(); };
+    connect(&pane, &BrowserModel::locationChanged, &context, [this] {
         stopEditing();
         follow();
     });
@@ -90,12 +84,12 @@ void AddressBar::followPane() {
 }
 
 void AddressBar::follow() {
-    const auto& folder = pane().currentURL();
-    if (folder && !pane().showsSearch()) {
+    const auto& folder = pane_->currentURL();
+    if (folder && !pane_->showsSearch()) {
         const auto starts = AddressCrumbs::startsOf(*services_, home_);
         crumbs_->setCrumbs(AddressCrumbs::of(*folder, starts));
     } else {
-        crumbs_->setOnly(LocationLook::nameOf(pane().location()));
+        crumbs_->setOnly(LocationLook::nameOf(pane_->location()));
     }
     update();
 }
@@ -103,7 +97,7 @@ void AddressBar::follow() {
 // ---- Typing
 
 QString AddressBar::wholeAddress() const {
-    const auto& folder = pane().currentURL();
+    const auto& folder = pane_->currentURL();
     return folder ? QString::fromStdString(FileName::displayText(folder->path())) : QString();
 }
 
@@ -133,13 +127,13 @@ void AddressBar::stopEditing() {
 void AddressBar::enter() {
     const QString typed = field_->text();
     // Bytes that are no text are not what stands there.
-    if (typed == wholeAddress() && pane().currentURL()) {
-        pane().navigate(FileURL(*pane().currentURL()));
+    if (typed == wholeAddress() && pane_->currentURL()) {
+        pane_->navigate(FileURL(*pane_->currentURL()));
     } else {
-        if (const auto refusal = pane().navigateToTypedPath(typed.toStdString()))
+        if (const auto refusal = pane_->navigateToTypedPath(typed.toStdString()))
             return refuse(QString::fromStdString(*refusal));
-        if (!typed.trimmed().isEmpty() && pane().currentURL())
-            services_->recentAddresses().add(*pane().currentURL());
+        if (!typed.trimmed().isEmpty() && pane_->currentURL())
+            services_->recentAddresses().add(*pane_->currentURL());
     }
     stopEditing();
     Q_EMIT finished();
@@ -158,9 +152,9 @@ void AddressBar::clearError() {
 }
 
 bool AddressBar::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == field_ && event->type() == QEvent::FocusIn) pane().setTextEditing(true);
+    if (watched == field_ && event->type() == QEvent::FocusIn) pane_->setTextEditing(true);
     if (watched == field_ && event->type() == QEvent::FocusOut) {
-        pane().setTextEditing(false);
+        pane_->setTextEditing(false);
         const auto reason = static_cast<QFocusEvent*>(event)->reason();
         // A menu of the field, or another window for a moment, is no leaving.
         if (reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason)
@@ -180,9 +174,9 @@ void AddressBar::showChildren(std::size_t crumb, const QRect& below) {
     const auto& crumbs = crumbs_->crumbs();
     const auto next = crumb + 1 < crumbs.size() ? std::optional(crumbs[crumb + 1].folder) : std::nullopt;
     delete children_;
-    children_ = new FolderList(*theme_, crumbs[crumb].folder, next, pane().filter(), this);
+    children_ = new FolderList(*theme_, crumbs[crumb].folder, next, pane_->filter(), this);
     connect(children_, &FolderList::folderChosen, this,
-            [this](const FileURL& folder) { pane().navigate(folder); });
+            [this](const FileURL& folder) { pane_->navigate(folder); });
     children_->popUp(below);
 }
 
@@ -207,7 +201,7 @@ void AddressBar::showRecent() {
     const auto& places = services_->recentAddresses().places();
     for (const FileURL& place : places)
         connect(menu->addAction(menuText(place.path())), &QAction::triggered, this,
-                [this, place] { pane().navigate(place); });
+                [this, place] { pane_->navigate(place); });
     if (places.empty()) menu->addAction(localized("ui.address.noRecent"))->setEnabled(false);
     menu->setMinimumWidth(width());
     menu->popup(mapToGlobal(QPoint(0, height())));
@@ -265,7 +259,7 @@ void AddressBar::paintEvent(QPaintEvent*) {
     const int icon = theme_->size(ThemeSize::smallIcon);
     const QRect box(theme_->size(ThemeSize::space8) + theme_->size(ThemeSize::space2), (height() - icon) / 2,
                     icon, icon);
-    LocationLook::drawIcon(painter, *theme_, pane(), QStyle::visualRect(layoutDirection(), rect(), box),
+    LocationLook::drawIcon(painter, *theme_, *pane_, QStyle::visualRect(layoutDirection(), rect(), box),
                            ThemeColor::text);
 }
 

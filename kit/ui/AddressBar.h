@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/FileURL.h"
+#include "ui/ActivePane.h"
 
 #include <QPointer>
 #include <QString>
@@ -11,7 +12,6 @@ namespace ombrel {
 class AddressError;
 class AddressField;
 class AppServices;
-class BrowserModel;
 class BrowserTabsModel;
 class CrumbBar;
 class FolderList;
@@ -51,7 +51,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void followPane();
+    void followPane(BrowserModel& pane, QObject& context);
     void follow();
     void arrange();
     void stopEditing();
@@ -61,10 +61,10 @@ private:
     void showChildren(std::size_t crumb, const QRect& below);
     void showCrumbMenu(std::size_t crumb, QPoint at);
     void showRecent();
-    [[nodiscard]] BrowserModel& pane() const;
     [[nodiscard]] QString wholeAddress() const;
 
     BrowserTabsModel* tabs_;
+    ActivePane pane_;
     AppServices* services_;
     const Theme* theme_;
     FileURL home_;
@@ -73,7 +73,6 @@ private:
     GlyphButton* recent_;
     AddressError* error_;
     QPointer<FolderList> children_; ///< of a crumb, while they are listed
-    QObject* following_ = nullptr;  ///< goes when another tab is active
 };
 
 } // namespace ombrel

@@ -12,13 +12,11 @@
 #include <QHBoxLayout>
 #include <QPainter>
 
-#include <utility>
-
 namespace ombrel {
 
 NavigationRow::NavigationRow(BrowserTabsModel& tabs, AppServices& services, const Theme& theme,
                              const FileURL& home, const Actions& actions, QWidget* parent)
-    : QWidget(parent), theme_(&theme), tabs_(&tabs), refreshing_(actions.refresh),
+    : QWidget(parent), theme_(&theme), pane_(tabs), refreshing_(actions.refresh),
       stop_(new QAction(localized("ui.tooltip.stop"), this)) {
     auto* const row = new QHBoxLayout(this);
     const auto add = [&](Glyph glyph, QAction* action) {
@@ -31,7 +29,7 @@ NavigationRow::NavigationRow(BrowserTabsModel& tabs, AppServices& services, cons
     new HistoryMenu(*add(Glyph::forward, actions.forward), tabs, BrowserHistory::Direction::forward);
     add(Glyph::up, actions.up);
     refresh_ = add(Glyph::refresh, actions.refresh);
-    connect(stop_, &QAction::triggered, this, [this] { tabs_->activeTab().stopSearch(); });
+    connect(stop_, &QAction::triggered, this, [this] { pane_->stopSearch(); });
     // Tab takes them in the order in which they are made.
     address_ = new AddressBar(tabs, services, theme, home, this);
     search_ = new SearchField(tabs, theme, this);
@@ -39,22 +37,17 @@ NavigationRow::NavigationRow(BrowserTabsModel& tabs, AppServices& services, cons
     row->addWidget(address_, 1);
     row->addSpacing(theme.size(ThemeSize::space8));
     row->addWidget(search_);
-    connect(&tabs, &BrowserTabsModel::activeTabChanged, this, &NavigationRow::followPane);
-    followPane();
+    pane_.follow([this](BrowserModel& pane, QObject& context) {
+        connect(&pane, &BrowserModel::listingStateChanged, &context, [this] { refreshStop(); });
+        connect(&pane, &BrowserModel::locationChanged, &context, [this] { refreshStop(); });
+        refreshStop();
+    });
     connect(&theme, &Theme::changed, this, &NavigationRow::takeSizes);
     takeSizes();
 }
 
-void NavigationRow::followPane() {
-    delete std::exchange(following_, new QObject(this));
-    BrowserModel& pane = tabs_->activeTab();
-    connect(&pane, &BrowserModel::listingStateChanged, following_, [this] { refreshStop(); });
-    connect(&pane, &BrowserModel::locationChanged, following_, [this] { refreshStop(); });
-    refreshStop();
-}
-
 void NavigationRow::refreshStop() {
-    const bool isSearching = tabs_->activeTab().isSearching();
+    const bool isSearching = pane_->isSearching();
     refresh_->setGlyph(isSearching ? Glyph::close : Glyph::refresh);
     refresh_->follow(isSearching ? stop_ : refreshing_);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/FileURL.h"
+#include "ui/ActivePane.h"
 
 #include <QWidget>
 
@@ -39,16 +40,15 @@ protected:
 
 private:
     void takeSizes();
-    const Theme* theme_;
-    void followPane();
     void refreshStop();
-    BrowserTabsModel* tabs_;
+
+    const Theme* theme_;
+    ActivePane pane_;
     AddressBar* address_ = nullptr;
     SearchField* search_ = nullptr;
     GlyphButton* refresh_ = nullptr;
     QAction* refreshing_;
     QAction* stop_;
-    QObject* following_ = nullptr; ///< goes when another tab is active
 };
 
 } // namespace ombrel

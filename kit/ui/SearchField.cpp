@@ -12,7 +12,6 @@
 #include <QStyle>
 
 #include <chrono>
-#include <utility>
 
 namespace ombrel {
 namespace {
@@ -24,7 +23,7 @@ constexpr qsizetype fewestCharacters = 2;
 } // namespace
 
 SearchField::SearchField(BrowserTabsModel& tabs, const Theme& theme, QWidget* parent)
-    : QWidget(parent), tabs_(&tabs), theme_(&theme), field_(new QLineEdit(this)),
+    : QWidget(parent), pane_(tabs), theme_(&theme), field_(new QLineEdit(this)),
       clear_(new GlyphButton(theme, Glyph::close, ThemeSize::smallButton, this)) {
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     field_->setFrame(false);
@@ -44,29 +43,23 @@ SearchField::SearchField(BrowserTabsModel& tabs, const Theme& theme, QWidget* pa
         arrange();
     });
     connect(clear_, &QAbstractButton::clicked, this, &SearchField::clear);
-    connect(&tabs, &BrowserTabsModel::activeTabChanged, this, &SearchField::followPane);
     connect(&theme, &Theme::changed, this, &SearchField::arrange);
-    followPane();
+    pane_.follow([this](BrowserModel& pane, QObject& context) { followPane(pane, context); });
     arrange();
 }
 
-BrowserModel& SearchField::pane() const {
-    return tabs_->activeTab();
-}
-
-void SearchField::followPane() {
-    delete std::exchange(following_, new QObject(this));
-    pane().requestSearchFocus = [this] { focus(); };
-    connect(&pane(), &BrowserModel::locationChanged, following_, [this] { follow(); });
-    connect(&pane(), &BrowserModel::listingStateChanged, following_, [this] { refreshAbility(); });
+void SearchField::followPane(BrowserModel& pane, QObject& context) {
+    pane.requestSearchFocus = [this] { focus(); };
+    connect(&pane, &BrowserModel::locationChanged, &context, [this] { follow(); });
+    connect(&pane, &BrowserModel::listingStateChanged, &context, [this] { refreshAbility(); });
     follow();
 }
 
 void SearchField::follow() {
     rest_.stop();
-    const QString query = QString::fromStdString(pane().searchQuery());
+    const QString query = QString::fromStdString(pane_->searchQuery());
     if (query != field_->text()) field_->setText(query);
-    const auto& folder = pane().currentURL();
+    const auto& folder = pane_->currentURL();
     field_->setPlaceholderText(
         folder ? localized("ui.search.in", {isolated(folder->isRoot() ? folder->path() : folder->name())})
                : localized("ui.search.openFolder"));
@@ -75,15 +68,15 @@ void SearchField::follow() {
 
 void SearchField::refreshAbility() {
     // There is something to search in, or to go back from.
-    const auto state = pane().listingState().which();
+    const auto state = pane_->listingState().which();
     const bool isCovered = state == ListingState::Case::failed || state == ListingState::Case::invalidated ||
                            state == ListingState::Case::noLocation;
-    setEnabled(!pane().isHome() && (!isCovered || pane().showsSearch()));
+    setEnabled(!pane_->isHome() && (!isCovered || pane_->showsSearch()));
     update();
 }
 
 void SearchField::takeText(const QString& text) {
-    if (text.isEmpty() && pane().showsSearch()) return pane().leaveSearch();
+    if (text.isEmpty() && pane_->showsSearch()) return pane_->leaveSearch();
     if (text.trimmed().size() >= fewestCharacters)
         rest_.start();
     else
@@ -93,14 +86,14 @@ void SearchField::takeText(const QString& text) {
 void SearchField::search() {
     rest_.stop();
     const QString text = field_->text();
-    if (text.trimmed().isEmpty() || text.toStdString() == pane().searchQuery()) return;
-    pane().search(text.toStdString());
+    if (text.trimmed().isEmpty() || text.toStdString() == pane_->searchQuery()) return;
+    pane_->search(text.toStdString());
 }
 
 void SearchField::clear() {
     rest_.stop();
     field_->clear();
-    if (pane().showsSearch()) pane().leaveSearch();
+    if (pane_->showsSearch()) pane_->leaveSearch();
 }
 
 void SearchField::focus() {
@@ -113,11 +106,11 @@ bool SearchField::eventFilter(QObject* watched, QEvent* event) {
     if (watched != field_) return QWidget::eventFilter(watched, event);
     switch (event->type()) {
     case QEvent::FocusIn:
-        pane().setTextEditing(true);
+        pane_->setTextEditing(true);
         update();
         break;
     case QEvent::FocusOut:
-        pane().setTextEditing(false);
+        pane_->setTextEditing(false);
         update();
         break;
     case QEvent::KeyPress: {
@@ -125,7 +118,7 @@ bool SearchField::eventFilter(QObject* watched, QEvent* event) {
         case Qt::Key_Return:
         case Qt::Key_Enter:
             search();
-            if (pane().showsSearch()) Q_EMIT finished();
+            if (pane_->showsSearch()) Q_EMIT finished();
             return true;
         case Qt::Key_Escape:
             if (field_->text().isEmpty())

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/ActivePane.h"
+
 #include <QTimer>
 #include <QWidget>
 
@@ -7,7 +9,6 @@ class QLineEdit;
 
 namespace ombrel {
 
-class BrowserModel;
 class BrowserTabsModel;
 class GlyphButton;
 class Theme;
@@ -38,7 +39,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void followPane();
+    void followPane(BrowserModel& pane, QObject& context);
     void follow();
     void refreshAbility();
     void arrange();
@@ -46,14 +47,12 @@ private:
     void search();
     void clear();
     void focus();
-    [[nodiscard]] BrowserModel& pane() const;
 
-    BrowserTabsModel* tabs_;
+    ActivePane pane_;
     const Theme* theme_;
     QLineEdit* field_;
     GlyphButton* clear_;
-    QTimer rest_;                  ///< since the last key
-    QObject* following_ = nullptr; ///< goes when another tab is active
+    QTimer rest_; ///< since the last key
 };
 
 } // namespace ombrel

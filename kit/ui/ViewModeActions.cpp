@@ -9,7 +9,6 @@
 #include <QMenu>
 
 #include <string_view>
-#include <utility>
 
 namespace ombrel {
 namespace {
@@ -22,7 +21,7 @@ constexpr std::array<std::string_view, ViewModeActions::count> textKeys = {
 
 ViewModeActions::ViewModeActions(QWidget& window, const Theme& theme, BrowserTabsModel& tabs,
                                  AppServices& services)
-    : QObject(&window), tabs_(&tabs), services_(&services) {
+    : QObject(&window), pane_(tabs), services_(&services) {
     auto* const group = new QActionGroup(this);
     for (std::size_t i = 0; i < count; ++i) {
         auto* const action = new QAction(localized(textKeys[i]), &window);
@@ -32,9 +31,11 @@ ViewModeActions::ViewModeActions(QWidget& window, const Theme& theme, BrowserTab
         connect(action, &QAction::triggered, this, [this, i] { choose(i); });
         actions_[i] = action;
     }
-    connect(&tabs, &BrowserTabsModel::activeTabChanged, this, &ViewModeActions::followPane);
     connect(&services.settings(), &AppSettings::changed, this, &ViewModeActions::refresh);
-    followPane();
+    pane_.follow([this](const BrowserModel& pane, QObject& context) {
+        connect(&pane, &BrowserModel::viewModeChanged, &context, [this] { refresh(); });
+        refresh();
+    });
 }
 
 void ViewModeActions::addTo(QMenu& menu) const {
@@ -52,18 +53,12 @@ void ViewModeActions::choose(std::size_t index) {
     const bool isIcons = index > 0;
     if (isIcons) settings.setIconSize(static_cast<IconSize>(index - 1));
     settings.setShowsIcons(isIcons);
-    tabs_->activeTab().setViewMode(isIcons ? ViewMode::icons : ViewMode::details);
-    refresh();
-}
-
-void ViewModeActions::followPane() {
-    delete std::exchange(following_, new QObject(this));
-    connect(&tabs_->activeTab(), &BrowserModel::viewModeChanged, following_, [this] { refresh(); });
+    pane_->setViewMode(isIcons ? ViewMode::icons : ViewMode::details);
     refresh();
 }
 
 void ViewModeActions::refresh() {
-    const bool isIcons = tabs_->activeTab().viewMode() == ViewMode::icons;
+    const bool isIcons = pane_->viewMode() == ViewMode::icons;
     const auto size = static_cast<std::size_t>(services_->settings().iconSize());
     actions_[isIcons ? 1 + size : 0]->setChecked(true);
 }

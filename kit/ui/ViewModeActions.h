@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/ActivePane.h"
+
 #include <QObject>
 
 #include <array>
@@ -33,13 +35,11 @@ public:
 
 private:
     void choose(std::size_t index);
-    void followPane();
     void refresh();
 
-    BrowserTabsModel* tabs_;
+    ActivePane pane_;
     AppServices* services_;
     std::array<QAction*, count> actions_{};
-    QObject* following_ = nullptr; ///< goes when another pane is active
 };
 
 } // namespace ombrel

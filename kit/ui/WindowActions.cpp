@@ -64,7 +64,7 @@ std::optional<Glyph> glyphOf(FileCommand command) {
 
 WindowActions::WindowActions(QWidget& window, const Theme& theme, BrowserTabsModel& tabs,
                              const CommandDispatcher& commands, AppServices& services)
-    : QObject(&window), tabs_(&tabs), commands_(&commands), services_(&services) {
+    : QObject(&window), pane_(tabs), commands_(&commands), services_(&services) {
     for (std::size_t i = 0; i < actions_.size(); ++i) {
         const auto command = static_cast<FileCommand>(i);
         auto* const action = new QAction(&window);
@@ -74,16 +74,14 @@ WindowActions::WindowActions(QWidget& window, const Theme& theme, BrowserTabsMod
         if (isDangerous) action->setProperty(OmbrelStyle::dangerProperty, true);
         if (command == FileCommand::toggleDetailsPane) action->setCheckable(true);
         window.addAction(action);
-        connect(action, &QAction::triggered, this,
-                [this, command] { commands_->perform(command, tabs_->activeTab()); });
+        connect(action, &QAction::triggered, this, [this, command] { commands_->perform(command, *pane_); });
         actions_[i] = action;
     }
-    connect(&tabs, &BrowserTabsModel::activeTabChanged, this, &WindowActions::followPane);
     connect(&services.settings(), &AppSettings::changed, this, &WindowActions::refreshLater);
     connect(&services.clipboard(), &ClipboardService::intentChanged, this, &WindowActions::refreshLater);
     connect(&services.clipboard(), &ClipboardService::cutURLsChanged, this, &WindowActions::refreshLater);
     connect(&services.undo(), &FileUndoHistory::changed, this, &WindowActions::refreshLater);
-    followPane();
+    pane_.follow([this](const BrowserModel& pane, QObject& context) { followPane(pane, context); });
     refresh();
 }
 
@@ -91,13 +89,11 @@ QAction* WindowActions::of(FileCommand command) const noexcept {
     return actions_[std::to_underlying(command)];
 }
 
-void WindowActions::followPane() {
-    delete std::exchange(following_, new QObject(this));
-    const BrowserModel& pane = tabs_->activeTab();
+void WindowActions::followPane(const BrowserModel& pane, QObject& context) {
     for (const auto signal :
          {&BrowserModel::locationChanged, &BrowserModel::historyChanged, &BrowserModel::listingStateChanged,
           &BrowserModel::itemsChanged, &BrowserModel::selectionChanged})
-        connect(&pane, signal, following_, [this] { refreshLater(); });
+        connect(&pane, signal, &context, [this] { refreshLater(); });
     refreshLater();
 }
 
@@ -126,7 +122,7 @@ void WindowActions::refreshOne(FileCommand command) {
     action.setToolTip(
         keys.isEmpty() ? toolTip
                        : localized("ui.tooltip.withShortcut", {toolTip.toStdString(), keys.toStdString()}));
-    action.setEnabled(commands_->canPerform(command, tabs_->activeTab()));
+    action.setEnabled(commands_->canPerform(command, *pane_));
     if (command == FileCommand::toggleDetailsPane)
         action.setChecked(services_->settings().showsDetailsPane());
 }
@@ -140,7 +136,7 @@ QString WindowActions::nameOf(FileCommand command) const {
 }
 
 QString WindowActions::toolTipOf(FileCommand command, const QString& name) const {
-    const BrowserModel& pane = tabs_->activeTab();
+    const BrowserModel& pane = *pane_;
     if (command != FileCommand::goUp || !pane.canGoUp()) return name;
     const FileURL parent = pane.currentURL()->parent();
     return localized("ui.tooltip.upTo", {isolated(parent.isRoot() ? parent.path() : parent.name())});

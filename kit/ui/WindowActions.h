@@ -1,6 +1,7 @@
 #pragma once
 
 #include "browser/FileCommand.h"
+#include "ui/ActivePane.h"
 
 #include <QObject>
 #include <QString>
@@ -41,17 +42,16 @@ Q_SIGNALS:
     void refreshed();
 
 private:
-    void followPane();
+    void followPane(const BrowserModel& pane, QObject& context);
     void refreshLater();
     void refreshOne(FileCommand command);
     [[nodiscard]] QString nameOf(FileCommand command) const;
     [[nodiscard]] QString toolTipOf(FileCommand command, const QString& name) const;
 
-    BrowserTabsModel* tabs_;
+    ActivePane pane_;
     const CommandDispatcher* commands_;
     AppServices* services_;
     std::array<QAction*, FileCommands::count> actions_{};
-    QObject* following_ = nullptr; ///< goes when another pane is active
     bool isRefreshDue_ = false;
 };
 
