@@ -3,8 +3,7 @@
 #include "browser/SelectionGestures.h"
 #include "ui/FileView.h"
 #include "ui/LocalizedText.h"
-
-#include <QPointer>
+#include "ui/PaintedItemAccessible.h"
 
 #include <algorithm>
 #include <climits>
@@ -17,26 +16,16 @@ using Place = BrowserModel::Place;
 /// More rows than an assistive program has on its mind at a time.
 constexpr std::size_t keptRows = 4096;
 
-class Row final : public QAccessibleInterface, public QAccessibleActionInterface {
+class Row final : public PaintedItemAccessible<FileView> {
 public:
-    Row(FileView& view, int row) : view_(&view), row_(row) {}
-
-    [[nodiscard]] int index() const noexcept { return row_; }
+    using PaintedItemAccessible::PaintedItemAccessible;
 
     bool isValid() const override { return view_ && row() < view_->model().items().size(); }
-    QObject* object() const override { return nullptr; }
-    QWindow* window() const override { return isValid() ? view_->window()->windowHandle() : nullptr; }
-    QAccessibleInterface* parent() const override { return QAccessible::queryAccessibleInterface(view_); }
-    QAccessibleInterface* child(int) const override { return nullptr; }
-    QAccessibleInterface* childAt(int, int) const override { return nullptr; }
-    int childCount() const override { return 0; }
-    int indexOfChild(const QAccessibleInterface*) const override { return -1; }
     QAccessible::Role role() const override { return QAccessible::ListItem; }
 
     QString text(QAccessible::Text what) const override {
         return isValid() && what == QAccessible::Name ? view_->spokenText(row()) : QString();
     }
-    void setText(QAccessible::Text, const QString&) override {}
 
     QRect rect() const override {
         if (!isValid()) return {};
@@ -56,12 +45,7 @@ public:
         return state;
     }
 
-    void* interface_cast(QAccessible::InterfaceType type) override {
-        return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this)
-                                                    : nullptr;
-    }
     QStringList actionNames() const override { return {pressAction(), toggleAction()}; }
-    QStringList keyBindingsForAction(const QString&) const override { return {}; }
     void doAction(const QString& action) override {
         if (!isValid()) return;
         if (action == pressAction())
@@ -71,9 +55,7 @@ public:
     }
 
 private:
-    [[nodiscard]] std::size_t row() const noexcept { return static_cast<std::size_t>(row_); }
-    QPointer<FileView> view_;
-    int row_;
+    [[nodiscard]] std::size_t row() const noexcept { return static_cast<std::size_t>(index()); }
 };
 
 QAccessibleInterface* make(const QString&, QObject* object) {

@@ -2,8 +2,7 @@
 
 #include "ui/HomeTexts.h"
 #include "ui/HomeView.h"
-
-#include <QPointer>
+#include "ui/PaintedItemAccessible.h"
 
 #include <algorithm>
 
@@ -12,27 +11,17 @@ namespace {
 
 using Part = HomeItem::Part;
 
-class Item final : public QAccessibleInterface, public QAccessibleActionInterface {
+class Item final : public PaintedItemAccessible<HomeView> {
 public:
-    Item(HomeView& view, const HomeItem& item, int index) : view_(&view), item_(item), index_(index) {}
-
-    [[nodiscard]] int index() const noexcept { return index_; }
+    Item(HomeView& view, const HomeItem& item, int index) : PaintedItemAccessible(view, index), item_(item) {}
 
     bool isValid() const override { return view_ && !view_->rectOf(item_).isEmpty(); }
-    QObject* object() const override { return nullptr; }
-    QWindow* window() const override { return isValid() ? view_->window()->windowHandle() : nullptr; }
-    QAccessibleInterface* parent() const override { return QAccessible::queryAccessibleInterface(view_); }
-    QAccessibleInterface* child(int) const override { return nullptr; }
-    QAccessibleInterface* childAt(int, int) const override { return nullptr; }
-    int childCount() const override { return 0; }
-    int indexOfChild(const QAccessibleInterface*) const override { return -1; }
     QAccessible::Role role() const override {
         return item_.part == Part::entry ? QAccessible::ListItem : QAccessible::Button;
     }
     QString text(QAccessible::Text what) const override {
         return isValid() && what == QAccessible::Name ? HomeTexts::spoken(view_->model(), item_) : QString();
     }
-    void setText(QAccessible::Text, const QString&) override {}
     QRect rect() const override {
         if (!isValid()) return {};
         const QRect inViewport = view_->rectOf(item_);
@@ -52,10 +41,6 @@ public:
         state.offscreen = !view_->viewport()->rect().intersects(view_->rectOf(item_));
         return state;
     }
-    void* interface_cast(QAccessible::InterfaceType type) override {
-        return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this)
-                                                    : nullptr;
-    }
     QStringList actionNames() const override { return {pressAction(), setFocusAction()}; }
     void doAction(const QString& action) override {
         if (!isValid()) return;
@@ -65,12 +50,9 @@ public:
             view_->setCurrent(item_);
         }
     }
-    QStringList keyBindingsForAction(const QString&) const override { return {}; }
 
 private:
-    QPointer<HomeView> view_;
     HomeItem item_;
-    int index_;
 };
 
 QAccessibleInterface* make(const QString&, QObject* object) {

@@ -2,42 +2,31 @@
 
 #include "base/FileName.h"
 #include "browser/BrowserTabsModel.h"
+#include "ui/PaintedItemAccessible.h"
 #include "ui/TabStrip.h"
-
-#include <QPointer>
 
 namespace ombrel {
 namespace {
 
-class Tab final : public QAccessibleInterface, public QAccessibleActionInterface {
+class Tab final : public PaintedItemAccessible<TabStrip> {
 public:
-    Tab(TabStrip& strip, int tab) : strip_(&strip), tab_(tab) {}
+    using PaintedItemAccessible::PaintedItemAccessible;
 
-    [[nodiscard]] int index() const noexcept { return tab_; }
-
-    bool isValid() const override { return strip_ && tab() < strip_->tabs().count(); }
-    QObject* object() const override { return nullptr; }
-    QWindow* window() const override { return isValid() ? strip_->window()->windowHandle() : nullptr; }
-    QAccessibleInterface* parent() const override { return QAccessible::queryAccessibleInterface(strip_); }
-    QAccessibleInterface* child(int) const override { return nullptr; }
-    QAccessibleInterface* childAt(int, int) const override { return nullptr; }
-    int childCount() const override { return 0; }
-    int indexOfChild(const QAccessibleInterface*) const override { return -1; }
+    bool isValid() const override { return view_ && tab() < view_->tabs().count(); }
     QAccessible::Role role() const override { return QAccessible::PageTab; }
 
     QString text(QAccessible::Text what) const override {
         if (!isValid()) return {};
-        if (what == QAccessible::Name) return strip_->titleOf(tab());
+        if (what == QAccessible::Name) return view_->titleOf(tab());
         if (what != QAccessible::Description) return {};
-        const auto& folder = strip_->tabs().tab(tab()).currentURL();
+        const auto& folder = view_->tabs().tab(tab()).currentURL();
         return folder ? QString::fromStdString(FileName::displayText(folder->path())) : QString();
     }
-    void setText(QAccessible::Text, const QString&) override {}
 
     QRect rect() const override {
         if (!isValid()) return {};
-        const QRect rect = strip_->tabRect(tab());
-        return {strip_->mapToGlobal(rect.topLeft()), rect.size()};
+        const QRect rect = view_->tabRect(tab());
+        return {view_->mapToGlobal(rect.topLeft()), rect.size()};
     }
 
     QAccessible::State state() const override {
@@ -45,26 +34,19 @@ public:
         state.invalid = !isValid();
         if (state.invalid) return state;
         state.selectable = state.focusable = true;
-        state.selected = strip_->tabs().selectedIndex() == tab();
-        state.focused = strip_->hasFocus() && strip_->focusedTab() == tab();
-        state.offscreen = strip_->tabRect(tab()).isEmpty();
+        state.selected = view_->tabs().selectedIndex() == tab();
+        state.focused = view_->hasFocus() && view_->focusedTab() == tab();
+        state.offscreen = view_->tabRect(tab()).isEmpty();
         return state;
     }
 
-    void* interface_cast(QAccessible::InterfaceType type) override {
-        return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this)
-                                                    : nullptr;
-    }
     QStringList actionNames() const override { return {pressAction()}; }
-    QStringList keyBindingsForAction(const QString&) const override { return {}; }
     void doAction(const QString& action) override {
-        if (isValid() && action == pressAction()) strip_->tabs().select(tab());
+        if (isValid() && action == pressAction()) view_->tabs().select(tab());
     }
 
 private:
-    [[nodiscard]] std::size_t tab() const noexcept { return static_cast<std::size_t>(tab_); }
-    QPointer<TabStrip> strip_;
-    int tab_;
+    [[nodiscard]] std::size_t tab() const noexcept { return static_cast<std::size_t>(index()); }
 };
 
 QAccessibleInterface* make(const QString&, QObject* object) {
