@@ -1,12 +1,10 @@
 #include "cli/Commands.h"
-#include "cli/Location.h"
 #include "cli/OperationJob.h"
 #include "cli/Output.h"
 #include "operations/JobPlan.h"
 
 #include <array>
 #include <limits>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -17,13 +15,6 @@ namespace {
 constexpr std::array compressOptions = {Option{"name", "NAME", "cli.compress.name"},
                                         AnswerPolicy::errorOption};
 constexpr std::array extractOptions = {AnswerPolicy::errorOption};
-
-std::vector<FileReference> referencesTo(const std::vector<FileURL>& urls) {
-    std::vector<FileReference> items;
-    for (const auto& url : urls)
-        items.push_back({url, std::nullopt});
-    return items;
-}
 
 /// What came into being has a name that nobody typed, so its path is printed, once for all its sources.
 ExitStatus tell(const OperationReport& report, const Arguments& arguments, const Session& session) {
@@ -39,23 +30,18 @@ ExitStatus tell(const OperationReport& report, const Arguments& arguments, const
 }
 
 ExitStatus compress(const Arguments& arguments, const Session& session) {
-    const auto policy = AnswerPolicy::from(arguments);
-    if (!policy) return session.output.wrongUsage(policy.error(), &compressCommand);
-    auto urls = locationsOf(arguments.operands());
-    if (!urls) return session.output.wrongUsage(urls.error(), &compressCommand);
-    const FileURL folder = urls->back();
-    urls->pop_back();
+    auto job = JobArguments::from(arguments);
+    if (!job) return session.output.wrongUsage(job.error(), &compressCommand);
+    const FileURL folder = job->takeLast();
     auto plan =
-        JobPlan::compress(referencesTo(*urls), folder, std::string(arguments.value("name").value_or("")));
-    return tell(run(std::move(plan), *policy, session), arguments, session);
+        JobPlan::compress(job->references(), folder, std::string(arguments.value("name").value_or("")));
+    return tell(run(std::move(plan), job->policy, session), arguments, session);
 }
 
 ExitStatus extract(const Arguments& arguments, const Session& session) {
-    const auto policy = AnswerPolicy::from(arguments);
-    if (!policy) return session.output.wrongUsage(policy.error(), &extractCommand);
-    const auto urls = locationsOf(arguments.operands());
-    if (!urls) return session.output.wrongUsage(urls.error(), &extractCommand);
-    return tell(run(JobPlan::extract(referencesTo(*urls)), *policy, session), arguments, session);
+    const auto job = JobArguments::from(arguments);
+    if (!job) return session.output.wrongUsage(job.error(), &extractCommand);
+    return tell(run(JobPlan::extract(job->references()), job->policy, session), arguments, session);
 }
 
 } // namespace

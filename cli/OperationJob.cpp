@@ -2,6 +2,7 @@
 
 #include "base/FileName.h"
 #include "cli/JSONObject.h"
+#include "cli/Location.h"
 #include "cli/MainLoop.h"
 #include "cli/Output.h"
 #include "cli/ProgressLine.h"
@@ -104,6 +105,27 @@ std::expected<AnswerPolicy, Text> AnswerPolicy::from(const Arguments& arguments)
     const auto error = choiceOf<ErrorChoice>(arguments, errorOption);
     if (!error) return std::unexpected(error.error());
     return AnswerPolicy{*conflict, *error};
+}
+
+std::expected<JobArguments, Text> JobArguments::from(const Arguments& arguments) {
+    const auto policy = AnswerPolicy::from(arguments);
+    if (!policy) return std::unexpected(policy.error());
+    auto urls = locationsOf(arguments.operands());
+    if (!urls) return std::unexpected(urls.error());
+    return JobArguments{*policy, *std::move(urls)};
+}
+
+FileURL JobArguments::takeLast() {
+    FileURL last = std::move(urls.back());
+    urls.pop_back();
+    return last;
+}
+
+std::vector<FileReference> JobArguments::references() const {
+    std::vector<FileReference> items;
+    for (const auto& url : urls)
+        items.push_back({url, std::nullopt});
+    return items;
 }
 
 OperationReport run(JobPlan plan, const AnswerPolicy& policy, const Session& session) {

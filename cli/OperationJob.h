@@ -6,6 +6,7 @@
 
 #include <expected>
 #include <optional>
+#include <vector>
 
 namespace ombrel::cli {
 
@@ -21,6 +22,20 @@ struct AnswerPolicy {
     /// From those options. Without one, questions are asked on a terminal and answered with `skip` elsewhere;
     /// the error says what is wrong with a value, or that nobody can be asked.
     [[nodiscard]] static std::expected<AnswerPolicy, Text> from(const Arguments& arguments);
+};
+
+/// What a command's job works with: the policy, and the locations that the operands name.
+struct JobArguments {
+    AnswerPolicy policy;
+    std::vector<FileURL> urls;
+
+    /// Fails with what is wrong with an option or an operand.
+    [[nodiscard]] static std::expected<JobArguments, Text> from(const Arguments& arguments);
+
+    /// Takes the last location off, where it is a command's destination.
+    [[nodiscard]] FileURL takeLast();
+    /// Whatever stands at the locations when the job comes there.
+    [[nodiscard]] std::vector<FileReference> references() const;
 };
 
 /// Runs a job until it ends, with its progress shown where somebody watches and its questions answered by the

@@ -1,5 +1,4 @@
 #include "cli/Commands.h"
-#include "cli/Location.h"
 #include "cli/OperationJob.h"
 #include "cli/Output.h"
 #include "operations/FileOperationService.h"
@@ -17,14 +16,10 @@ using Remove = JobPlan (*)(const FileOperationService&, std::vector<FileReferenc
 
 ExitStatus removeBy(Remove remove, const Command& command, const Arguments& arguments,
                     const Session& session) {
-    const auto policy = AnswerPolicy::from(arguments);
-    if (!policy) return session.output.wrongUsage(policy.error(), &command);
-    const auto urls = locationsOf(arguments.operands());
-    if (!urls) return session.output.wrongUsage(urls.error(), &command);
-    std::vector<FileReference> items;
-    for (const auto& url : *urls)
-        items.push_back({url, std::nullopt});
-    return print(run(remove(FileOperationService(), std::move(items)), *policy, session), arguments, session);
+    const auto job = JobArguments::from(arguments);
+    if (!job) return session.output.wrongUsage(job.error(), &command);
+    auto plan = remove(FileOperationService(), job->references());
+    return print(run(std::move(plan), job->policy, session), arguments, session);
 }
 
 ExitStatus trash(const Arguments& arguments, const Session& session) {

@@ -1,11 +1,11 @@
 #include "cli/Commands.h"
-#include "cli/Location.h"
 #include "cli/OperationJob.h"
 #include "cli/Output.h"
 #include "operations/FileOperationService.h"
 
 #include <array>
 #include <limits>
+#include <utility>
 #include <vector>
 
 namespace ombrel::cli {
@@ -18,16 +18,14 @@ constexpr auto options = std::to_array<Option>({
 });
 
 ExitStatus restore(const Arguments& arguments, const Session& session) {
-    const auto policy = AnswerPolicy::from(arguments);
-    if (!policy) return session.output.wrongUsage(policy.error(), &restoreCommand);
-    const auto urls = locationsOf(arguments.operands());
-    if (!urls) return session.output.wrongUsage(urls.error(), &restoreCommand);
+    const auto job = JobArguments::from(arguments);
+    if (!job) return session.output.wrongUsage(job.error(), &restoreCommand);
     const auto folders = arguments.has("parents") ? MissingFolders::make : MissingFolders::refuse;
     std::vector<PutBackItem> items;
-    for (const auto& url : *urls)
-        items.push_back({{url, std::nullopt}, std::nullopt});
+    for (auto& item : job->references())
+        items.push_back({std::move(item), std::nullopt});
     auto plan = JobPlan::putBack(FileOperationService(), std::move(items), folders);
-    return print(run(std::move(plan), *policy, session), arguments, session);
+    return print(run(std::move(plan), job->policy, session), arguments, session);
 }
 
 } // namespace

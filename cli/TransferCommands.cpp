@@ -1,12 +1,10 @@
 #include "cli/Commands.h"
-#include "cli/Location.h"
 #include "cli/OperationJob.h"
 #include "cli/Output.h"
 #include "operations/FileOperationService.h"
 
 #include <array>
 #include <limits>
-#include <vector>
 
 namespace ombrel::cli {
 namespace {
@@ -15,17 +13,13 @@ constexpr std::array options = {AnswerPolicy::conflictOption, AnswerPolicy::erro
 
 ExitStatus transfer(FileOperationKind kind, const Command& command, const Arguments& arguments,
                     const Session& session) {
-    const auto policy = AnswerPolicy::from(arguments);
-    if (!policy) return session.output.wrongUsage(policy.error(), &command);
-    auto urls = locationsOf(arguments.operands());
-    if (!urls) return session.output.wrongUsage(urls.error(), &command);
-    const FileURL destination = urls->back();
-    urls->pop_back();
-    std::vector<TransferItem> items;
-    for (const auto& url : *urls)
-        items.emplace_back(FileReference{url, std::nullopt});
-    auto plan = JobPlan::transfer(FileOperationService(), kind, std::move(items), destination);
-    return print(run(std::move(plan), *policy, session), arguments, session);
+    auto job = JobArguments::from(arguments);
+    if (!job) return session.output.wrongUsage(job.error(), &command);
+    const FileURL destination = job->takeLast();
+    const auto sources = job->references();
+    auto plan =
+        JobPlan::transfer(FileOperationService(), kind, {sources.begin(), sources.end()}, destination);
+    return print(run(std::move(plan), job->policy, session), arguments, session);
 }
 
 ExitStatus copy(const Arguments& arguments, const Session& session) {

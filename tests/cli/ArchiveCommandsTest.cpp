@@ -1,17 +1,10 @@
-#include "support/ChildProcess.h"
-#include "support/TempTree.h"
-
-#include <QByteArray>
-#include <QJsonDocument>
-#include <QJsonObject>
+#include "cli/SurroundingsWorld.h"
 
 #include <gmock/gmock.h>
 #include <unistd.h>
 
 #include <csignal>
-#include <memory>
 #include <string>
-#include <vector>
 
 namespace ombrel {
 namespace {
@@ -21,16 +14,7 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-class ArchiveCommands : public ::testing::Test {
-protected:
-    TempTree tree;
-
-    std::unique_ptr<ChildProcess> start(std::vector<std::string> words) const {
-        words.insert(words.begin(), OMBRELCTL_PATH);
-        return std::make_unique<ChildProcess>(words, ChildProcess::Setting{.workingFolder = tree.path()});
-    }
-    ChildResult run(std::vector<std::string> words) const { return start(std::move(words))->finish(); }
-};
+using ArchiveCommands = Surroundings;
 
 TEST_F(ArchiveCommands, CompressAndExtractAndPrintWhatTheyMade) {
     tree.folder("photos");
@@ -49,10 +33,8 @@ TEST_F(ArchiveCommands, CompressAndExtractAndPrintWhatTheyMade) {
     EXPECT_EQ(tree.contents("photos (2)/photos/\xFF\n1") + tree.contents("photos (2)/two"), "one2");
     EXPECT_EQ(tree.contents("my album/photos/\xFF\n1"), "one");
 
-    const auto json = run({"compress", "--json", "--name=j", "two", "."});
-    const auto line =
-        QJsonDocument::fromJson(QByteArray::fromStdString(json.output).split('\n').at(0)).object();
-    EXPECT_EQ(line.value(QLatin1String("destination")).toString().toStdString(), tree.path("j.zip"));
+    const auto json = objects({"compress", "--name=j", "two", "."});
+    EXPECT_EQ(text(json.at(0), "destination"), tree.path("j.zip"));
 }
 
 TEST_F(ArchiveCommands, TellWhatIsWrongInOneSentence) {
@@ -77,12 +59,12 @@ TEST_F(ArchiveCommands, TellWhatIsWrongInOneSentence) {
 TEST_F(ArchiveCommands, LeaveNothingBehindWhenInterrupted) {
     tree.folder("out");
     tree.fileOfSize("big", 150'000'000);
-    const auto program = start({"compress", "big", "out"});
+    ChildProcess program(command({"compress", "big", "out"}), setting());
     for (int look = 0; look < 2000 && tree.names("out").empty(); ++look)
         ::usleep(10'000);
     EXPECT_THAT(tree.names("out"), ElementsAre(HasSubstr(".hom-zip-")));
-    program->signal(SIGINT);
-    EXPECT_EQ(program->finish().status, 130);
+    program.signal(SIGINT);
+    EXPECT_EQ(program.finish().status, 130);
     EXPECT_THAT(tree.names("out"), IsEmpty());
 }
 

@@ -1,9 +1,4 @@
-#include "support/ChildProcess.h"
-#include "support/TempTree.h"
-
-#include <QByteArray>
-#include <QJsonDocument>
-#include <QJsonObject>
+#include "cli/SurroundingsWorld.h"
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
@@ -25,42 +20,15 @@ using ::testing::StartsWith;
 
 /// Runs commands as a user of the tree: its home is there. They run as nobody where trashes of all volumes
 /// are looked through, because root's on this machine are not the test's.
-class OperationCommands : public ::testing::Test {
+class OperationCommands : public Surroundings {
 protected:
-    TempTree tree;
-
-    void SetUp() override {
-        tree.folder("home");
+    OperationCommands() {
+        home = "home";
+        tree.folder(home);
         ::chmod(tree.path().c_str(), 0777);
-        ::chmod(tree.path("home").c_str(), 0777);
-    }
-    ChildProcess::Setting setting(bool asNobody = false) const {
-        return {.asNobody = asNobody,
-                .workingFolder = tree.path(),
-                .variables = {"HOME=" + tree.path("home"), "XDG_DATA_HOME=" + tree.path("home")}};
-    }
-    static std::vector<std::string> command(std::vector<std::string> words) {
-        words.insert(words.begin(), OMBRELCTL_PATH);
-        return words;
-    }
-    ChildResult run(std::vector<std::string> words) const {
-        return ChildProcess(command(std::move(words)), setting()).finish();
-    }
-    ChildResult runAsNobody(std::vector<std::string> words) const {
-        return ChildProcess(command(std::move(words)), setting(true)).finish();
+        ::chmod(tree.path(home).c_str(), 0777);
     }
 };
-
-std::vector<QJsonObject> objectsIn(const std::string& output) {
-    std::vector<QJsonObject> objects;
-    for (const auto& line : QByteArray::fromStdString(output).split('\n'))
-        if (!line.isEmpty()) objects.push_back(QJsonDocument::fromJson(line).object());
-    return objects;
-}
-
-std::string text(const QJsonObject& object, const char* key) {
-    return object.value(QLatin1String(key)).toString().toStdString();
-}
 
 TEST_F(OperationCommands, RenameAndCreateInFolders) {
     auto result = run({"new-folder", ".", "a\xFF"});
@@ -150,12 +118,7 @@ TEST_F(OperationCommands, TrashListAndEmpty) {
 // ---- On a terminal
 
 TEST_F(OperationCommands, AskOnATerminal) {
-    const auto at = [&](std::vector<std::string> words) {
-        auto chosen = setting();
-        chosen.onTerminal = true;
-        return std::make_unique<ChildProcess>(command(std::move(words)), chosen);
-    };
-    auto program = at({"delete", "absent", "late", "absent too"});
+    auto program = startOnTerminal({"delete", "absent", "late", "absent too"});
     EXPECT_THAT(
         program->readUntil("further ones too: "),
         AllOf(HasSubstr("absent: The item no longer exists."), HasSubstr("1 Try again  2 Skip  3 Cancel")));
@@ -168,7 +131,7 @@ TEST_F(OperationCommands, AskOnATerminal) {
     EXPECT_EQ(program->finish().status, 1);
     EXPECT_FALSE(tree.exists("late"));
 
-    program = at({"delete", "absent", "home"});
+    program = startOnTerminal({"delete", "absent", "home"});
     program->readUntil("further ones too: ");
     program->type("\x03");
     const auto result = program->finish();

@@ -1,14 +1,10 @@
-#include "support/ChildProcess.h"
-#include "support/TempTree.h"
+#include "cli/SurroundingsWorld.h"
 #include "support/TestMount.h"
 #include "support/TreeSnapshot.h"
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
-
-#include <string>
-#include <vector>
 
 // Sticks as they are carried around: what their formats have no place for is nothing to complain about.
 
@@ -19,17 +15,7 @@ using namespace testing;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-class PoorVolume : public ::testing::TestWithParam<const char*> {
-protected:
-    TempTree tree;
-
-    [[nodiscard]] ChildResult run(std::vector<std::string> words) const {
-        words.insert(words.begin(), OMBRELCTL_PATH);
-        return ChildProcess(words, {.workingFolder = tree.path(),
-                                    .variables = {"HOME=" + tree.path(), "XDG_DATA_HOME=" + tree.path()}})
-            .finish();
-    }
-};
+class PoorVolume : public Surroundings, public ::testing::WithParamInterface<const char*> {};
 
 TEST_P(PoorVolume, TakesFilesAndFoldersWithoutAWord) {
     const auto stick = TestMount::image(GetParam(), tree.path("stick"));

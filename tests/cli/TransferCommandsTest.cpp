@@ -1,14 +1,10 @@
-#include "support/ChildProcess.h"
-#include "support/TempTree.h"
+#include "cli/SurroundingsWorld.h"
 #include "support/TestMount.h"
 
 #include <gmock/gmock.h>
 
-#include <cstdio>
 #include <cstdlib>
-#include <memory>
 #include <string>
-#include <vector>
 
 namespace ombrel {
 namespace {
@@ -19,36 +15,7 @@ using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-std::vector<std::string> command(std::vector<std::string> words) {
-    words.insert(words.begin(), OMBRELCTL_PATH);
-    return words;
-}
-
-std::string outputOf(const std::string& shellCommand) {
-    std::string text;
-    FILE* pipe = ::popen(shellCommand.c_str(), "r");
-    if (!pipe) return "popen failed";
-    for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe))
-        text.push_back(static_cast<char>(c));
-    ::pclose(pipe);
-    return text;
-}
-
-class TransferCommands : public ::testing::Test {
-protected:
-    TempTree tree;
-
-    ChildProcess::Setting setting(bool onTerminal = false) const {
-        return {.asNobody = false,
-                .workingFolder = tree.path(),
-                .outputPath = {},
-                .variables = {"HOME=" + tree.path(), "XDG_DATA_HOME=" + tree.path()},
-                .onTerminal = onTerminal};
-    }
-    ChildResult run(std::vector<std::string> words) const {
-        return ChildProcess(command(std::move(words)), setting()).finish();
-    }
-};
+using TransferCommands = Surroundings;
 
 TEST_F(TransferCommands, AreSilentWhenAllIsWell) {
     tree.folder("from");
@@ -86,12 +53,12 @@ TEST_F(TransferCommands, AskAboutAConflictOnATerminal) {
     tree.file("a.txt", "new");
     tree.folder("to");
     tree.file("to/a.txt", "old");
-    ChildProcess program(command({"copy", "a.txt", "to"}), setting(true));
-    const auto shown = program.readUntil("further ones too: ");
+    const auto program = startOnTerminal({"copy", "a.txt", "to"});
+    const auto shown = program->readUntil("further ones too: ");
     EXPECT_THAT(shown, HasSubstr("“a.txt” is already there"));
     EXPECT_THAT(shown, HasSubstr("1 Replace  2 Skip  3 Keep both (a (2).txt)  4 Cancel"));
-    program.type("3\n");
-    EXPECT_EQ(program.finish().status, 0);
+    program->type("3\n");
+    EXPECT_EQ(program->finish().status, 0);
     EXPECT_EQ(tree.contents("to/a.txt") + tree.contents("to/a (2).txt"), "oldnew");
 }
 
@@ -102,11 +69,11 @@ TEST_F(TransferCommands, StopAtCtrlCAndLeaveNothingBehind) {
     ASSERT_EQ(std::system(("head -c 1300M /dev/zero > '" + tree.path("volume/big") + "'").c_str()), 0);
     tree.folder("volume/to");
     for (const auto* name : {"copy", "move"}) {
-        ChildProcess program(command({name, "volume/big", std::string(name) == "copy" ? "volume/to" : "."}),
-                             setting(true));
-        program.readUntil("%");
-        program.type("\x03");
-        const auto result = program.finish();
+        const auto program =
+            startOnTerminal({name, "volume/big", std::string(name) == "copy" ? "volume/to" : "."});
+        program->readUntil("%");
+        program->type("\x03");
+        const auto result = program->finish();
         EXPECT_EQ(result.status, 130);
         EXPECT_THAT(result.errors, HasSubstr("0 of 1 item was "));
         EXPECT_THAT(tree.names("volume/to"), IsEmpty());
@@ -123,10 +90,10 @@ TEST_F(TransferCommands, CopyARealTreeToAnotherVolumeAsItIs) {
     const auto result = run({"copy", source, "volume"});
     EXPECT_EQ(result.status, 0) << result.errors;
     const std::string copy = tree.path("volume/mime");
-    EXPECT_EQ(outputOf("diff -r --no-dereference " + source + " " + copy + " 2>&1"), "");
+    EXPECT_EQ(shellOutput("diff -r --no-dereference " + source + " " + copy + " 2>&1"), "");
     // The sizes and link counts of folders are their file system's own.
     const auto facts = [](const std::string& folder) {
-        return outputOf(
+        return shellOutput(
             "cd " + folder +
             " && { find . -type d -printf '%P %y %m %U %G %T@\\n' -o -printf '%P %y %m %U %G %s %T@ %l\\n' | "
             "LC_ALL=C sort; find . | LC_ALL=C sort | getfacl -P - 2>&1; "
