@@ -1,5 +1,7 @@
 #include "services/DetachedProcess.h"
 
+#include "listing/GLibPointers.h"
+
 #include <glib.h>
 #include <unistd.h>
 
@@ -40,7 +42,7 @@ std::expected<void, std::string> start(const std::vector<std::string>& words, co
     if (g_spawn_async(folder.path().c_str(), pointers.data(), variables.get(), flags, leadSession, nullptr,
                       nullptr, &error))
         return {};
-    const std::unique_ptr<GError, decltype(&g_error_free)> owned(error, g_error_free);
+    const GLib::Failure owned(error);
     return std::unexpected(std::string(error->message));
 }
 

@@ -2,6 +2,7 @@
 
 #include "base/FileName.h"
 #include "base/UserFolders.h"
+#include "listing/GLibPointers.h"
 #include "listing/POSIX.h"
 #include "listing/TypeDatabase.h"
 
@@ -15,11 +16,7 @@
 namespace ombrel {
 namespace {
 
-struct Unref {
-    void operator()(void* object) const { g_object_unref(object); }
-};
-template <typename T>
-using Owned = std::unique_ptr<T, Unref>;
+using GLib::Owned;
 
 std::string contentType(const FileURL& url) {
     const Owned<GFile> file(g_file_new_for_path(url.path().c_str()));

@@ -3,6 +3,7 @@
 #include "base/FileName.h"
 #include "base/PathInput.h"
 #include "base/UserFolders.h"
+#include "listing/GLibPointers.h"
 #include "listing/NameCollation.h"
 #include "listing/StoreFile.h"
 #include "services/DetachedProcess.h"
@@ -20,14 +21,10 @@
 namespace ombrel {
 namespace {
 
-struct Unref {
-    void operator()(void* object) const { g_object_unref(object); }
-};
-template <typename T>
-using Owned = std::unique_ptr<T, Unref>;
+using GLib::CString;
+using GLib::Failure;
+using GLib::Owned;
 using Application = Owned<GDesktopAppInfo>;
-using CString = std::unique_ptr<char, decltype([](char* text) { g_free(text); })>;
-using Failure = std::unique_ptr<GError, decltype(&g_error_free)>;
 
 constexpr auto plainText = "text/plain";
 constexpr auto emptyFile = "application/x-zerosize";
@@ -123,7 +120,7 @@ std::optional<std::string> launch(GDesktopAppInfo* info, std::span<const FileURL
                                                       prepare, folder, nullptr, nullptr, &error);
     }
     if (isStarted) return std::nullopt;
-    const Failure failure(error, g_error_free);
+    const Failure failure(error);
     return error ? error->message : std::string();
 }
 
@@ -159,7 +156,7 @@ std::optional<std::string> launchDesktopFile(const FileURL& url, const StartupEn
     const LaunchContext context(environment);
     GError* error = nullptr;
     if (g_app_info_launch_default_for_uri(link->c_str(), context.context.get(), &error)) return std::nullopt;
-    const Failure failure(error, g_error_free);
+    const Failure failure(error);
     return error ? error->message : std::string();
 }
 
