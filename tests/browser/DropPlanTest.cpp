@@ -2,6 +2,7 @@
 
 #include "browser/ActionsWorld.h"
 #include "browser/DropTargets.h"
+#include "support/Locations.h"
 #include "support/Unprivileged.h"
 
 namespace ombrel {
@@ -13,9 +14,6 @@ using ::testing::IsEmpty;
 using Case = DropPlan::Case;
 using Wish = DropPlan::Wish;
 
-FileURL at(const std::string& path) {
-    return *FileURL::fromPath(path);
-}
 FileReference item(const std::string& path, std::uint64_t device) {
     return {at(path), FileIdentity{device, 1}};
 }

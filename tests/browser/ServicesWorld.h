@@ -4,6 +4,7 @@
 #include "services/AppServices.h"
 #include "services/OperationWorld.h"
 #include "services/Pasteboard.h"
+#include "services/ScriptedMounts.h"
 #include "support/TempTree.h"
 
 #include <memory>
@@ -13,19 +14,6 @@
 #include "qtmain/EventLoop.h"
 
 namespace ombrel::testing {
-
-/// Tells the mount tables that a test makes up.
-class ScriptedMounts final : public MountWatch {
-public:
-    void start(Changed changed) override { changed_ = std::move(changed); }
-    void stop() override { changed_ = nullptr; }
-    void tell(const std::string& text) const {
-        if (changed_) changed_(*MountTable::fromText(text));
-    }
-
-private:
-    Changed changed_;
-};
 
 /// The application's services over a folder of the test, scripted grants and scripted mounts.
 class ServicesWorld {

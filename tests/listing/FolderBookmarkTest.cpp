@@ -2,6 +2,7 @@
 
 #include "listing/POSIX.h"
 #include "support/FailingCalls.h"
+#include "support/Locations.h"
 #include "support/TempTree.h"
 #include "support/TestMount.h"
 #include "support/Unprivileged.h"
@@ -16,13 +17,10 @@ namespace ombrel {
 namespace {
 
 using Kind = FolderBookmark::Failure::Kind;
+using testing::at;
 using testing::FailingCalls;
 using testing::TempTree;
 using testing::TestMount;
-
-FileURL at(std::string_view path) {
-    return *FileURL::fromPath(path);
-}
 
 void rename(const std::string& from, const std::string& to) {
     std::filesystem::rename(from, to);
