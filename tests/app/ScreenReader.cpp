@@ -8,7 +8,7 @@ namespace {
 constexpr auto rootPath = "/org/a11y/atspi/accessible/root";
 constexpr auto accessible = "org.a11y.atspi.Accessible", component = "org.a11y.atspi.Component",
                textual = "org.a11y.atspi.Text", properties = "org.freedesktop.DBus.Properties";
-constexpr int patience = 20'000; // milliseconds that a program may be busy with something else
+constexpr int patience = 60'000; // milliseconds that a program may be busy with something else
 /// What Qt calls a field, and the row of a tree of one column, depends on its version.
 constexpr unsigned entryRole = 79, cellRole = 56;
 
