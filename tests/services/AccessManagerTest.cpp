@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "services/AccessFakes.h"
+#include "support/Locations.h"
 #include "support/LogRecorder.h"
 
 #include <gmock/gmock.h>
@@ -17,6 +18,7 @@ namespace {
 using namespace std::chrono_literals;
 using Owner = AccessGrant::ScopeOwner;
 using Grant = AccessManager::Grant;
+using testing::at;
 using ::testing::Contains;
 using ::testing::Each;
 using ::testing::ElementsAre;
@@ -32,10 +34,6 @@ using testing::runUntilQuiet;
 using testing::ScriptedPicker;
 using testing::ScriptedScopes;
 using ::testing::StartsWith;
-
-FileURL at(std::string_view path) {
-    return *FileURL::fromPath(path);
-}
 
 /// "active /path", or the state and the key of its message.
 std::string summary(const Grant& grant) {

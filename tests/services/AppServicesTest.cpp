@@ -3,6 +3,7 @@
 #include "services/AccessFakes.h"
 #include "services/OperationWorld.h"
 #include "services/Pasteboard.h"
+#include "services/ScriptedMounts.h"
 #include "support/TempTree.h"
 
 #include <QCoreApplication>
@@ -23,28 +24,11 @@ using testing::MemoryStore;
 using testing::Presenter;
 using testing::runUntil;
 using testing::runUntilQuiet;
+using testing::ScriptedMounts;
 using testing::ScriptedScopes;
 using testing::TempTree;
 using Event = VolumeMonitor::Event;
 using State = AccessGrant::State;
-
-/// Tells whatever tables the test makes up, and counts how often it is started.
-class CountingWatch final : public MountWatch {
-public:
-    void start(Changed changed) override {
-        changed_ = std::move(changed);
-        ++starts;
-    }
-    void stop() override { changed_ = nullptr; }
-    void tell(const std::string& text) const {
-        if (changed_) changed_(*MountTable::fromText(text));
-    }
-    [[nodiscard]] bool isStarted() const { return static_cast<bool>(changed_); }
-    int starts = 0;
-
-private:
-    Changed changed_;
-};
 
 class Services : public ::testing::Test {
 protected:
@@ -76,7 +60,7 @@ protected:
     TempTree tree;
     std::shared_ptr<ScriptedScopes> scopes = std::make_shared<ScriptedScopes>();
     std::shared_ptr<MemoryStore> store = std::make_shared<MemoryStore>();
-    CountingWatch* watch = new CountingWatch;
+    ScriptedMounts* watch = new ScriptedMounts;
     PrivatePasteboard pasteboard;
     std::unique_ptr<AppServices> services;
     int windows = 0;

@@ -1,5 +1,7 @@
 #include "services/ClipboardService.h"
 
+#include "support/Locations.h"
+
 #include <gmock/gmock.h>
 
 #include <chrono>
@@ -8,13 +10,10 @@ namespace ombrel {
 namespace {
 
 using Case = ClipboardService::PasteIntent::Case;
+using testing::at;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::UnorderedElementsAre;
-
-FileURL at(std::string_view path) {
-    return *FileURL::fromPath(path);
-}
 
 FileReference item(std::string_view path, std::uint64_t inode = 1) {
     return {at(path), FileIdentity{7, inode}};

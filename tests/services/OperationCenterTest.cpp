@@ -109,31 +109,6 @@ TEST_F(Center, RefusesEveryOperationWhileItIsToldTo) {
 
 // ---- Progress
 
-TEST_F(Center, HandsProgressOnAndMeasuresTheSpeed) {
-    OperationJob job(transfer(Kind::copy, {tree.file("a")}, tree.url()), DriveQueue().join());
-    const auto apply = [&](std::int64_t bytes, double now, Phase phase = Phase::copying) {
-        job.apply({.completedItems = 0,
-                   .totalItems = 1,
-                   .completedBytes = bytes,
-                   .totalBytes = 1000,
-                   .currentName = "a",
-                   .phase = phase},
-                  now);
-    };
-    apply(0, 1, Phase::preparing);
-    apply(0, 2);
-    apply(50, 2.1);
-    apply(80, 2.2);
-    EXPECT_THAT(job.speedSamples(), IsEmpty());
-    EXPECT_EQ(job.remainingSeconds(), std::nullopt);
-    apply(100, 3);
-    EXPECT_THAT(job.speedSamples(), ElementsAre(OperationJob::SpeedSample{0.1, 100}));
-    apply(500, 4);
-    EXPECT_EQ(job.speed(), 0.6 * 100 + 0.4 * 400);
-    EXPECT_EQ(job.remainingSeconds(), 500 / 220.0);
-    EXPECT_EQ(job.fractionCompleted(), 0.5);
-}
-
 TEST_F(Center, TakesTheNewestProgressOfAJobThatTellsMoreThanItCanTake) {
     Holdup holdup;
     auto plan = holdup.plan(tree.url());

@@ -2,6 +2,7 @@
 
 #include "services/AccessManager.h"
 #include "services/FileBookmarkStore.h"
+#include "support/Locations.h"
 #include "support/TempTree.h"
 #include "support/TestMount.h"
 
@@ -14,14 +15,11 @@
 namespace ombrel {
 namespace {
 
+using testing::at;
 using testing::KitWorld;
 using testing::runUntil;
 using testing::TempTree;
 using testing::TestMount;
-
-FileURL at(std::string_view path) {
-    return *FileURL::fromPath(path);
-}
 
 TEST(BookmarkAsBytes, GoesThereAndBack) {
     const TempTree tree;

@@ -1,6 +1,7 @@
 #include "services/VolumeEjector.h"
 
 #include "services/PrivateBus.h"
+#include "support/Locations.h"
 
 #include <QDBusMessage>
 #include <QDBusMetaType>
@@ -24,14 +25,11 @@ Q_DECLARE_METATYPE(ManagedObjects)
 namespace ombrel {
 namespace {
 
+using testing::at;
 using ::testing::ElementsAre;
 using testing::KitWorld;
 using testing::PrivateBus;
 using testing::runUntil;
-
-FileURL at(std::string_view path) {
-    return *FileURL::fromPath(path);
-}
 
 /// The disk service with two partitions of one stick, an unlocked disk and an image.
 class Disks final : public QDBusVirtualObject {

@@ -1,5 +1,7 @@
 #include "services/VolumeMonitor.h"
 
+#include "services/ScriptedMounts.h"
+#include "support/Locations.h"
 #include "support/LogRecorder.h"
 #include "support/MirrorMount.h"
 #include "support/TempTree.h"
@@ -28,6 +30,7 @@ void PrintTo(const VolumeMonitor::Event& event, std::ostream* stream) {
 
 namespace {
 
+using testing::at;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using testing::KitWorld;
@@ -35,27 +38,10 @@ using testing::LogRecorder;
 using testing::MirrorMount;
 using testing::runUntil;
 using testing::runUntilQuiet;
+using testing::ScriptedMounts;
 using testing::TempTree;
 using testing::TestMount;
 using Event = VolumeMonitor::Event;
-
-FileURL at(std::string_view path) {
-    return *FileURL::fromPath(path);
-}
-
-/// Tells whatever tables the test makes up.
-class ScriptedWatch final : public MountWatch {
-public:
-    void start(Changed changed) override { changed_ = std::move(changed); }
-    void stop() override { changed_ = nullptr; }
-    void tell(const std::string& text) const {
-        if (changed_) changed_(*MountTable::fromText(text));
-    }
-    [[nodiscard]] bool isStarted() const { return static_cast<bool>(changed_); }
-
-private:
-    Changed changed_;
-};
 
 std::string line(int id, const std::string& path, int device = 0) {
     return std::to_string(id) + " 1 0:" + std::to_string(device != 0 ? device : id) + " / " + path +
@@ -83,7 +69,7 @@ protected:
     }
 
     KitWorld world;
-    ScriptedWatch* watch = new ScriptedWatch;
+    ScriptedMounts* watch = new ScriptedMounts;
     VolumeMonitor monitor{std::unique_ptr<MountWatch>(watch)};
     std::vector<Event> observed, told;
     int changes = 0;
