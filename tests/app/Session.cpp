@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <optional>
 #include <sstream>
@@ -218,8 +219,13 @@ void Session::click(Role role, const std::string& name, Match match, int times) 
 }
 
 void Session::clickAnywhere(const std::string& button) {
-    // Who shows a window learns a little later where the window manager has put it.
+    // Who shows a window learns a little later where the window manager has put it; until then it tells of
+    // places that are as wrong as the window's frame is wide.
+    using Clock = std::chrono::steady_clock;
+    constexpr std::chrono::milliseconds still(400);
     std::optional<Thing> found;
+    QRect seen;
+    Clock::time_point since;
     wait("“" + button + "” in a window that has its place", [&] {
         const auto places = desktop().windowPlaces("ombrel");
         for (const Thing& each : reader().windows()) {
@@ -230,7 +236,9 @@ void Session::clickAnywhere(const std::string& button) {
                 const QPoint off = place.topLeft() - each.place.topLeft();
                 return place.size() == each.place.size() && off.manhattanLength() <= frame;
             };
-            return found->isEnabled && std::ranges::any_of(places, isThere);
+            if (!found->isEnabled || !std::ranges::any_of(places, isThere)) return false;
+            if (std::exchange(seen, found->place) != found->place) since = Clock::now();
+            return Clock::now() - since > still;
         }
         return false;
     });

@@ -64,9 +64,9 @@ TEST_F(TransferCommands, AskAboutAConflictOnATerminal) {
 
 // The progress line shows that the copy is under way when Ctrl+C is typed.
 TEST_F(TransferCommands, StopAtCtrlCAndLeaveNothingBehind) {
-    const auto volume = TestMount::tmpfs(tree.path("volume"), "size=3g");
+    const auto volume = TestMount::tmpfs(tree.path("volume"), "size=6g");
     if (!volume) GTEST_SKIP() << volume.error();
-    ASSERT_EQ(std::system(("head -c 1300M /dev/zero > '" + tree.path("volume/big") + "'").c_str()), 0);
+    ASSERT_EQ(std::system(("head -c 2600M /dev/zero > '" + tree.path("volume/big") + "'").c_str()), 0);
     tree.folder("volume/to");
     for (const auto* name : {"copy", "move"}) {
         const auto program =
