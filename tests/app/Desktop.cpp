@@ -16,7 +16,8 @@ namespace ombrel::testing {
 namespace {
 
 constexpr auto serverPath = "/usr/bin/Xvfb", managerPath = "/usr/bin/openbox", handPath = "/usr/bin/xdotool",
-               busPath = "/usr/bin/dbus-daemon", cameraPath = "/usr/bin/import";
+               busPath = "/usr/bin/dbus-daemon", cameraPath = "/usr/bin/import",
+               surveyorPath = "/usr/bin/xwininfo";
 
 /// A bus on which everybody may do everything, whoever started it.
 constexpr auto busConfig = R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
@@ -133,21 +134,22 @@ int Desktop::windowCount(const std::string& name) const {
 }
 
 std::vector<QRect> Desktop::windowPlaces(const std::string& name) const {
-    std::istringstream lines(
-        hand({"search", "--onlyvisible", "--class", name, "getwindowgeometry", "--shell", "%@"}));
+    std::istringstream windows(hand({"search", "--onlyvisible", "--class", name}));
     std::vector<QRect> places;
-    QRect place;
-    for (std::string line; std::getline(lines, line);) {
-        const auto sign = line.find('=');
-        if (sign == std::string::npos) continue;
-        const std::string what = line.substr(0, sign);
-        const int number = std::atoi(line.c_str() + sign + 1);
-        if (what == "X") place.moveLeft(number);
-        if (what == "Y") place.moveTop(number);
-        if (what == "WIDTH") place.setWidth(number);
-        if (what != "HEIGHT") continue;
-        place.setHeight(number);
-        places.push_back(place);
+    for (std::string window; std::getline(windows, window);) {
+        // Not xdotool, which counts frames twice.
+        std::istringstream lines(start({surveyorPath, "-id", window})->finish().output);
+        QRect place;
+        for (std::string line; std::getline(lines, line);) {
+            const auto sign = line.find(':');
+            if (sign == std::string::npos) continue;
+            const int number = std::atoi(line.c_str() + sign + 1);
+            if (line.find("Absolute upper-left X") != std::string::npos) place.moveLeft(number);
+            if (line.find("Absolute upper-left Y") != std::string::npos) place.moveTop(number);
+            if (line.find("  Width") != std::string::npos) place.setWidth(number);
+            if (line.find("  Height") != std::string::npos) place.setHeight(number);
+        }
+        if (!place.isEmpty()) places.push_back(place);
     }
     return places;
 }

@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 #include <optional>
 #include <sstream>
@@ -219,30 +218,21 @@ void Session::click(Role role, const std::string& name, Match match, int times) 
 }
 
 void Session::clickAnywhere(const std::string& button) {
-    // Who shows a window learns a little later where the window manager has put it; until then it tells of
-    // places that are as wrong as the window's frame is wide.
-    using Clock = std::chrono::steady_clock;
-    constexpr std::chrono::milliseconds still(400);
-    std::optional<Thing> found;
-    QRect seen;
-    Clock::time_point since;
+    // Who shows a window learns a little later where the window manager has put it, and may err by its frame.
+    QPoint at, seen;
     wait("“" + button + "” in a window that has its place", [&] {
         const auto places = desktop().windowPlaces("ombrel");
         for (const Thing& each : reader().windows()) {
-            found = reader().find(each, Role::button, button);
+            const auto found = reader().find(each, Role::button, button);
             if (!found) continue;
-            const auto isThere = [&each](const QRect& place) {
-                constexpr int frame = 40; // of the window at most, which xdotool adds twice
-                const QPoint off = place.topLeft() - each.place.topLeft();
-                return place.size() == each.place.size() && off.manhattanLength() <= frame;
-            };
-            if (!found->isEnabled || !std::ranges::any_of(places, isThere)) return false;
-            if (std::exchange(seen, found->place) != found->place) since = Clock::now();
-            return Clock::now() - since > still;
+            const auto shown = std::ranges::find(places, each.place.size(), &QRect::size);
+            if (!found->isEnabled || shown == places.end()) return false;
+            at = shown->topLeft() + middle(*found) - each.place.topLeft();
+            return std::exchange(seen, at) == at;
         }
         return false;
     });
-    desktop().clickAt(middle(*found));
+    desktop().clickAt(at);
 }
 
 void Session::clickRow(const std::string& name, int times) {
