@@ -46,7 +46,9 @@ void SettingsFollower::watch(Watched& watched) {
         watched.isWatched = outcome.has_value();
         // What happened before it was watched.
         if (watched.isWatched && &watched == &settingsFolder_) settings_.reload();
-        if (watched.isWatched && &watched == &config_) locator_.refresh();
+        if (!watched.isWatched || &watched != &config_) return;
+        locator_.refresh();
+        if (!settingsFolder_.isWatched) watch(settingsFolder_);
     });
 }
 
