@@ -54,11 +54,11 @@ void AddressCompletion::complete(const QString& text, const std::optional<FileUR
                                  const ItemFilter& filter) {
     const std::uint64_t ticket = ++ticket_;
     reader_ = Worker();
-    publish({});
     auto question = Question::of(text, base, home_);
-    if (!question) return;
     const auto known =
-        read_ && read_->folder == question->folder ? std::optional(read_->folders) : std::nullopt;
+        question && read_ && read_->folder == question->folder ? std::optional(read_->folders) : std::nullopt;
+    publish(known ? narrowed(*question) : QStringList());
+    if (!question) return;
     const auto work = [self = QPointer(this), ticket, question = std::move(*question), known,
                        filter](const std::stop_token& stop) {
         FileItemList folders;
@@ -85,6 +85,15 @@ void AddressCompletion::complete(const QString& text, const std::optional<FileUR
     } catch (const std::system_error&) {
         // Without a thread left nothing is suggested.
     }
+}
+
+QStringList AddressCompletion::narrowed(const Question& question) const {
+    const NamePrefix prefix(question.prefix);
+    QStringList left;
+    for (const QString& text : suggestions_)
+        if (text.startsWith(question.kept) && prefix.begins(text.mid(question.kept.size()).toStdString()))
+            left.append(text);
+    return left;
 }
 
 void AddressCompletion::cancel() {

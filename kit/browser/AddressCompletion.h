@@ -25,7 +25,8 @@ public:
 
     explicit AddressCompletion(FileURL home, QObject* parent = nullptr);
 
-    /// The text is `text` now; `base` is the folder that is shown. Suggestions for another text go at once.
+    /// The text is `text` now; `base` is the folder that is shown. Suggestions that it rules out go at once,
+    /// what else begins so comes when the folder has been read.
     void complete(const QString& text, const std::optional<FileURL>& base, const ItemFilter& filter);
     /// Nothing is to be completed any more; what was read is forgotten.
     void cancel();
@@ -52,6 +53,8 @@ private:
         FileURL folder;
         FileItemList folders;
     };
+    /// Those of the suggestions that begin as is asked now.
+    [[nodiscard]] QStringList narrowed(const Question& question) const;
     void publish(QStringList suggestions);
 
     FileURL home_;

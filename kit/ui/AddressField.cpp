@@ -1,7 +1,7 @@
 #include "ui/AddressField.h"
 
 #include "ui/LocalizedText.h"
-#include "ui/Theme.h"
+#include "ui/SuggestionList.h"
 
 #include <QAccessible>
 #include <QKeyEvent>
@@ -12,31 +12,17 @@ namespace ombrel {
 
 AddressField::AddressField(const Theme& theme, const FileURL& home, std::function<Base()> base,
                            QWidget* parent)
-    : QLineEdit(parent), theme_(&theme), base_(std::move(base)),
-      completion_(new AddressCompletion(home, this)), model_(new QStringListModel(this)),
-      list_(new QListView(this)) {
+    : QLineEdit(parent), base_(std::move(base)), completion_(new AddressCompletion(home, this)),
+      model_(new QStringListModel(this)), list_(new SuggestionList(theme, this)) {
     setFrame(false);
     setAccessibleName(localized("ui.accessible.address"));
     QPalette colors = palette();
     colors.setColor(QPalette::Base, Qt::transparent);
     setPalette(colors);
-    // It floats, and the keyboard stays here.
-    list_->setWindowFlags(Qt::ToolTip);
-    list_->setAttribute(Qt::WA_ShowWithoutActivating);
-    list_->setFocusPolicy(Qt::NoFocus);
-    list_->setFocusProxy(this);
-    list_->setModel(model_);
-    list_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    list_->setUniformItemSizes(true);
-    list_->setMouseTracking(true);
-    list_->setFrameStyle(QFrame::StyledPanel | QFrame::Plain);
-    list_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    list_->setTextElideMode(Qt::ElideMiddle);
-    list_->setAccessibleName(localized("ui.address.suggestions"));
-    list_->hide();
-    connect(list_, &QListView::clicked, this, [this](const QModelIndex& index) {
-        list_->setCurrentIndex(index);
+    QListView* const rows = &list_->rows();
+    rows->setModel(model_);
+    connect(rows, &QListView::clicked, this, [this, rows](const QModelIndex& index) {
+        rows->setCurrentIndex(index);
         setText(index.data().toString());
         Q_EMIT accepted();
     });
@@ -44,6 +30,7 @@ AddressField::AddressField(const Theme& theme, const FileURL& home, std::functio
         typed_ = text;
         const Base from = base_();
         completion_->complete(text, from.folder, from.filter);
+        showSuggestions(); // those that are left, none of them picked
     });
     connect(completion_, &AddressCompletion::changed, this, &AddressField::showSuggestions);
 }
@@ -69,34 +56,31 @@ void AddressField::showSuggestions() {
     // The only suggestion may be what stands there already.
     const bool isNews = !texts.isEmpty() && (texts.size() > 1 || texts.constFirst() != text());
     if (!isNews || !hasFocus()) return list_->hide();
-    QPalette colors = palette();
-    colors.setColor(QPalette::Base, theme_->color(ThemeColor::menu));
-    colors.setColor(QPalette::Highlight, theme_->color(ThemeColor::selection));
-    list_->setPalette(colors);
-    list_->clearSelection();
-    list_->setCurrentIndex({});
-    const int row = std::max(list_->sizeHintForRow(0), 1);
-    const int height = row * static_cast<int>(texts.size()) + 2 * list_->frameWidth();
-    const QWidget* const bar = parentWidget();
-    list_->setGeometry(QRect(bar->mapToGlobal(QPoint(0, bar->height())), QSize(bar->width(), height)));
-    list_->show();
-    list_->raise();
+    suggestions().clearSelection();
+    suggestions().setCurrentIndex({});
+    list_->showBelow(*parentWidget());
+}
+
+QListView& AddressField::suggestions() const noexcept {
+    return list_->rows();
 }
 
 void AddressField::pick(int step) {
     const int count = model_->rowCount();
-    const int from = list_->currentIndex().isValid() ? list_->currentIndex().row() : (step > 0 ? -1 : count);
+    const int from =
+        suggestions().currentIndex().isValid() ? suggestions().currentIndex().row() : (step > 0 ? -1 : count);
     const int to = from + step;
     // Beyond either end stands what was typed.
     const bool isInside = to >= 0 && to < count;
-    list_->setCurrentIndex(isInside ? model_->index(to) : QModelIndex());
+    suggestions().setCurrentIndex(isInside ? model_->index(to) : QModelIndex());
     setText(isInside ? model_->index(to).data().toString() : typed_);
     QAccessibleValueChangeEvent change(this, text());
     QAccessible::updateAccessibility(&change);
 }
 
 void AddressField::take() {
-    const QModelIndex picked = list_->currentIndex().isValid() ? list_->currentIndex() : model_->index(0);
+    const QModelIndex picked =
+        suggestions().currentIndex().isValid() ? suggestions().currentIndex() : model_->index(0);
     // On with the folders in it.
     setText(picked.data().toString() + QLatin1Char('/'));
     Q_EMIT textEdited(text());
@@ -120,7 +104,7 @@ void AddressField::keyPressEvent(QKeyEvent* event) {
     case Qt::Key_Enter: list_->hide(); return Q_EMIT accepted();
     case Qt::Key_Escape:
         if (isSuggesting()) {
-            if (list_->currentIndex().isValid()) setText(typed_);
+            if (suggestions().currentIndex().isValid()) setText(typed_);
             return list_->hide();
         }
         return Q_EMIT cancelled();

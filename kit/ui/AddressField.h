@@ -11,6 +11,7 @@ class QStringListModel;
 
 namespace ombrel {
 
+class SuggestionList;
 class Theme;
 
 /// The text field that the address bar turns into. Below it stand the folders that would complete what is
@@ -33,7 +34,7 @@ public:
     void begin(const QString& text);
     /// Nothing is to be suggested any more.
     void end();
-    [[nodiscard]] QListView& suggestions() const noexcept { return *list_; }
+    [[nodiscard]] QListView& suggestions() const noexcept;
 
 Q_SIGNALS:
     void accepted();
@@ -51,11 +52,10 @@ private:
     void take();
     [[nodiscard]] bool isSuggesting() const;
 
-    const Theme* theme_;
     std::function<Base()> base_;
     AddressCompletion* completion_;
     QStringListModel* model_;
-    QListView* list_;
+    SuggestionList* list_;
     QString typed_; ///< what the suggestions are for
 };
 

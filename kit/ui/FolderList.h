@@ -1,8 +1,7 @@
 #pragma once
 
 #include "browser/CrumbChildren.h"
-
-#include <QFrame>
+#include "ui/MenuFrame.h"
 
 #include <optional>
 
@@ -11,11 +10,9 @@ class QListView;
 
 namespace ombrel {
 
-class Theme;
-
 /// The list that a crumb opens: the subfolders of its folder, in a popup that stays quick with many
 /// thousands. Typing jumps; the one that the address goes through is bold. Deletes itself when it closes.
-class FolderList final : public QFrame {
+class FolderList final : public MenuFrame {
     Q_OBJECT
 
 public:
@@ -39,12 +36,10 @@ protected:
 
 private:
     class Model;
-    class Rows;
     void follow();
     void fit();
     void choose(const QModelIndex& index);
 
-    const Theme* theme_;
     CrumbChildren* children_;
     Model* model_;
     QListView* list_;

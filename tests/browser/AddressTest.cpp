@@ -95,6 +95,20 @@ TEST_F(Completion, OffersTheFoldersThatBeginAsTyped) {
     EXPECT_THAT(suggestionsFor(typed("gone/x")), IsEmpty());
 }
 
+TEST_F(Completion, KeepsWhatStillBeginsSoWhileItReads) {
+    for (const auto* name : {"Photos", "phone", "phone/case"})
+        tree.folder(name);
+    EXPECT_THAT(suggestionsFor(typed("ph")), SizeIs(2));
+    completion.complete(typed("pho"), std::nullopt, {});
+    EXPECT_EQ(completion.suggestions(), (QStringList{typed("phone"), typed("Photos")}));
+    completion.complete(typed("phot"), std::nullopt, {});
+    EXPECT_EQ(completion.suggestions(), QStringList{typed("Photos")});
+    completion.complete(typed("phone/"), std::nullopt, {});
+    EXPECT_TRUE(completion.suggestions().isEmpty());
+    EXPECT_TRUE(runUntilQuiet());
+    EXPECT_EQ(completion.suggestions(), QStringList{typed("phone/case")});
+}
+
 TEST_F(Completion, OffersFewAndOnlyWhatCanBeTyped) {
     for (int i = 0; i < 20; ++i)
         tree.folder("x" + std::to_string(i));

@@ -124,6 +124,8 @@ TEST_F(Address, IsCompletedByTheFoldersThatAreThere) {
     tree.folder("Projects/Reports/2026");
     type(QString::fromStdString(tree.url().path()) + QStringLiteral("/Pro"));
     ASSERT_TRUE(runUntil([&] { return field.suggestions().isVisible(); }));
+    QTest::keyClick(&field, Qt::Key_J);
+    EXPECT_TRUE(field.suggestions().isVisible()); // without going away meanwhile
     QTest::keyClick(&field, Qt::Key_Tab);
     EXPECT_EQ(field.text().toStdString(), tree.url("Projects").path() + "/");
     ASSERT_TRUE(runUntil([&] { return field.suggestions().isVisible(); }));
