@@ -8,34 +8,23 @@
 #include <cerrno>
 #include <iterator>
 #include <string>
-#include <system_error>
 #include <utility>
 
 namespace ombrel {
 
 FileTally::FileTally(const FileSystemTraits& target, std::function<bool()> goesOn)
-    : target_(target), goesOn_(std::move(goesOn)) {}
-
-FileTally::~FileTally() {
-    end();
-}
+    : target_(target), goesOn_(std::move(goesOn)), queue_([this](Batch& batch, auto hand) {
+          if (!goesOn_()) return;
+          const bool isOwn = hand == HelpedQueue<Batch>::Hand::owner;
+          look(batch.folder.get(), batch.path, batch.names, isOwn ? own_ : helped_);
+      }) {}
 
 void FileTally::add(int folder, const std::string& path, Names names) {
     if (names.count == 0) return;
     POSIX::Result<OwnedFd> own = std::unexpected(POSIXFailure{});
     if (names.count >= fewestForTwo) own = POSIX::open(POSIX::Place{folder, "."}, O_PATH | O_DIRECTORY);
     if (!own) return look(folder, path, names, own_);
-    bool isFull = false, isOnly = false;
-    {
-        const std::scoped_lock lock(lock_);
-        isFull = waiting_.size() >= longestQueue;
-        isOnly = waiting_.empty();
-        waiting_.push_back({std::move(*own), path, std::move(names)});
-    }
-    // One folder may be all there is, and then the other thread is not worth its start.
-    if (!isOnly) startHelper();
-    changed_.notify_one();
-    if (isFull) (void)takeOne(own_);
+    queue_.add({std::move(*own), path, std::move(names)});
 }
 
 void FileTally::count(const FileStatus& status, const std::string& path, const char* name) {
@@ -47,56 +36,12 @@ void FileTally::refuse(std::string path, const FileOperationError& error) {
 }
 
 TransferMeasure FileTally::finish() {
-    while (takeOne(own_)) {
-    }
-    end();
+    queue_.finish();
     own_.bytes += helped_.bytes;
     own_.allocated += helped_.allocated;
     std::move(helped_.refusals.begin(), helped_.refusals.end(), std::back_inserter(own_.refusals));
     std::ranges::sort(own_.refusals, {}, &TransferMeasure::Refusal::path);
     return std::move(own_);
-}
-
-void FileTally::end() {
-    if (!helper_.joinable()) return;
-    {
-        const std::scoped_lock lock(lock_);
-        isFed_ = false;
-    }
-    changed_.notify_one();
-    helper_.join();
-}
-
-void FileTally::startHelper() {
-    if (helper_.joinable()) return;
-    try {
-        helper_ = std::thread([this] { help(); });
-    } catch (const std::system_error&) {
-        // A system that has no thread left counts on one.
-    }
-}
-
-void FileTally::help() {
-    for (;;) {
-        {
-            std::unique_lock lock(lock_);
-            changed_.wait(lock, [this] { return !waiting_.empty() || !isFed_; });
-            if (waiting_.empty()) return;
-        }
-        (void)takeOne(helped_);
-    }
-}
-
-bool FileTally::takeOne(TransferMeasure& measure) {
-    Batch batch;
-    {
-        const std::scoped_lock lock(lock_);
-        if (waiting_.empty()) return false;
-        batch = std::move(waiting_.front());
-        waiting_.pop_front();
-    }
-    if (goesOn_()) look(batch.folder.get(), batch.path, batch.names, measure);
-    return true;
 }
 
 void FileTally::look(int folder, const std::string& path, const Names& names,

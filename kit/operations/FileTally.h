@@ -3,15 +3,12 @@
 #include "base/OwnedFd.h"
 #include "listing/FileStatus.h"
 #include "listing/FileSystemTraits.h"
+#include "operations/HelpedQueue.h"
 #include "operations/TransferMeasure.h"
 
-#include <condition_variable>
 #include <cstddef>
-#include <deque>
 #include <functional>
-#include <mutex>
 #include <string>
-#include <thread>
 
 namespace ombrel {
 
@@ -21,9 +18,6 @@ class FileTally {
 public:
     /// `goesOn` is called on both threads.
     FileTally(const FileSystemTraits& target, std::function<bool()> goesOn);
-    FileTally(const FileTally&) = delete;
-    FileTally& operator=(const FileTally&) = delete;
-    ~FileTally();
 
     /// Names in one folder, each ended by a zero.
     struct Names {
@@ -48,29 +42,17 @@ private:
         Names names;
     };
 
-    void startHelper();
-    void help();
-    void end();
-    [[nodiscard]] bool takeOne(TransferMeasure& measure);
     void look(int folder, const std::string& path, const Names& names, TransferMeasure& measure) const;
     void count(const FileStatus& status, const std::string& path, const char* name,
                TransferMeasure& measure) const;
 
     /// Fewer files are looked at at once.
     static constexpr std::size_t fewestForTwo = 32;
-    static constexpr std::size_t longestQueue = 16; // bounds the descriptors that wait in it
 
     const FileSystemTraits& target_;
     const std::function<bool()> goesOn_;
-    TransferMeasure own_;
-
-    std::mutex lock_; // guards what follows
-    std::condition_variable changed_;
-    std::deque<Batch> waiting_;
-    TransferMeasure helped_; // by the other thread
-    bool isFed_ = true;
-
-    std::thread helper_;
+    TransferMeasure own_, helped_; // by either thread
+    HelpedQueue<Batch> queue_;     // last, so that it ends before what it uses
 };
 
 } // namespace ombrel

@@ -1,18 +1,14 @@
 #include "operations/PairChecker.h"
 
 #include <algorithm>
-#include <system_error>
 #include <utility>
 
 namespace ombrel {
 
 PairChecker::PairChecker(FilePairComparison::Settings settings, const MetadataSupport& support,
                          std::function<bool()> goesOn)
-    : settings_(settings), support_(support), goesOn_(std::move(goesOn)), own_(settings, goesOn_) {}
-
-PairChecker::~PairChecker() {
-    abandon();
-}
+    : settings_(settings), support_(support), goesOn_(std::move(goesOn)), own_(settings, goesOn_),
+      queue_([this](const Batch& batch, Hand hand) { compare(batch, hand); }) {}
 
 void PairChecker::add(const std::shared_ptr<const FolderPair>& folders, Names names, std::int64_t size,
                       FilePairComparison::Known known, std::int64_t from) {
@@ -37,11 +33,11 @@ void PairChecker::addPiece(const std::shared_ptr<const FolderPair>& folders, Nam
 void PairChecker::add(Work work) {
     Batch batch;
     batch.work = std::move(work);
-    handOver(std::move(batch));
+    queue_.add(std::move(batch));
 }
 
 void PairChecker::share(Work work) {
-    startHelper();
+    queue_.callHelper();
     add(std::move(work));
 }
 
@@ -51,68 +47,20 @@ void PairChecker::note(Verification result) {
 }
 
 void PairChecker::handOver() {
-    if (!open_.pairs.empty()) handOver(std::exchange(open_, {}));
+    if (!open_.pairs.empty()) queue_.add(std::exchange(open_, {}));
 }
 
-void PairChecker::handOver(Batch batch) {
-    bool isFull = false, isOnly = false;
+void PairChecker::compare(const Batch& batch, Hand hand) {
     {
         const std::scoped_lock lock(lock_);
-        isFull = waiting_.size() >= longestQueue;
-        isOnly = waiting_.empty();
-        waiting_.push_back(std::move(batch));
+        if (worst_ == Verification::different) return;
     }
-    // One batch may be all there is, and then the other thread is not worth its start.
-    if (!isOnly) startHelper();
-    changed_.notify_all();
-    // The queue bounds the descriptors that wait in it.
-    if (isFull) (void)takeOne(own_);
+    const bool isOwn = hand == Hand::owner;
+    if (!isOwn && !helper_) helper_.emplace(settings_, goesOn_);
+    note(outcomeOf(batch, isOwn ? own_ : *helper_));
 }
 
-void PairChecker::startHelper() {
-    if (worker_.joinable()) return;
-    try {
-        worker_ = std::jthread([this](const std::stop_token& stop) { work(stop); });
-    } catch (const std::system_error&) {
-        // A system that has no thread left compares on one.
-    }
-}
-
-void PairChecker::work(const std::stop_token& stop) {
-    FilePairComparison comparison(settings_, goesOn_);
-    while (!stop.stop_requested()) {
-        {
-            std::unique_lock lock(lock_);
-            if (!changed_.wait(lock, stop, [&] { return !waiting_.empty(); })) return;
-            isBusy_ = true;
-        }
-        (void)takeOne(comparison);
-        {
-            const std::scoped_lock lock(lock_);
-            isBusy_ = false;
-        }
-        changed_.notify_all();
-    }
-}
-
-bool PairChecker::takeOne(FilePairComparison& comparison) {
-    Batch batch;
-    bool isNeeded = false;
-    {
-        const std::scoped_lock lock(lock_);
-        if (waiting_.empty()) return false;
-        batch = std::move(waiting_.front());
-        waiting_.pop_front();
-        isNeeded = worst_ != Verification::different;
-    }
-    if (!isNeeded) return true;
-    const Verification result = compare(batch, comparison);
-    const std::scoped_lock lock(lock_);
-    worst_ = worse(worst_, result);
-    return true;
-}
-
-Verification PairChecker::compare(const Batch& batch, FilePairComparison& comparison) {
+Verification PairChecker::outcomeOf(const Batch& batch, FilePairComparison& comparison) {
     if (batch.work) return batch.work(comparison);
     Verification worst = Verification::identical;
     const int source = batch.folders->source.get(), copy = batch.folders->copy.get();
@@ -127,34 +75,24 @@ Verification PairChecker::compare(const Batch& batch, FilePairComparison& compar
 }
 
 Verification PairChecker::finish() {
-    // What is left may be little: then the other thread need not be woken.
-    if (!worker_.joinable() && !open_.pairs.empty()) {
-        const std::scoped_lock lock(lock_);
-        waiting_.push_back(std::exchange(open_, {}));
-    } else {
-        handOver();
-    }
-    while (compareSome()) {
-    }
-    waitUntilIdle();
+    handOver();
+    queue_.finish();
     const std::scoped_lock lock(lock_);
     return std::exchange(worst_, Verification::identical);
 }
 
 bool PairChecker::compareSome() {
-    return takeOne(own_);
+    return queue_.doOne();
 }
 
 void PairChecker::waitUntilIdle() {
-    std::unique_lock lock(lock_);
-    changed_.wait(lock, [&] { return !isBusy_ && waiting_.empty(); });
+    queue_.waitUntilIdle();
 }
 
 void PairChecker::abandon() {
     open_ = {};
-    std::unique_lock lock(lock_);
-    waiting_.clear();
-    changed_.wait(lock, [&] { return !isBusy_; });
+    queue_.clear();
+    const std::scoped_lock lock(lock_);
     worst_ = Verification::identical;
 }
 

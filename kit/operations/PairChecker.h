@@ -2,15 +2,13 @@
 
 #include "base/OwnedFd.h"
 #include "operations/FilePair.h"
+#include "operations/HelpedQueue.h"
 
-#include <condition_variable>
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <stop_token>
-#include <thread>
+#include <optional>
 #include <vector>
 
 namespace ombrel {
@@ -22,14 +20,12 @@ struct FolderPair {
 };
 
 /// Compares files with their copies on a second thread, while the first goes on copying; at the end both
-/// compare. Fed and finished on one thread.
+/// compare. Fed and finished on one thread; what is not compared at the end of its life is dropped.
 class PairChecker {
 public:
     /// `goesOn` is called on both threads: it waits while the job is paused and says whether it goes on.
     PairChecker(FilePairComparison::Settings settings, const MetadataSupport& support,
                 std::function<bool()> goesOn);
-    /// Abandons what is not compared yet.
-    ~PairChecker();
 
     /// Bytes of a large file that are compared at a time.
     static constexpr std::int64_t pieceBytes = std::int64_t{32} << 20;
@@ -79,29 +75,24 @@ private:
         std::int64_t bytes = 0;
     };
 
+    using Hand = HelpedQueue<Batch>::Hand;
     void handOver();
-    void handOver(Batch batch);
-    void startHelper();
-    void work(const std::stop_token& stop);
-    [[nodiscard]] bool takeOne(FilePairComparison& comparison);
-    [[nodiscard]] Verification compare(const Batch& batch, FilePairComparison& comparison);
+    void compare(const Batch& batch, Hand hand);
+    [[nodiscard]] Verification outcomeOf(const Batch& batch, FilePairComparison& comparison);
 
     static constexpr std::size_t pairsPerBatch = 64;
-    static constexpr std::size_t longestQueue = 16;
 
     const FilePairComparison::Settings settings_;
     const MetadataSupport& support_;
     const std::function<bool()> goesOn_;
     Batch open_;
-    FilePairComparison own_; // of the thread that feeds
+    FilePairComparison own_;                   // of the thread that feeds
+    std::optional<FilePairComparison> helper_; // made and used by the other
 
     std::mutex lock_; // guards what follows
-    std::condition_variable_any changed_;
-    std::deque<Batch> waiting_;
-    bool isBusy_ = false;
     Verification worst_ = Verification::identical;
 
-    std::jthread worker_; // last, so that it ends before what it uses
+    HelpedQueue<Batch> queue_; // last, so that it ends before what it uses
 };
 
 } // namespace ombrel

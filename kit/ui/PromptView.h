@@ -6,6 +6,8 @@
 namespace ombrel {
 
 /// The question of a job as it stands in the job's card, below its title. Gone when it has been answered.
+/// It comes unasked, so at first its buttons let clicks and keys pass that were meant for what was there
+/// before: the rest of a double click, or what somebody was typing.
 class PromptView : public QWidget {
     Q_OBJECT
 
@@ -17,6 +19,15 @@ public:
     [[nodiscard]] virtual QString message() const = 0;
     /// Puts the focus on the answer that destroys nothing.
     virtual void focusSafeAnswer() = 0;
+
+    [[nodiscard]] bool takesAnswers() const noexcept { return takesAnswers_; }
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    bool takesAnswers_ = false;
 };
 
 } // namespace ombrel

@@ -375,6 +375,7 @@ std::chrono::milliseconds Theme::delay(ThemeDelay token) {
     case ThemeDelay::springBranch: return milliseconds(600);
     case ThemeDelay::springTab: return milliseconds(500);
     case ThemeDelay::selectionQuiet: return milliseconds(120);
+    case ThemeDelay::promptAnswers: return milliseconds(400);
     }
     std::unreachable();
 }

@@ -261,6 +261,7 @@ enum class ThemeDelay : std::uint8_t {
     springBranch, ///< of the navigation tree
     springTab,
     selectionQuiet, ///< the selection rests until the details pane follows
+    promptAnswers,  ///< a question is shown until its buttons take clicks and keys
 };
 
 /// What the desktop says about how things should look.
