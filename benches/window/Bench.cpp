@@ -174,8 +174,11 @@ void WindowBench::measureMemory() {
     std::map<Contender*, std::vector<ProcessFacts::Memory>> held;
     const auto all = contenders();
     for (int round = 0; round < longRounds; ++round)
-        for (Contender* const each : all)
+        for (Contender* const each : all) {
+            // Each is measured as the first of its kind on the display.
+            display_.forgetVisuals();
             if (const auto memory = each->memoryOver(folderOf(0))) held[each].push_back(*memory);
+        }
     const auto medianOf = [&held](Contender* which, double ProcessFacts::Memory::* part) {
         std::vector<double> values;
         for (const auto& memory : held[which])
@@ -193,6 +196,10 @@ void WindowBench::measureMemory() {
             leanest = each;
     }
     report_->note(line);
+    if (leanest && leanest->memoryOver(folderOf(0)))
+        if (const auto memory = leanest->memoryOver(folderOf(0)))
+            report_->note(leanest->name() + " as the second of its toolkit on the display: " +
+                          inMebibytes(memory->resident) + " / " + inMebibytes(memory->proportional));
     const auto row = [&](const char* figure, double ProcessFacts::Memory::* part, double target) {
         if (!leanest) return report_->gap(figure, "the leanest peer", "no peer here");
         report_->share(figure, leanest->name() + ", the leanest", medianOf(&ours(), part) / mebibyte,

@@ -89,6 +89,13 @@ void Display::startManager() {
     fail("the window manager does not start");
 }
 
+void Display::forgetVisuals() const {
+    const Process removing(
+        {"/bin/sh", "-c", "\"$0\" -root -remove GDK_VISUALS; echo done >&3", needed("xprop")},
+        {"DISPLAY=" + name_});
+    (void)removing.readLine();
+}
+
 Picture Display::picture() const {
     Picture taken{.width = width_, .height = height_, .pixels = {}};
     taken.pixels.reserve(static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_));

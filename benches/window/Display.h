@@ -41,6 +41,10 @@ public:
     /// How many pixels differ from a picture of this display.
     [[nodiscard]] std::size_t differences(const Picture& from) const;
 
+    /// Drops what a program of GTK leaves on the display for those that come after it: a list of visuals, for
+    /// which each would load the libraries of GL otherwise and keep them.
+    void forgetVisuals() const;
+
 private:
     void map(const std::string& file);
     void startManager();

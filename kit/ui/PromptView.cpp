@@ -4,20 +4,23 @@
 
 #include <QAbstractButton>
 #include <QKeyEvent>
-#include <QTimer>
 
 namespace ombrel {
 
+bool PromptView::takesAnswers() const {
+    return shown_.isValid() && shown_.hasExpired(Theme::delay(ThemeDelay::promptAnswers).count());
+}
+
 void PromptView::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
-    if (takesAnswers_) return;
+    if (shown_.isValid()) return;
+    shown_.start();
     for (auto* const button : findChildren<QAbstractButton*>())
         button->installEventFilter(this);
-    QTimer::singleShot(Theme::delay(ThemeDelay::promptAnswers), this, [this] { takesAnswers_ = true; });
 }
 
 bool PromptView::eventFilter(QObject* watched, QEvent* event) {
-    if (!takesAnswers_) {
+    if (!takesAnswers()) {
         switch (event->type()) {
         case QEvent::MouseButtonPress:
         case QEvent::MouseButtonDblClick: return true;

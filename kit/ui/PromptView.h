@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QString>
 #include <QWidget>
 
@@ -20,14 +21,14 @@ public:
     /// Puts the focus on the answer that destroys nothing.
     virtual void focusSafeAnswer() = 0;
 
-    [[nodiscard]] bool takesAnswers() const noexcept { return takesAnswers_; }
+    [[nodiscard]] bool takesAnswers() const;
 
 protected:
     void showEvent(QShowEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    bool takesAnswers_ = false;
+    QElapsedTimer shown_;
 };
 
 } // namespace ombrel

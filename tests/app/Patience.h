@@ -7,8 +7,8 @@
 
 namespace ombrel::testing {
 
-/// Looks again and again, ever less often, until `isThere`; gives up after half a minute, which a machine
-/// that is busy with other things may need.
+/// Looks again and again, ever less often, until `isThere`; gives up after a minute and a half, which a
+/// machine that is busy with other things may need.
 inline bool comesTrue(const std::function<bool()>& isThere) {
     using namespace std::chrono_literals;
     const auto end = std::chrono::steady_clock::now() + 90s;

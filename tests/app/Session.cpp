@@ -6,10 +6,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <optional>
 #include <sstream>
 #include <stdexcept>
+#include <thread>
 #include <utility>
 
 namespace ombrel::testing {
@@ -34,6 +36,8 @@ std::unique_ptr<Stage> stage;
 
 constexpr auto worldFolders = {"home", "config", "config/HalvaneOmbrel", "data", "cache", "state", "run"};
 constexpr auto settingsName = "config/HalvaneOmbrel/settings.json";
+
+constexpr std::chrono::milliseconds readingTime(600);
 
 /// The place of the list's rows in the accessible name: what follows is type, date and size.
 std::string nameIn(const std::string& spoken) {
@@ -232,6 +236,8 @@ void Session::clickAnywhere(const std::string& button) {
         }
         return false;
     });
+    // What comes up unasked takes no clicks before it can have been read.
+    std::this_thread::sleep_for(readingTime);
     desktop().clickAt(at);
 }
 
