@@ -10,13 +10,11 @@
 #include "ui/GlyphButton.h"
 #include "ui/LocalizedText.h"
 #include "ui/LocationLook.h"
-#include "ui/Theme.h"
 
 #include <QFocusEvent>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QStyle>
 
 #include <utility>
 
@@ -33,8 +31,8 @@ QString menuText(std::string_view path) {
 
 AddressBar::AddressBar(BrowserTabsModel& tabs, AppServices& services, const Theme& theme, FileURL home,
                        QWidget* parent)
-    : QWidget(parent), tabs_(&tabs), pane_(tabs), services_(&services), theme_(&theme),
-      home_(std::move(home)), crumbs_(new CrumbBar(theme, this)),
+    : FieldFrame(theme, parent), tabs_(&tabs), pane_(tabs), services_(&services), home_(std::move(home)),
+      crumbs_(new CrumbBar(theme, this)),
       field_(new AddressField(
           theme, home_, [this]() -> AddressField::Base { return {pane_->currentURL(), pane_->filter()}; },
           this)),
@@ -69,7 +67,6 @@ AddressBar::AddressBar(BrowserTabsModel& tabs, AppServices& services, const Them
     connect(field_, &QLineEdit::textChanged, this, &AddressBar::clearError);
     connect(&services.volumes(), &VolumeMonitor::volumesChanged, this, &AddressBar::follow);
     connect(&services.access(), &AccessManager::grantsChanged, this, &AddressBar::follow);
-    connect(&theme, &Theme::changed, this, &AddressBar::arrange);
     pane_.follow([this](BrowserModel& pane, QObject& context) { followPane(pane, context); });
 }
 
@@ -165,7 +162,7 @@ bool AddressBar::eventFilter(QObject* watched, QEvent* event) {
                 },
                 Qt::QueuedConnection);
     }
-    return QWidget::eventFilter(watched, event);
+    return FieldFrame::eventFilter(watched, event);
 }
 
 // ---- Lists and menus
@@ -216,9 +213,6 @@ QSize AddressBar::sizeHint() const {
 void AddressBar::arrange() {
     const int space = theme_->size(ThemeSize::space8), icon = theme_->size(ThemeSize::smallIcon);
     const int button = theme_->size(ThemeSize::smallButton);
-    const auto mirrored = [&](const QRect& part) {
-        return QStyle::visualRect(layoutDirection(), rect(), part);
-    };
     const int left = space + theme_->size(ThemeSize::space2) + icon + space;
     const int right = width() - theme_->size(ThemeSize::space4) - button;
     const int inset = theme_->size(ThemeSize::focusRing);
@@ -229,16 +223,6 @@ void AddressBar::arrange() {
     update();
 }
 
-void AddressBar::resizeEvent(QResizeEvent* event) {
-    QWidget::resizeEvent(event);
-    arrange();
-}
-
-void AddressBar::changeEvent(QEvent* event) {
-    QWidget::changeEvent(event);
-    if (event->type() == QEvent::LayoutDirectionChange) arrange();
-}
-
 void AddressBar::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) return event->ignore();
     edit();
@@ -246,21 +230,14 @@ void AddressBar::mousePressEvent(QMouseEvent* event) {
 
 void AddressBar::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const double line = isEditing() ? theme_->size(ThemeSize::focusRing) : theme_->size(ThemeSize::hairline);
-    const auto edge = !error_->isHidden() ? ThemeColor::danger
-                      : isEditing()       ? ThemeColor::accent
-                                          : ThemeColor::border;
-    const int radius = theme_->size(ThemeSize::radiusField);
-    painter.setPen(QPen(theme_->color(edge), line));
-    painter.setBrush(theme_->color(ThemeColor::surface));
-    const double half = line / 2;
-    painter.drawRoundedRect(QRectF(rect()).adjusted(half, half, -half, -half), radius, radius);
+    const auto outline = !error_->isHidden() ? ThemeColor::danger
+                         : isEditing()       ? ThemeColor::accent
+                                             : ThemeColor::border;
+    paintFrame(painter, outline, isEditing());
     const int icon = theme_->size(ThemeSize::smallIcon);
     const QRect box(theme_->size(ThemeSize::space8) + theme_->size(ThemeSize::space2), (height() - icon) / 2,
                     icon, icon);
-    LocationLook::drawIcon(painter, *theme_, *pane_, QStyle::visualRect(layoutDirection(), rect(), box),
-                           ThemeColor::text);
+    LocationLook::drawIcon(painter, *theme_, *pane_, mirrored(box), ThemeColor::text);
 }
 
 } // namespace ombrel

@@ -2,10 +2,10 @@
 
 #include "base/FileURL.h"
 #include "ui/ActivePane.h"
+#include "ui/FieldFrame.h"
 
 #include <QPointer>
 #include <QString>
-#include <QWidget>
 
 namespace ombrel {
 
@@ -16,11 +16,10 @@ class BrowserTabsModel;
 class CrumbBar;
 class FolderList;
 class GlyphButton;
-class Theme;
 
 /// Where the active tab is: as crumbs, or, while an address is typed, as a text field. A refused address
 /// keeps the field, with the reason under it.
-class AddressBar final : public QWidget {
+class AddressBar final : public FieldFrame {
     Q_OBJECT
 
 public:
@@ -44,16 +43,14 @@ Q_SIGNALS:
     void openInNewWindowRequested(const ombrel::FileURL& folder);
 
 protected:
+    void arrange() override;
     void paintEvent(QPaintEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
-    void changeEvent(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void followPane(BrowserModel& pane, QObject& context);
     void follow();
-    void arrange();
     void stopEditing();
     void enter();
     void refuse(const QString& message);
@@ -66,7 +63,6 @@ private:
     BrowserTabsModel* tabs_;
     ActivePane pane_;
     AppServices* services_;
-    const Theme* theme_;
     FileURL home_;
     CrumbBar* crumbs_;
     AddressField* field_;

@@ -103,8 +103,19 @@ void ProgressFrame::fit() {
     const int wanted = column_->heightFor(width());
     const auto* const at = screen();
     const int most = at ? static_cast<int>(at->availableGeometry().height() * largestShare) : wanted;
+    const int before = height();
     setFixedHeight(std::max(1, std::min(wanted, most)));
     column_->update();
+    if (height() <= before) return;
+    grown_.start();
+    keepOnScreen();
+}
+
+void ProgressFrame::keepOnScreen() {
+    if (!isVisible() || !screen()) return;
+    const QRect area = screen()->availableGeometry(), frame = frameGeometry();
+    const int y = std::max(area.top(), std::min(frame.top(), area.bottom() + 1 - frame.height()));
+    if (y < frame.top()) move(frame.left(), y);
 }
 
 void ProgressFrame::closeEvent(QCloseEvent* event) {
@@ -123,6 +134,14 @@ void ProgressFrame::keyPressEvent(QKeyEvent* event) {
 void ProgressFrame::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     if (event->oldSize().width() != event->size().width()) fit();
+}
+
+void ProgressFrame::moveEvent(QMoveEvent* event) {
+    QWidget::moveEvent(event);
+    // The place that the window manager has found for the height that it had is told a little later. Where
+    // the user moves it, it stays.
+    constexpr qint64 longestAnswer = 1000;
+    if (grown_.isValid() && !grown_.hasExpired(longestAnswer)) keepOnScreen();
 }
 
 bool ProgressFrame::eventFilter(QObject* watched, QEvent* event) {

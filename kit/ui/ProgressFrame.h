@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QWidget>
 
 #include <vector>
@@ -11,7 +12,7 @@ namespace ombrel {
 class Theme;
 
 /// The window that the cards stand in, below one another: as high as they are, up to most of the screen, then
-/// it scrolls. Closing it hides it.
+/// it scrolls. What it grows by goes up where there is no room below. Closing it hides it.
 class ProgressFrame final : public QWidget {
     Q_OBJECT
 
@@ -36,17 +37,20 @@ protected:
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     class Column;
 
     void fit();
+    void keepOnScreen();
 
     const Theme* theme_;
     QScrollArea* scroll_;
     Column* column_;
     std::vector<QWidget*> cards_;
+    QElapsedTimer grown_; ///< since it has become higher
 };
 
 } // namespace ombrel

@@ -3,13 +3,11 @@
 #include "browser/BrowserTabsModel.h"
 #include "ui/GlyphButton.h"
 #include "ui/LocalizedText.h"
-#include "ui/Theme.h"
 
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QStyle>
 
 #include <chrono>
 
@@ -23,7 +21,7 @@ constexpr qsizetype fewestCharacters = 2;
 } // namespace
 
 SearchField::SearchField(BrowserTabsModel& tabs, const Theme& theme, QWidget* parent)
-    : QWidget(parent), pane_(tabs), theme_(&theme), field_(new QLineEdit(this)),
+    : FieldFrame(theme, parent), pane_(tabs), field_(new QLineEdit(this)),
       clear_(new GlyphButton(theme, Glyph::close, ThemeSize::smallButton, this)) {
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     field_->setFrame(false);
@@ -43,7 +41,6 @@ SearchField::SearchField(BrowserTabsModel& tabs, const Theme& theme, QWidget* pa
         arrange();
     });
     connect(clear_, &QAbstractButton::clicked, this, &SearchField::clear);
-    connect(&theme, &Theme::changed, this, &SearchField::arrange);
     pane_.follow([this](BrowserModel& pane, QObject& context) { followPane(pane, context); });
     arrange();
 }
@@ -103,7 +100,7 @@ void SearchField::focus() {
 }
 
 bool SearchField::eventFilter(QObject* watched, QEvent* event) {
-    if (watched != field_) return QWidget::eventFilter(watched, event);
+    if (watched != field_) return FieldFrame::eventFilter(watched, event);
     switch (event->type()) {
     case QEvent::FocusIn:
         pane_->setTextEditing(true);
@@ -133,7 +130,7 @@ bool SearchField::eventFilter(QObject* watched, QEvent* event) {
     }
     default: break;
     }
-    return QWidget::eventFilter(watched, event);
+    return FieldFrame::eventFilter(watched, event);
 }
 
 // ---- How it looks
@@ -155,22 +152,9 @@ void SearchField::arrange() {
     const int left =
         theme_->size(ThemeSize::space12) + theme_->size(ThemeSize::glyph) + theme_->size(ThemeSize::space4);
     const int right = width() - theme_->size(ThemeSize::space4) - (clear_->isHidden() ? 0 : button);
-    const auto mirrored = [&](const QRect& part) {
-        return QStyle::visualRect(layoutDirection(), rect(), part);
-    };
     field_->setGeometry(mirrored(QRect(left, inset, right - left, height() - 2 * inset)));
     clear_->setGeometry(mirrored(QRect(right, (height() - button) / 2, button, button)));
     update();
-}
-
-void SearchField::resizeEvent(QResizeEvent* event) {
-    QWidget::resizeEvent(event);
-    arrange();
-}
-
-void SearchField::changeEvent(QEvent* event) {
-    QWidget::changeEvent(event);
-    if (event->type() == QEvent::LayoutDirectionChange) arrange();
 }
 
 void SearchField::mousePressEvent(QMouseEvent* event) {
@@ -179,18 +163,12 @@ void SearchField::mousePressEvent(QMouseEvent* event) {
 
 void SearchField::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
     const bool hasKeyboard = field_->hasFocus();
-    const double line = theme_->size(hasKeyboard ? ThemeSize::focusRing : ThemeSize::hairline);
-    painter.setPen(QPen(theme_->color(hasKeyboard ? ThemeColor::accent : ThemeColor::border), line));
-    painter.setBrush(theme_->color(ThemeColor::surface));
-    const int radius = theme_->size(ThemeSize::radiusField);
-    painter.drawRoundedRect(QRectF(rect()).adjusted(line / 2, line / 2, -line / 2, -line / 2), radius,
-                            radius);
+    paintFrame(painter, hasKeyboard ? ThemeColor::accent : ThemeColor::border, hasKeyboard);
     const int glyph = theme_->size(ThemeSize::glyph);
     const QRect box(theme_->size(ThemeSize::space12) - theme_->size(ThemeSize::space2),
                     (height() - glyph) / 2, glyph, glyph);
-    Glyphs::draw(painter, Glyph::search, QStyle::visualRect(layoutDirection(), rect(), box),
+    Glyphs::draw(painter, Glyph::search, mirrored(box),
                  theme_->color(isEnabled() ? ThemeColor::textSecondary : ThemeColor::textDisabled));
 }
 

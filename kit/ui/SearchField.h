@@ -1,9 +1,9 @@
 #pragma once
 
 #include "ui/ActivePane.h"
+#include "ui/FieldFrame.h"
 
 #include <QTimer>
-#include <QWidget>
 
 class QLineEdit;
 
@@ -11,11 +11,10 @@ namespace ombrel {
 
 class BrowserTabsModel;
 class GlyphButton;
-class Theme;
 
 /// The field that searches below the folder of the active tab: on Enter, and by itself once the typing rests.
 /// Emptied, it leads back to the folder.
-class SearchField final : public QWidget {
+class SearchField final : public FieldFrame {
     Q_OBJECT
 
 public:
@@ -32,24 +31,21 @@ Q_SIGNALS:
     void finished();
 
 protected:
+    void arrange() override;
     void paintEvent(QPaintEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
-    void changeEvent(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void followPane(BrowserModel& pane, QObject& context);
     void follow();
     void refreshAbility();
-    void arrange();
     void takeText(const QString& text);
     void search();
     void clear();
     void focus();
 
     ActivePane pane_;
-    const Theme* theme_;
     QLineEdit* field_;
     GlyphButton* clear_;
     QTimer rest_; ///< since the last key

@@ -222,8 +222,18 @@ void Session::click(Role role, const std::string& name, Match match, int times) 
 }
 
 void Session::clickAnywhere(const std::string& button) {
+    // What comes up unasked takes no clicks before it can have been read.
+    QPoint at;
+    do {
+        at = placeAnywhere(button);
+        std::this_thread::sleep_for(readingTime);
+    } while (placeAnywhere(button) != at);
+    desktop().clickAt(at);
+}
+
+QPoint Session::placeAnywhere(const std::string& button) {
     // Who shows a window learns a little later where the window manager has put it, and may err by its frame.
-    QPoint at, seen;
+    QPoint at;
     wait("“" + button + "” in a window that has its place", [&] {
         const auto places = desktop().windowPlaces("ombrel");
         for (const Thing& each : reader().windows()) {
@@ -232,13 +242,11 @@ void Session::clickAnywhere(const std::string& button) {
             const auto shown = std::ranges::find(places, each.place.size(), &QRect::size);
             if (!found->isEnabled || shown == places.end()) return false;
             at = shown->topLeft() + middle(*found) - each.place.topLeft();
-            return std::exchange(seen, at) == at;
+            return true;
         }
         return false;
     });
-    // What comes up unasked takes no clicks before it can have been read.
-    std::this_thread::sleep_for(readingTime);
-    desktop().clickAt(at);
+    return at;
 }
 
 void Session::clickRow(const std::string& name, int times) {

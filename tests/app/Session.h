@@ -68,6 +68,8 @@ protected:
     static void clickRow(const std::string& name, int times = 1);
     /// A button of whichever window, which may just be coming up: once it stays where it is.
     static void clickAnywhere(const std::string& button);
+    /// Where it is on the display.
+    [[nodiscard]] static QPoint placeAnywhere(const std::string& button);
     static void key(const std::string& name) { desktop().key(name); }
     /// Into the field, in place of what is selected there; waits until it reads `whole`, `text` if that is
     /// empty.

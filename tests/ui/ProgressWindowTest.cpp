@@ -223,6 +223,22 @@ TEST_F(ProgressWindowTest, ConflictsAreAnsweredByKeysAndByMouse) {
     EXPECT_EQ(tree.contents("to/free"), "new free");
 }
 
+TEST_F(ProgressWindowTest, GrowsUpwardsAtTheBottomOfTheScreen) {
+    tree.file("file", "new");
+    tree.folder("to/file");
+    Holdup end;
+    center.run(end.plan(tree.url("from/a")));
+    ASSERT_TRUE(runUntil([&] { return window.isVisible(); }));
+    const QRect area = window.screen()->availableGeometry();
+    window.move(area.left(), area.bottom() + 1 - window.frameGeometry().height());
+    const int low = window.y();
+    copy({"file"});
+    ASSERT_TRUE(waitForCard(QStringLiteral("Replace")));
+    EXPECT_LT(window.y(), low);
+    EXPECT_TRUE(area.contains(window.frameGeometry()));
+    end.end();
+}
+
 TEST_F(ProgressWindowTest, OneAnswerStandsForTheOtherConflictsToo) {
     tree.folder("dir");
     tree.file("file", "new");
