@@ -254,22 +254,28 @@ void ThumbnailStore::State::end(const Key& key, QImage image) {
 
 void ThumbnailStore::State::take(Answer answer) {
     const auto search = searches.find(answer.job.key);
-    const bool isMeant = search != searches.end() && search->second.original == answer.job.original &&
-                         search->second.stage == answer.job.stage;
+    const bool isWanted = search != searches.end() && search->second.original == answer.job.original;
+    const bool isMeant = isWanted && search->second.stage == answer.job.stage;
     switch (answer.outcome) {
     case Outcome::found:
+        if (isWanted) return end(answer.job.key, std::move(answer.image));
+        // Nobody waits for it any more, but it has been made.
+        keep(answer.job, std::move(answer.image));
+        break;
     case Outcome::none:
         if (isMeant) return end(answer.job.key, std::move(answer.image));
-        // Nobody waits for it any more, but it has been made.
-        if (answer.outcome == Outcome::found) keep(answer.job, std::move(answer.image));
-        return;
+        break;
     case Outcome::changed:
         // The listing will tell of the new state, and then it is asked for again.
-        if (isMeant) end(answer.job.key, {});
-        return;
+        if (isMeant) return end(answer.job.key, {});
+        break;
     case Outcome::missing: break;
     }
-    if (!isMeant) return;
+    // A search that began anew meanwhile has waited for the worker to let go of the file.
+    if (!isMeant) {
+        if (search != searches.end()) searchWanted();
+        return;
+    }
     Job& job = search->second;
     const bool canMake = ImageThumbnails::canMake(job.original.type);
     if (job.stage == Stage::find && setting.asksService) {

@@ -8,7 +8,10 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
+#include <atomic>
 #include <filesystem>
+#include <memory>
+#include <semaphore>
 
 namespace ombrel {
 namespace {
@@ -115,6 +118,31 @@ TEST_F(Thumbnails, OfNetworkVolumesAreThoseInTheCacheAlone) {
     EXPECT_FALSE(std::filesystem::exists(placeOf("new.png", "normal")));
     // Better a small one than none.
     EXPECT_EQ(wait(store, "kept.png", {224, 192}).size(), QSize(128, 96));
+}
+
+TEST_F(Thumbnails, ComeToWhoeverLooksAgainWhileTheyAreLookedFor) {
+    image("a.png");
+    list();
+    auto asking = setting();
+    asking.asksService = true;
+    // The second look into the cache, for what no service makes, lasts.
+    const auto looks = std::make_shared<std::atomic<int>>(0);
+    const auto mayGoOn = std::make_shared<std::binary_semaphore>(0);
+    asking.isOnNetwork = [looks, mayGoOn](const FileURL&) {
+        if (++*looks == 2) mayGoOn->acquire();
+        return false;
+    };
+    ThumbnailStore store(std::move(asking));
+    const ThumbnailStore::Request request{item("a.png"), box};
+    store.want(viewer, {&request, 1});
+    ASSERT_TRUE(runUntil([&] { return *looks == 2; }));
+    store.want(viewer, {});
+    EXPECT_TRUE(store.isSettled());
+    store.want(viewer, {&request, 1});
+    mayGoOn->release();
+    EXPECT_TRUE(runUntil([&] { return store.isKnown(request.item, box); }));
+    EXPECT_TRUE(store.isSettled());
+    EXPECT_FALSE(store.thumbnail(request.item, box).isNull());
 }
 
 TEST_F(Thumbnails, AreMadeAnewWhereTheCacheHoldsSmallerOnes) {
