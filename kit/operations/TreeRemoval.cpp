@@ -59,13 +59,10 @@ std::expected<ItemOutcome, FileOperationError> TreeRemoval::attempt() {
     const auto holderStatus = POSIX::status(holder->get());
     if (!holderStatus) return std::unexpected(Error::from(holderStatus.error()));
     trail_.emplace(std::move(*holder), *holderStatus);
+    identity_ = source->status().identity;
 
     const char* name = source->name().c_str();
     Step step = source->status().isDirectory() ? removeFolder(name, top_) : removeFile(name);
-    if (!levels_.empty() && trail_->status().identity != source->status().identity) {
-        unwind();
-        return std::unexpected(Error::Case::sourceChanged);
-    }
     while (!levels_.empty() && step != Step::stopped)
         step = advance();
     if (step == Step::stopped) {
@@ -114,7 +111,7 @@ TreeRemoval::Step TreeRemoval::removeFolder(const char* name, TreePlan::FolderIn
             countOne(name);
             return Step::done;
         }
-        if (number == ENOTDIR || number == ELOOP) return removeFile(name);
+        if (number == ENOTDIR || number == ELOOP) return levels_.empty() ? Step::stopped : removeFile(name);
         if (isRefusal(number) && !oldMode && (oldMode = relaxBelow(name))) continue;
         const Step step = ask(trail_->pathOf(name), entered.error());
         if (step == Step::again) continue;
@@ -122,7 +119,8 @@ TreeRemoval::Step TreeRemoval::removeFolder(const char* name, TreePlan::FolderIn
         return step;
     }
     levels_.push_back({.folder = folder, .oldMode = oldMode});
-    return Step::done;
+    const bool isOther = levels_.size() == 1 && trail_->status().identity != identity_;
+    return isOther ? Step::stopped : Step::done;
 }
 
 TreeRemoval::Step TreeRemoval::readFolder() {
@@ -158,7 +156,7 @@ TreeRemoval::Step TreeRemoval::finishFolder() {
         if (isNotEmpty(number) && !wasReadAnew) {
             const auto depth = levels_.size();
             const Step step = removeFolder(name.c_str(), plan_.add());
-            if (levels_.size() > depth) {
+            if (levels_.size() > depth && step != Step::stopped) {
                 level().isAnew = true;
                 if (!level().oldMode) level().oldMode = finished.oldMode;
             }
@@ -180,7 +178,7 @@ TreeRemoval::Step TreeRemoval::ask(std::string_view path, POSIXFailure failure) 
     ErrorContext context{FileOperationKind::delete_, url.value_or(item_.url), std::nullopt, error};
     context.facts.isMountPoint = failure.number == EBUSY;
     switch (run_.ask(context)) {
-    case ErrorChoice::retry: return Step::again;
+    case ErrorChoice::retry: return levels_.empty() && isReplaced() ? Step::stopped : Step::again;
     case ErrorChoice::cancel: return Step::stopped;
     case ErrorChoice::skip: break;
     }
@@ -191,6 +189,13 @@ TreeRemoval::Step TreeRemoval::ask(std::string_view path, POSIXFailure failure) 
         leftInside_.push_back(left);
     }
     return Step::left;
+}
+
+/// Whether something else has the item's name by now.
+bool TreeRemoval::isReplaced() const {
+    const std::string name(item_.url.name());
+    const auto now = POSIX::lstat(POSIX::Place{trail_->fd(), name.c_str()});
+    return now && now->identity != identity_;
 }
 
 /// Gives the owner of the present folder full access to it, when that may help: once, and not above the item

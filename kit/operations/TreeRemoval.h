@@ -31,6 +31,7 @@ public:
     [[nodiscard]] std::vector<ItemResult> remove();
 
 private:
+    /// `stopped` when the job was cancelled, or something else stands where the item was.
     enum class Step : std::uint8_t { done, again, left, stopped };
 
     /// A folder on the way down.
@@ -49,6 +50,7 @@ private:
     [[nodiscard]] Step readFolder();
     [[nodiscard]] Step finishFolder();
     [[nodiscard]] Step ask(std::string_view path, POSIXFailure failure);
+    [[nodiscard]] bool isReplaced() const;
     [[nodiscard]] bool relax();
     [[nodiscard]] std::optional<std::uint32_t> relaxBelow(const char* name);
     void restoreMode();
@@ -61,6 +63,7 @@ private:
     TreePlan::FolderIndex top_;
     JobRun& run_;
     std::optional<FolderTrail> trail_; // from the folder that holds the item
+    FileIdentity identity_;            // of the item
     std::vector<Level> levels_;        // one for each step of the trail but the first
     std::optional<ItemResult> first_;  // the first entry that was left
     std::vector<ItemResult> leftInside_;

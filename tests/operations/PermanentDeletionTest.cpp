@@ -1,6 +1,7 @@
 #include "operations/PermanentDeletion.h"
 
 #include "listing/SystemCall.h"
+#include "support/FailingCalls.h"
 #include "support/FaultAt.h"
 #include "support/ScriptedAnswers.h"
 #include "support/StrikeAt.h"
@@ -185,6 +186,58 @@ TEST(PermanentDeletion, StopsWhenTheTreeIsMovedUnderneathIt) {
     EXPECT_EQ(deleted(tree.url("top")).items[0].outcome.which(), ItemOutcome::Case::failed);
     EXPECT_EQ(tree.contents("elsewhere/d"), "kept");
     EXPECT_TRUE(tree.exists("top/d/d/d/d"));
+}
+
+// Whoever renames the folder to save what is left of it may make a new one in its place.
+TEST(PermanentDeletion, LeavesAnotherFolderThatTookTheNameMeanwhile) {
+    bool hasStruck = true;
+    int nth = 0;
+    for (constexpr int mostCalls = 200; hasStruck && nth < mostCalls;) {
+        const TempTree tree;
+        const auto reference = FileReference::sampling(sampleTree(tree, "top"));
+        const StrikeAt meddler(++nth, [&] {
+            if (::rename(tree.path("top").c_str(), tree.path("saved").c_str()) != 0) return;
+            tree.folder("top");
+            tree.file("top/kept", "k");
+        });
+        (void)deletePermanently({&reference, 1}, {});
+        hasStruck = meddler.hasStruck();
+        if (!tree.exists("saved")) continue;
+        EXPECT_EQ(tree.contents("top/kept"), "k") << nth;
+    }
+    EXPECT_GT(nth, 20);
+    EXPECT_FALSE(hasStruck);
+}
+
+// A question may stand for long.
+TEST(PermanentDeletion, LooksAgainAfterAQuestionWhetherItIsStillTheItem) {
+    for (const bool isFolder : {false, true}) {
+        const TempTree tree;
+        if (isFolder)
+            sampleTree(tree, "top");
+        else
+            tree.file("top", "old");
+        const auto reference = FileReference::sampling(tree.url("top"));
+        int asked = 0;
+        OperationHooks hooks;
+        hooks.errors = [&](const ErrorContext&, const std::stop_token&) {
+            if (++asked > 1) return ErrorDecision{};
+            (void)::rename(tree.path("top").c_str(), tree.path("saved").c_str());
+            if (isFolder) tree.folder("top");
+            tree.file(isFolder ? "top/kept" : "top", "k");
+            return ErrorDecision{ErrorChoice::retry, false};
+        };
+        OperationReport report{FileOperationKind::delete_, {}};
+        {
+            // Of the folder all but itself can be removed.
+            const auto kind = isFolder ? SystemCall::Kind::removeDirectory : SystemCall::Kind::unlink;
+            const FailingCalls failing(kind, EIO, isFolder ? 4 : 1, 1);
+            report = deletePermanently({&reference, 1}, hooks);
+        }
+        EXPECT_GE(asked, 1);
+        EXPECT_EQ(tree.contents(isFolder ? "top/kept" : "top"), "k");
+        EXPECT_EQ(report.items[0].outcome, ItemOutcome::failed(Error::Case::sourceChanged));
+    }
 }
 
 TEST(PermanentDeletion, TakesWhatAppearsInTheTreeMeanwhileToo) {
