@@ -96,7 +96,11 @@ void TransferSettlement::complete(Placed& placed) {
     }
     run_.results[placed.result].outcome = outcome;
     if (!placed.replaced) return;
-    placed.replaced->remove();
+    // Nothing has come of the item where nothing has its name any more.
+    if (outcome == ItemOutcome::failed(Error::Case::destinationMissing))
+        (void)placed.replaced->putBack();
+    else
+        placed.replaced->remove();
     tellLeftBehind(placed, placed.replaced->leftBehind());
 }
 

@@ -299,5 +299,25 @@ TEST_F(TransferRace, KeepsTheSourceWhenTheCopyIsReplacedBeforeItIsSafe) {
     EXPECT_EQ(stage.to.contents("target/item"), foreign);
 }
 
+TEST_F(TransferRace, GivesBackWhatWasReplacedWhenTheCopyIsTakenAwayBeforeItIsSafe) {
+    const auto& scenario = transferScenario("MoveAcrossReplacing");
+    const auto stage = volumes->stage(scenario);
+    TransferTrial trial(scenario, stage);
+    const auto old = stage.to.contents("target/item");
+    {
+        const StrikeAt meddler(SystemCall::Kind::flush, 1, [&] {
+            ASSERT_EQ(stage.to.contents("target/item"), stage.from.contents("item"));
+            fs::rename(stage.to.path("target/item"), stage.to.path("taken"));
+        });
+        trial.run();
+        ASSERT_TRUE(meddler.hasStruck());
+    }
+    EXPECT_EQ(trial.report().items[0].outcome,
+              ItemOutcome::failed(FileOperationError::Case::destinationMissing));
+    EXPECT_EQ(stage.from.contents("item"), "contents of item");
+    EXPECT_EQ(stage.to.contents("target/item"), old);
+    EXPECT_THAT(stage.to.names("target"), ::testing::ElementsAre("item"));
+}
+
 } // namespace
 } // namespace ombrel
