@@ -67,9 +67,11 @@ ItemTransfer::End ItemTransfer::transfer() {
             if (*done == Attempt::completed) finish(ItemOutcome::completed(targetURL()));
             if (*done == Attempt::skipped) finish(ItemOutcome::skipped());
             if (*done == Attempt::cancelled) finish(ItemOutcome::cancelled());
-            if (*done == Attempt::completed || *done == Attempt::settled)
+            if (*done == Attempt::completed || *done == Attempt::settled) {
+                noteBrought();
                 for (const auto& result : run_.leftOut())
                     run_.results.push_back(result);
+            }
             return end();
         }
         run_.dropItem();
@@ -88,6 +90,12 @@ ItemTransfer::End ItemTransfer::transfer() {
         isTold ? finish(ItemOutcome::failed(error), facts) : finish(ItemOutcome::cancelled());
         return end();
     }
+}
+
+/// It has its place now.
+void ItemTransfer::noteBrought() {
+    const auto placed = POSIX::lstat(targetPlace());
+    if (placed) run_.noteBrought(placed->identity);
 }
 
 /// One result for each name of ours that is still there.
@@ -185,7 +193,7 @@ ItemTransfer::Result<ItemTransfer::Found> ItemTransfer::resolve(const FileStatus
     context.sourceFacts = factsOf(source_->status());
     context.existingFacts = factsOf(existing);
     if (both) context.keepBothName = *both;
-    switch (run_.ask(context)) {
+    switch (run_.ask(context, existing.identity)) {
     case ConflictChoice::skip: return Found::skip;
     case ConflictChoice::cancel: return Found::cancel;
     case ConflictChoice::keepBoth: {

@@ -22,10 +22,12 @@ bool TransferRun::goesOn() {
     return job_.goesOn();
 }
 
-ConflictChoice TransferRun::ask(const ConflictContext& context) {
-    const bool isUnequal = context.sourceIsDirectory != context.existingIsDirectory;
+ConflictChoice TransferRun::ask(const ConflictContext& context, const FileIdentity& existing) {
     if (job_.isCancelled()) return ConflictChoice::cancel;
-    if (standingConflict_ && !(*standingConflict_ == ConflictChoice::replace && isUnequal))
+    const bool areFolders = context.sourceIsDirectory && context.existingIsDirectory;
+    const bool isUnequal = context.sourceIsDirectory != context.existingIsDirectory;
+    const bool isUncovered = isUnequal || (!areFolders && brought_.contains(existing));
+    if (standingConflict_ && !(*standingConflict_ == ConflictChoice::replace && isUncovered))
         return *standingConflict_;
     if (!hooks_.conflicts) return ConflictChoice::skip;
     if (beforeQuestion) beforeQuestion();

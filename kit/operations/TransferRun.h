@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Hash.h"
+#include "listing/FileStatus.h"
 #include "operations/CopyEngine.h"
 #include "operations/FileOperationFaults.h"
 #include "operations/JobRun.h"
@@ -14,6 +16,7 @@
 #include <optional>
 #include <stop_token>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace ombrel {
@@ -43,9 +46,12 @@ public:
     /// Called before a question is asked, which may take its time.
     std::function<void()> beforeQuestion;
     /// The standing answer or the caller's. A standing `replace` does not cover a folder against something
-    /// that is none. `cancel` also cancels the job.
-    [[nodiscard]] ConflictChoice ask(const ConflictContext& context);
+    /// that is none, nor what the job itself has brought: `existing` is the item in the way. `cancel` also
+    /// cancels the job.
+    [[nodiscard]] ConflictChoice ask(const ConflictContext& context, const FileIdentity& existing);
     [[nodiscard]] ErrorChoice ask(const ErrorContext& context);
+    /// An item of the job stands in its place.
+    void noteBrought(const FileIdentity& item) { brought_.insert(item); }
     void tellRemoved(const FolderRecord& folder) const {
         if (hooks_.removedFolder) hooks_.removedFolder(folder);
     }
@@ -69,6 +75,10 @@ public:
     ErrorChoice failed(const std::string& path, const FileOperationError& error) override;
 
 private:
+    struct IdentityHash {
+        std::size_t operator()(const FileIdentity& item) const { return hashOf(item.device, item.inode); }
+    };
+
     void count();
 
     JobRun job_;
@@ -76,6 +86,7 @@ private:
     std::function<bool()> goesOnAnywhere_;
     std::atomic<bool> isAbandoned_ = false; // cancelled by an answer; for other threads
     std::optional<ConflictChoice> standingConflict_;
+    std::unordered_set<FileIdentity, IdentityHash> brought_;
     std::int64_t finishedBytes_ = 0;
     std::int64_t copiedInItem_ = 0;
     FileURL source_, destination_;

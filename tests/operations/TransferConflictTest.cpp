@@ -276,6 +276,36 @@ TEST(TransferAnswers, AStandingReplaceAsksForAFolderAgainstAFile) {
     EXPECT_TRUE(tree.exists("c/kept"));
 }
 
+// Of items that lie in many folders several may have one name.
+TEST(TransferAnswers, AStandingReplaceAsksBeforeItCoversWhatTheJobItselfBrought) {
+    for (const auto kind : {Kind::copy, Kind::move}) {
+        for (const bool isAcross : {false, true}) {
+            const TempTree one, two, three, target;
+            std::unique_ptr<TestMount> mount;
+            std::optional<TempTree> other;
+            if (isAcross) {
+                auto made = TestMount::tmpfs();
+                if (!made) GTEST_SKIP() << made.error();
+                mount = std::move(*made);
+                other.emplace(mount->path());
+            }
+            const TempTree& there = other ? *other : target;
+            there.file("a", "old");
+            there.file("b", "old");
+            TransferWorld world;
+            world.answers.conflictAnswers = {{ConflictChoice::replace, true}, {ConflictChoice::skip, false}};
+            const auto report = world.run(
+                kind, {one.file("a", "1"), two.file("a", "2"), three.file("b", "3"), three.file("c", "4")},
+                there.url());
+            EXPECT_EQ(world.answers.conflicts.size(), 2U);
+            EXPECT_EQ(report.items[1].outcome, ItemOutcome::skipped());
+            EXPECT_EQ(there.contents("a"), "1");
+            EXPECT_EQ(two.contents("a"), "2");
+            EXPECT_EQ(there.contents("b") + there.contents("c"), "34") << "what was there is still covered";
+        }
+    }
+}
+
 TEST(TransferAnswers, CancelEndsTheJobAndStandingSkipsAskOnce) {
     const TempTree tree, from;
     const auto a = from.file("a", "1"), b = from.file("b", "2");
