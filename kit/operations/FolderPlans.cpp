@@ -105,13 +105,13 @@ private:
         }
     }
 
-    /// Where the folder's namesake waits until the name is free.
+    /// Where the folder's namesake waits until the name is free, in nobody's way.
     [[nodiscard]] std::string freeName() const {
         constexpr int lastNumber = 500;
         std::string name;
         for (int number = 2; number <= lastNumber; ++number) {
             name = ItemNames::numbered(folder_.url.name(), number, KeepExtension::no);
-            if (!POSIX::lstat(parent_.appending(name))) break;
+            if (!POSIX::lstat(parent_.appending(name)) && !POSIX::lstat(folder_.url.appending(name))) break;
         }
         return name;
     }

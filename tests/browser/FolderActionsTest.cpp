@@ -68,6 +68,19 @@ TEST_F(Folders, DissolveIntoTheOneAbove) {
     EXPECT_EQ(status.st_mode & 07777U, 0750U);
 }
 
+TEST_F(Folders, DissolveWithANamesakeAndItsNumberedNames) {
+    tree.folder("pane/box");
+    for (const auto* name : {"box", "box (2)", "box (3)"})
+        tree.file(std::string("pane/box/") + name, name);
+    show("pane");
+    ASSERT_TRUE(perform(dissolveFolder, {"box"}));
+    EXPECT_THAT(tree.names("pane"), ElementsAre("box", "box (2)", "box (3)"));
+    for (const auto* name : {"box", "box (2)", "box (3)"})
+        EXPECT_EQ(tree.contents(std::string("pane/") + name), name);
+    undoAndExpect({"box"});
+    EXPECT_THAT(tree.names("pane/box"), ElementsAre("box", "box (2)", "box (3)"));
+}
+
 TEST_F(Folders, KeepWhatConflictsWhenDissolved) {
     tree.folder("pane/box");
     tree.file("pane/box/a", "inner");
