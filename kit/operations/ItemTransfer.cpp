@@ -59,19 +59,26 @@ void ItemTransfer::finish(ItemOutcome outcome, ErrorFacts facts) {
     run_.results.push_back({item_.reference.url, std::move(outcome), std::move(facts)});
 }
 
+/// The item has its place. Its result is completed now or once it is settled.
+void ItemTransfer::finishPlaced(ItemOutcome outcome) {
+    finish(std::move(outcome));
+    const auto placed = POSIX::lstat(targetPlace());
+    if (!placed) return;
+    run_.noteBrought(placed->identity);
+    run_.results.back().placed = {placed->identity, placed->type(), placed->size, placed->modified};
+}
+
 ItemTransfer::End ItemTransfer::transfer() {
     for (;;) {
         const auto done = attempt();
         if (done && *done == Attempt::merge) return End::merge;
         if (done) {
-            if (*done == Attempt::completed) finish(ItemOutcome::completed(targetURL()));
+            if (*done == Attempt::completed) finishPlaced(ItemOutcome::completed(targetURL()));
             if (*done == Attempt::skipped) finish(ItemOutcome::skipped());
             if (*done == Attempt::cancelled) finish(ItemOutcome::cancelled());
-            if (*done == Attempt::completed || *done == Attempt::settled) {
-                noteBrought();
+            if (*done == Attempt::completed || *done == Attempt::settled)
                 for (const auto& result : run_.leftOut())
                     run_.results.push_back(result);
-            }
             return end();
         }
         run_.dropItem();
@@ -90,12 +97,6 @@ ItemTransfer::End ItemTransfer::transfer() {
         isTold ? finish(ItemOutcome::failed(error), facts) : finish(ItemOutcome::cancelled());
         return end();
     }
-}
-
-/// It has its place now.
-void ItemTransfer::noteBrought() {
-    const auto placed = POSIX::lstat(targetPlace());
-    if (placed) run_.noteBrought(placed->identity);
 }
 
 /// One result for each name of ours that is still there.
@@ -458,8 +459,7 @@ ItemTransfer::Result<ItemTransfer::Attempt> ItemTransfer::conclude(CopiedTree co
         placed.moved.emplace(
             TransferSettlement::Moved{std::move(*source_), std::move(copied.manifest), settings, keptFor});
     }
-    // Completed once it is settled.
-    finish(ItemOutcome::cancelled());
+    finishPlaced(ItemOutcome::cancelled());
     settlement_.add(std::move(placed));
     return Attempt::settled;
 }

@@ -88,7 +88,7 @@ private:
     [[nodiscard]] POSIX::Place targetPlace() const noexcept;
     [[nodiscard]] bool isFolder() const noexcept { return source_->status().isDirectory(); }
     void finish(ItemOutcome outcome, ErrorFacts facts = {});
-    void noteBrought();
+    void finishPlaced(ItemOutcome outcome);
     End end();
 
     TransferRun& run_;

@@ -2,6 +2,7 @@
 
 #include "base/FileURL.h"
 #include "base/Hash.h"
+#include "listing/FileStatus.h"
 #include "operations/FileOperationKind.h"
 #include "operations/ItemOutcome.h"
 #include "operations/OperationFacts.h"
@@ -12,14 +13,26 @@
 
 namespace ombrel {
 
+/// What an item was when it got its place, by which it is known again once the job has ended.
+struct PlacedItem {
+    FileIdentity identity;
+    std::uint32_t type = 0; ///< an S_IF constant
+    std::int64_t size = 0;  ///< bytes
+    FileTime modified;
+};
+
 /// One item of a job and what became of it.
 struct ItemResult {
     std::optional<FileURL> source; ///< absent for an item that had none, such as a created folder
     ItemOutcome outcome;
     ErrorFacts facts = {}; ///< of the outcome's error
+    /// Of an item that a transfer completed. Counts for neither equality nor the hash.
+    std::optional<PlacedItem> placed = std::nullopt;
 
     [[nodiscard]] std::size_t hashValue() const { return hashOf(source, outcome, facts); }
-    friend bool operator==(const ItemResult&, const ItemResult&) = default;
+    friend bool operator==(const ItemResult& a, const ItemResult& b) {
+        return a.source == b.source && a.outcome == b.outcome && a.facts == b.facts;
+    }
 };
 
 /// What a whole job came to: the items in the order in which they were given.

@@ -1,8 +1,9 @@
 #include "operations/UndoRecording.h"
 
+#include "listing/MountTable.h"
 #include "listing/POSIX.h"
 
-#include <set>
+#include <map>
 #include <utility>
 
 namespace ombrel {
@@ -17,12 +18,32 @@ struct Seen {
     std::optional<ItemStamp> stamp;
 };
 
-Seen look(const FileURL& url, Depth depth) {
+/// Whether what stands there is not what was placed, or, where its contents count, not as it was placed: a
+/// job may go on for long after that.
+bool hasChanged(const PlacedItem& placed, const FileStatus& now, Depth depth) {
+    const bool isSame = now.identity == placed.identity;
+    const bool isAsItWas = depth == Depth::entry || placed.type == S_IFDIR ||
+                           (now.size == placed.size && now.modified == placed.modified);
+    if (isSame && isAsItWas) return false;
+    const auto traits = MountTable::current().traits(now);
+    return (!isSame && !traits.renumbersInodes) || (!isAsItWas && !traits.hasCoarseTimes);
+}
+
+Seen look(const FileURL& url, const std::optional<PlacedItem>& placed, Depth depth) {
     Seen seen{{url, std::nullopt}, std::nullopt};
     const auto anchor = POSIX::Anchor::of(url);
     if (!anchor) return seen;
     const auto status = POSIX::lstat(anchor->place());
     if (!status) return seen;
+    if (placed && hasChanged(*placed, *status, depth)) {
+        const bool isFolder = placed->type == S_IFDIR;
+        seen.reference.identity = placed->identity;
+        seen.stamp = {.type = placed->type,
+                      .size = isFolder ? 0 : placed->size,
+                      .modified = isFolder ? FileTime() : placed->modified,
+                      .contents = {}};
+        return seen;
+    }
     seen.reference.identity = status->identity;
     if (depth == Depth::entry)
         seen.stamp = ItemStamp::of(*status);
@@ -41,17 +62,17 @@ void eachCompleted(const OperationReport& report, Use use) {
 /// What was made, without what lies in something else that was made. Several sources may have become one
 /// item.
 Step::Trash trashOf(const OperationReport& report) {
-    std::set<FileURL> made;
-    eachCompleted(report, [&](const ItemResult&, const FileURL& now) { made.insert(now); });
+    std::map<FileURL, const ItemResult*> made;
+    eachCompleted(report, [&](const ItemResult& item, const FileURL& now) { made[now] = &item; });
     Step::Trash trash;
-    for (const auto& url : made) {
+    for (const auto& [url, item] : made) {
         bool isCovered = false;
         for (FileURL above = url; !above.isRoot() && !isCovered;) {
             above = above.parent();
             isCovered = made.contains(above);
         }
         if (isCovered) continue;
-        auto [reference, stamp] = look(url, Depth::tree);
+        auto [reference, stamp] = look(url, item->placed, Depth::tree);
         trash.items.emplace_back(std::move(reference), stamp);
     }
     return trash;
@@ -61,7 +82,7 @@ std::vector<Step::Moved> movedOf(const OperationReport& report) {
     std::vector<Step::Moved> moved;
     eachCompleted(report, [&](const ItemResult& item, const FileURL& now) {
         if (!item.source || *item.source == now) return;
-        auto [reference, stamp] = look(now, Depth::entry);
+        auto [reference, stamp] = look(now, item.placed, Depth::entry);
         moved.push_back({std::move(reference), *item.source, stamp});
     });
     return moved;
