@@ -11,11 +11,16 @@ bool JobRun::goesOn() {
     return !isCancelled();
 }
 
+void JobRun::cancel() {
+    cancelled_ = true;
+    if (hooks_.control) hooks_.control->setPaused(false);
+}
+
 ErrorChoice JobRun::ask(const ErrorContext& context) {
     if (isCancelled()) return ErrorChoice::cancel;
     ErrorDecision decision{standing_.value_or(ErrorChoice::skip), false};
     if (!standing_ && hooks_.errors) decision = hooks_.errors(context, stop_);
-    if (decision.choice == ErrorChoice::cancel) cancelled_ = true;
+    if (decision.choice == ErrorChoice::cancel) cancel();
     if (decision.applyToAll && decision.choice != ErrorChoice::retry) standing_ = decision.choice;
     return decision.choice;
 }

@@ -24,8 +24,8 @@ public:
     [[nodiscard]] bool isPaused() const { return hooks_.control && hooks_.control->isPaused(); }
     /// The user or the caller has cancelled the job; never taken back.
     [[nodiscard]] bool isCancelled() const { return cancelled_ || stop_.stop_requested(); }
-    /// Cancels the job, as the user does in answer to a question.
-    void cancel() noexcept { cancelled_ = true; }
+    /// Cancels the job, as the user does in answer to a question. It is not paused any more either.
+    void cancel();
     [[nodiscard]] const std::stop_token& stop() const noexcept { return stop_; }
 
     /// What to do about a failure: the standing answer, or the caller's. `retry` never stands; without a hook

@@ -7,6 +7,8 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
+#include <chrono>
+#include <future>
 #include <memory>
 #include <optional>
 #include <tuple>
@@ -320,6 +322,35 @@ TEST(TransferAnswers, CancelEndsTheJobAndStandingSkipsAskOnce) {
     report = world.copy({a, b}, tree.url());
     EXPECT_EQ(world.answers.conflicts.size(), 2U);
     EXPECT_EQ(report.items[1].outcome, ItemOutcome::skipped());
+}
+
+// A job may be paused while its question stands.
+TEST(TransferAnswers, CancelEndsAPausedJob) {
+    for (const bool isError : {false, true}) {
+        const TempTree tree, from;
+        const auto a = from.file("a", "1"), b = from.file("b", "2");
+        tree.file("a", "old");
+        TransferWorld world;
+        const auto control = world.control;
+        auto hooks = world.answers.hooks();
+        hooks.control = control;
+        hooks.conflicts = [&](const ConflictContext&, const std::stop_token&) {
+            control->setPaused(true);
+            return ConflictDecision{ConflictChoice::cancel, false};
+        };
+        hooks.errors = [&](const ErrorContext&, const std::stop_token&) {
+            control->setPaused(true);
+            return ErrorDecision{ErrorChoice::cancel, false};
+        };
+        const std::vector<TransferItem> items = {FileReference::sampling(isError ? from.url("gone") : a),
+                                                 FileReference::sampling(b)};
+        auto job = std::async(std::launch::async, [&] {
+            return world.service.transfer(Kind::copy, items, tree.url(), hooks, {});
+        });
+        EXPECT_EQ(job.wait_for(std::chrono::seconds(5)), std::future_status::ready);
+        control->setPaused(false);
+        EXPECT_EQ(job.get().overall(), OperationReport::Overall::cancelled);
+    }
 }
 
 TEST(TransferAnswers, RetryBeginsAgainAndSkipKeepsTheReason) {
