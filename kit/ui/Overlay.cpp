@@ -206,7 +206,9 @@ void Overlay::fit() {
 void Overlay::refresh() {
     const auto content = OverlayContent::of(*model_);
     if (content) return show(*content);
-    const bool hadFocus = isAncestorOf(focusWidget());
+    // A widget remembers whoever had the keyboard in it last; only the window knows who has it.
+    const QWidget* const focused = window()->focusWidget();
+    const bool hadFocus = focused && isAncestorOf(focused);
     hide();
     if (hadFocus && parentWidget()->parentWidget())
         parentWidget()->parentWidget()->setFocus(Qt::OtherFocusReason);

@@ -87,6 +87,17 @@ TEST_F(SearchInAWindow, BeginsByItselfWhenTheTypingRests) {
     EXPECT_FALSE(window.model().showsSearch());
 }
 
+TEST_F(SearchInAWindow, KeepsTheKeyboardThatAnOverlayOnceHad) {
+    window.view().setFocus();
+    open(tree.url("gone"));
+    ASSERT_TRUE(window.overlay().isAncestorOf(window.focusWidget()));
+    open(tree.url("Projects"));
+    ASSERT_TRUE(window.view().hasFocus());
+    type(QStringLiteral("we"));
+    ASSERT_TRUE(runUntilFound({"two weeks.txt"}));
+    EXPECT_TRUE(field.hasFocus());
+}
+
 TEST_F(SearchInAWindow, OffersToClearWhatFindsNothing) {
     type(QStringLiteral("nothing like it"));
     QTest::keyClick(&field, Qt::Key_Return);
