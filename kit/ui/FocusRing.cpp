@@ -16,4 +16,16 @@ void FocusRing::follow(QWidget* focused) {
     setWidget(isOurs && !byMouse ? focused : nullptr);
 }
 
+bool FocusRing::eventFilter(QObject* watched, QEvent* event) {
+    const bool isTaken = QFocusFrame::eventFilter(watched, event);
+    // A button that got the keyboard before it had its place was outside of what is shown, and its ring left.
+    const bool isPlacing = event->type() == QEvent::Move || event->type() == QEvent::Resize;
+    QWidget* const focused = widget();
+    if (isPlacing && isHidden() && focused && focused->isVisible()) {
+        setWidget(nullptr);
+        setWidget(focused);
+    }
+    return isTaken;
+}
+
 } // namespace ombrel

@@ -13,6 +13,9 @@ class FocusRing final : public QFocusFrame {
 public:
     explicit FocusRing(QWidget* window);
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void follow(QWidget* focused);
     QWidget* window_;
