@@ -281,6 +281,7 @@ void FileView::keepPlace() {
         else if (contentRect(visible.begin).y < offset() && visible.size() > 1)
             kept = visible.begin + 1;
         distanceKept_ = contentRect(*kept).y - offset();
+        nameKept_ = model_->items()[*kept].name();
     }
     model_->setRow(Place::scroll, kept);
 }
@@ -293,7 +294,11 @@ void FileView::takeItems() {
         // Who sorts wants to see the beginning, unless there is an item to stay with.
         const bool isSorted = sortShown_ != model_->itemsSort();
         const bool stays = !isSorted || kept == model_->row(Place::current);
-        extent_.scrollTo(stays ? contentRect(*kept).y - distanceKept_ : 0);
+        // One that has another name went elsewhere by itself, and the others stay where they are.
+        if (stays && model_->items()[*kept].name() != nameKept_)
+            reveal(*kept);
+        else
+            extent_.scrollTo(stays ? contentRect(*kept).y - distanceKept_ : 0);
         model_->setRow(Place::scroll, std::nullopt);
     }
     sortShown_ = model_->itemsSort();

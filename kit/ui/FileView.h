@@ -22,6 +22,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace ombrel {
@@ -246,6 +247,7 @@ private:
     /// Until the user has done something the view stays at its top, whatever comes in above.
     bool isTouched_ = false;
     qint64 distanceKept_ = 0; ///< from the top of the screen, of the row that is kept in its place
+    std::string nameKept_;    ///< of that row
     FileSort sortShown_;
     QTimer placeholderDelay_;
     bool showsPlaceholders_ = false;

@@ -60,6 +60,23 @@ TEST_F(EditingView, RenamesByTheStemAndKeepsTheItemSelected) {
     EXPECT_TRUE(tree.exists("sun.tar.gz"));
 }
 
+TEST_F(EditingView, ScrollsForARenamedItemOnlyAsFarAsItTakes) {
+    for (int i = 10; i < 60; ++i)
+        tree.file("m" + std::to_string(i) + ".txt");
+    pane.refresh();
+    ASSERT_TRUE(isListed("m59.txt"));
+    ASSERT_TRUE(runUntilQuiet());
+    QTest::keyClicks(&rename("a.txt"), QStringLiteral("m12a"));
+    QTest::keyClick(view.renameEditor(), Qt::Key_Return);
+    ASSERT_TRUE(isListed("m12a.txt"));
+    EXPECT_EQ(view.offset(), 0) << "its new place is on the screen too";
+    ASSERT_TRUE(runUntil([&] { return selectedNames(pane) == std::vector<std::string>{"m12a.txt"}; }));
+    QTest::keyClicks(&rename("m12a.txt"), QStringLiteral("z"));
+    QTest::keyClick(view.renameEditor(), Qt::Key_Return);
+    ASSERT_TRUE(isListed("z.txt"));
+    EXPECT_TRUE(runUntil([&] { return view.visibleRows().contains(rowNamed(pane, "z.txt")); }));
+}
+
 TEST_F(EditingView, RefusesWhatIsNoNameAndGivesUpByEscape) {
     auto& editor = rename("a.txt");
     QTest::keyClicks(&editor, QStringLiteral("x/y"));
