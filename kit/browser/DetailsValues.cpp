@@ -102,7 +102,7 @@ void DetailsValues::load() {
     const std::size_t count = selection.empty() ? (folder ? 1 : 0) : selection.count();
     const bool isOfFolder = selection.empty();
     // The pane is counting its folder already.
-    const bool isCountedHere = isOfFolder && !pane_->isSearching();
+    const bool isCountedHere = isOfFolder && !pane_->showsSearch();
     std::optional<std::int64_t> counted;
     if (isCountedHere && pane_->listingState() == ListingState::Case::loaded)
         counted = static_cast<std::int64_t>(pane_->items().size());
@@ -124,9 +124,9 @@ void DetailsValues::load() {
     }
     try {
         reader_ = Worker(
-            "ombrel-details",
-            [self = QPointer(this), ticket, selection = FileSelection(selection), folder, isCountedHere,
-             counted, showsHidden = pane_->filter().showsHidden](const std::stop_token& stop) mutable {
+            "ombrel-details", [self = QPointer(this), ticket, selection = FileSelection(selection), folder,
+                               isOfFolder, isCountedHere, counted, showsHidden = pane_->filter().showsHidden](
+                                  const std::stop_token& stop) mutable {
                 Found found;
                 const auto items = selection.empty() ? std::vector{itemAt(*folder)} : selection.items();
                 selection = {};
@@ -137,6 +137,8 @@ void DetailsValues::load() {
                 } else {
                     const FileItem& one = items.front();
                     found.facts = ItemValues::read(one);
+                    // The root is an item of no folder.
+                    if (isOfFolder) found.facts->url = *folder;
                     found.facts->dimensions = ItemValues::dimensionsOf(one);
                     if (isCountedHere)
                         found.items = counted;

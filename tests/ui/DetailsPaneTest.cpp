@@ -81,6 +81,17 @@ TEST_F(DetailsPaneTest, SaysWhatIsKnownOfTheFolderOfOneItemAndOfSeveral) {
     EXPECT_TRUE(runUntil([&] { return window.model().currentURL() == tree.url("Projects/Reports"); }));
 }
 
+TEST_F(DetailsPaneTest, CountsTheFolderNotWhatIsFoundInItAndNamesTheRoot) {
+    open(tree.url("Projects"));
+    window.model().search("two");
+    ASSERT_TRUE(settle());
+    ASSERT_EQ(window.model().items().size(), 1U);
+    EXPECT_EQ(valueOf("Items"), "3");
+    open(FileURL());
+    ASSERT_TRUE(settle());
+    EXPECT_EQ(name(), "/");
+}
+
 TEST_F(DetailsPaneTest, StaysUntilTheSelectionIsQuietAndFollowsTheActiveTab) {
     open(tree.url("Projects"));
     show({"one.txt"});
