@@ -112,7 +112,9 @@ int resultWidth(const Theme& theme) {
 } // namespace
 
 ReportTable::ReportTable(const Theme& theme, const OperationReport& report, QWidget* parent)
-    : QTableView(parent), theme_(&theme) {
+    : QTableView(parent), theme_(&theme),
+      hasNames_(
+          std::ranges::any_of(report.items, [](const ItemResult& item) { return item.source.has_value(); })) {
     setModel(new Rows(report, this));
     setItemDelegate(new Cells(theme, this));
     setSelectionMode(NoSelection);
@@ -145,9 +147,10 @@ void ReportTable::resizeEvent(QResizeEvent* event) {
     QTableView::resizeEvent(event);
     const int result = resultWidth(*theme_), rest = std::max(0, viewport()->width() - result);
     constexpr int nameShare = 45, whole = 100;
-    setColumnWidth(nameColumn, rest * nameShare / whole);
+    const int name = hasNames_ ? rest * nameShare / whole : 0;
+    setColumnWidth(nameColumn, name);
     setColumnWidth(resultColumn, result);
-    setColumnWidth(reasonColumn, rest - rest * nameShare / whole);
+    setColumnWidth(reasonColumn, rest - name);
 }
 
 QString ReportTable::asText(const OperationReport& report) {

@@ -29,6 +29,7 @@ protected:
 
 private:
     const Theme* theme_;
+    bool hasNames_; ///< or nothing but items that were never made
 };
 
 } // namespace ombrel
