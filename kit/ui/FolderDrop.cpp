@@ -11,8 +11,11 @@
 #include <QMenu>
 #include <QMimeData>
 
+#include <algorithm>
+#include <iterator>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace ombrel {
 namespace {
@@ -190,11 +193,10 @@ void FolderDrop::perform(const Dropped& dropped, Case action) {
 
 void FolderDrop::rememberPlace() {
     BrowserModel& pane = pane_();
-    leadBack(pane, [&pane, origin = pane.currentURL()] {
-        if (origin)
-            pane.navigate(*origin);
-        else
-            pane.navigateHome();
+    leadBack(pane, [&pane, origin = Location(pane.location()), selection = FileSelection(pane.selection())] {
+        std::vector<FileURL> selected;
+        std::ranges::transform(selection.items(), std::back_inserter(selected), &FileItem::url);
+        pane.go(origin, true, selected);
     });
 }
 
