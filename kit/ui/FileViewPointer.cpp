@@ -131,6 +131,8 @@ void FileViewPointer::beginDrag() {
     const auto button = press_->button;
     // Whoever takes the drop has the button's release too.
     cancel();
+    // Nor does anyone say where the pointer went.
+    leave();
     if (isSelected) FileDrag::run(*view_, button);
 }
 
@@ -167,6 +169,7 @@ void FileViewPointer::doubleClick(QMouseEvent& event) {
 void FileViewPointer::leave() {
     if (hovered_.has_value()) view_->viewport()->update();
     hovered_.reset();
+    pointer_ = QPoint(-1, -1);
 }
 
 void FileViewPointer::hover(QPoint at) {
