@@ -94,7 +94,7 @@ void OmbrelStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
         return drawRadio(*painter, *theme_, option->rect, option->state & State_On,
                          option->state & State_Enabled);
     case PE_PanelScrollAreaCorner: return fill(ThemeColor::surface);
-    case PE_PanelTipLabel: return fill(ThemeColor::menu);
+    case PE_PanelTipLabel:
     case PE_PanelMenu: return drawMenuGround(option->rect, *painter, widget);
     case PE_FrameMenu: return; // drawn with the ground
     default: return QProxyStyle::drawPrimitive(element, option, painter, widget);
@@ -414,6 +414,7 @@ int OmbrelStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWi
     case SH_FocusFrame_AboveWidget:
     // Names have no underlined letters: typing jumps to them.
     case SH_Menu_KeyboardSearch: return 1;
+    case SH_ToolTip_Mask:
     case SH_Menu_Mask: {
         auto* const mask = qstyleoption_cast<QStyleHintReturnMask*>(answer);
         if (!mask || !option || !widget || widget->testAttribute(Qt::WA_TranslucentBackground)) return 0;
