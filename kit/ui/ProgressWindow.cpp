@@ -14,16 +14,26 @@
 #include <QAccessible>
 #include <QApplication>
 
+#include <chrono>
 #include <utility>
 #include <variant>
 
 namespace ombrel {
+namespace {
+
+/// How long the desktop may take to give the keyboard on from a dialog that has gone.
+constexpr std::chrono::milliseconds settlingTime(500);
+
+} // namespace
 
 ProgressWindow::ProgressWindow(Setting setting)
     : setting_(std::move(setting)), summary_(std::make_unique<JobsSummary>()),
       frame_(std::make_unique<ProgressFrame>(setting_.theme)) {
     connect(summary_.get(), &JobsSummary::changed, this, &ProgressWindow::refreshTitle);
     connect(frame_.get(), &ProgressFrame::closed, this, &ProgressWindow::hidden);
+    settling_.setSingleShot(true);
+    settling_.setInterval(settlingTime);
+    connect(qApp, &QApplication::focusChanged, this, &ProgressWindow::stayForward);
 }
 
 ProgressWindow::~ProgressWindow() = default;
@@ -159,12 +169,26 @@ void ProgressWindow::appear(bool asks) {
         frame_->show();
     }
     if (takesFocus) {
-        frame_->raise();
-        frame_->activateWindow();
+        bringForward();
     } else if (asks) {
         QApplication::alert(frame_.get());
     }
-    if (asks) focusQuestion();
+    if (!asks) return;
+    settling_.start();
+    focusQuestion();
+}
+
+void ProgressWindow::bringForward() {
+    frame_->raise();
+    frame_->activateWindow();
+}
+
+/// A dialog that goes as the question comes leaves the keyboard to no window for a moment, and then to the
+/// one below it.
+void ProgressWindow::stayForward() {
+    if (!settling_.isActive() || !QApplication::activeWindow() || frame_->isActiveWindow()) return;
+    settling_.stop();
+    bringForward();
 }
 
 void ProgressWindow::focusQuestion() {
@@ -177,8 +201,7 @@ void ProgressWindow::comeBack() {
     if (isEmpty()) return;
     frame_->setAttribute(Qt::WA_ShowWithoutActivating, false);
     frame_->show();
-    frame_->raise();
-    frame_->activateWindow();
+    bringForward();
     focusQuestion();
 }
 

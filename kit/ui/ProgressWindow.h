@@ -4,6 +4,7 @@
 #include "services/OperationPresenting.h"
 #include "ui/JobHeading.h"
 
+#include <QTimer>
 #include <QWidget>
 
 #include <functional>
@@ -61,12 +62,15 @@ private:
     void confirmDeleting(const std::shared_ptr<OperationPrompt>& prompt, const FileURL& item);
     void announce(QWidget* about, const QString& text);
     void appear(bool asks);
+    void bringForward();
+    void stayForward();
     void focusQuestion();
     void refreshTitle();
 
     Setting setting_;
     std::unique_ptr<JobsSummary> summary_;
     std::unique_ptr<ProgressFrame> frame_;
+    QTimer settling_;             ///< since a question came forward
     bool isFirstExpanded_ = true; // as the user left the last one
 };
 
