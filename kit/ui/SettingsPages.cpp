@@ -17,6 +17,17 @@
 namespace ombrel {
 namespace {
 
+/// Of buttons of which one is chosen, Tab leads to that one, and the arrow keys lead on from there.
+void reachByTabWhenChosen(QRadioButton& button) {
+    const auto follow = [&button](bool isChosen) {
+        const auto policy = static_cast<int>(button.focusPolicy());
+        button.setFocusPolicy(
+            static_cast<Qt::FocusPolicy>(isChosen ? policy | Qt::TabFocus : policy & ~Qt::TabFocus));
+    };
+    QObject::connect(&button, &QAbstractButton::toggled, &button, follow);
+    follow(button.isChecked());
+}
+
 /// A note on a ground that draws attention.
 class Note final : public QWidget {
 public:
@@ -106,6 +117,7 @@ KeyboardPage::KeyboardPage(const Theme& theme, AppSettings& settings, QWidget* p
         group->addButton(card);
         row->addWidget(card);
         cards_.push_back(card);
+        reachByTabWhenChosen(*card);
         connect(card, &QAbstractButton::toggled, this, [this, preset](bool on) {
             if (on) settings_->setKeyPreset(preset);
         });
@@ -146,6 +158,7 @@ QString LanguagePage::nameOf(std::string_view code) {
 void LanguagePage::add(const QString& name, const std::optional<std::string>& code) {
     auto* const choice = new QRadioButton(name, content());
     column().addWidget(choice);
+    reachByTabWhenChosen(*choice);
     connect(choice, &QRadioButton::toggled, this, [this, code](bool on) {
         if (on) settings_->setInterfaceLanguage(code);
     });

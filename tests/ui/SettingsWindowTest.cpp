@@ -55,6 +55,14 @@ TEST_F(SettingsWindowTest, AppliesEveryChangeAtOnceAndFollowsOthers) {
     EXPECT_FALSE(window.isVisible());
 }
 
+TEST_F(SettingsWindowTest, TabLeadsToWhatIsChosen) {
+    settings.setKeyPreset(KeyPreset::mac);
+    KeyboardPage page(quietTheme(), settings);
+    page.show();
+    QTest::keyClick(&page, Qt::Key_Tab);
+    EXPECT_EQ(page.focusWidget(), buttonOf<PresetCard>(page, QStringLiteral("Mac style")));
+}
+
 TEST_F(SettingsWindowTest, LocationsAreRemovedOnlyAfterAQuestion) {
     tree.folder("granted");
     services->access().addGrant(tree.url("granted"), nullptr, [](const auto&) {});
