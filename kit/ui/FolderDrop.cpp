@@ -121,7 +121,10 @@ void FolderDrop::plan() {
 void FolderDrop::say(const QString& effect) {
     if (target_ && !effect.isEmpty()) {
         QWidget* const window = target_->window();
-        if (label_ && label_->parentWidget() != window) delete label_;
+        if (label_ && label_->parentWidget() != window) {
+            label_->hide();
+            std::exchange(label_, nullptr)->deleteLater();
+        }
         if (!label_) label_ = new DropLabel(window, *theme_);
         label_->say(effect, !isAllowed(), target_->mapTo(window, pointer_));
     } else if (label_) {
