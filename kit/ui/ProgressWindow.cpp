@@ -36,7 +36,10 @@ ProgressWindow::ProgressWindow(Setting setting)
     connect(qApp, &QApplication::focusChanged, this, &ProgressWindow::stayForward);
 }
 
-ProgressWindow::~ProgressWindow() = default;
+ProgressWindow::~ProgressWindow() {
+    // The frame gives the keyboard away as it goes, when the rest has gone already.
+    qApp->disconnect(this);
+}
 
 QWidget& ProgressWindow::window() noexcept {
     return *frame_;
