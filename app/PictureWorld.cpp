@@ -72,6 +72,21 @@ private:
     std::string text_;
 };
 
+/// As if the volumes were three drives of different sizes.
+void completeVolume(VolumeInfo& volume) {
+    constexpr std::int64_t gigabyte = 1'000'000'000, terabyte = 1000 * gigabyte;
+    const bool isStick = volume.url.name() == "Survey drive";
+    volume.isRemovable = isStick;
+    volume.isEjectable = !volume.isRootFileSystem;
+    volume.isInternal = volume.isRootFileSystem;
+    if (volume.isRootFileSystem)
+        volume.setCapacity(POSIX::Capacity{486 * gigabyte, 204 * gigabyte});
+    else if (isStick)
+        volume.setCapacity(POSIX::Capacity{128 * gigabyte, 86 * gigabyte / 10});
+    else
+        volume.setCapacity(POSIX::Capacity{4 * terabyte, 25 * terabyte / 10});
+}
+
 } // namespace
 
 /// Bookmarks are paths. Once folders have been found, two of them are lost.
@@ -138,6 +153,7 @@ PictureWorld::PictureWorld(const PictureContent& content, const Theme& theme, La
     settings.setPinnedFolders(PinnedFolder::defaults());
     services_->center().setSlowDrives([](const FileStatus&) { return std::vector<DriveQueue::Drive>(); });
     services_->center().setWindowDelay(std::chrono::milliseconds(0));
+    services_->volumes().completesVolume = completeVolume;
     services_->start();
 }
 

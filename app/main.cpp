@@ -80,14 +80,22 @@ void chooseOffscreenLook(QApplication& application) {
 }
 
 /// The colours and the style, as long as it lives.
-class Look {
+class Look final : public QObject {
 public:
     explicit Look(const Appearance& appearance) : theme(appearance) {
+        QCoreApplication::instance()->installEventFilter(this);
         QApplication::setStyle(new OmbrelStyle(theme));
         QApplication::setPalette(theme.palette());
         QObject::connect(&theme, &Theme::changed, &theme,
                          [this] { QApplication::setPalette(theme.palette()); });
     }
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        // The desktop's font has become another one.
+        if (watched == QCoreApplication::instance() && event->type() == QEvent::ApplicationFontChange)
+            theme.setInterfaceFont(QApplication::font());
+        return QObject::eventFilter(watched, event);
+    }
+
     Theme theme;
 };
 

@@ -7,6 +7,7 @@ namespace ombrel {
 
 void BrowserHistory::record(HistoryEntry left) {
     back_.push_back(std::move(left));
+    if (back_.size() > mostEntries) back_.erase(back_.begin());
     forward_.clear();
 }
 

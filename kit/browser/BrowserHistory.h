@@ -19,6 +19,8 @@ struct HistoryEntry {
 class BrowserHistory {
 public:
     enum class Direction : unsigned char { back, forward };
+    /// How far back it reaches; each entry may remember a large selection.
+    static constexpr std::size_t mostEntries = 200;
 
     [[nodiscard]] bool canGo(Direction to) const noexcept { return !stack(to).empty(); }
     /// Where it can go that way; nothing when it cannot.

@@ -303,6 +303,7 @@ void BrowserModel::apply(ListedItems listed) {
     const bool restored = isSought && applyPendingSelection(found.get());
     dispose(std::move(before));
 
+    if (succession) Q_EMIT itemsSucceeded(*succession);
     Q_EMIT itemsChanged();
     if (succession || restored || selection_.count() != countBefore) Q_EMIT selectionChanged();
     if (row(Place::current) != currentBefore) Q_EMIT currentRowChanged();

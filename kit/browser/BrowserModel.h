@@ -201,6 +201,8 @@ Q_SIGNALS:
     void listingStateChanged();
     /// The last moment to say by `Place::scroll` which row is to stay in its place.
     void itemsAboutToChange();
+    /// A reload has brought the items under other references. Sent before `itemsChanged`.
+    void itemsSucceeded(const ombrel::ItemSuccession& succession);
     /// The items, their number or their order, and with them the rows of everything that stays with its item.
     void itemsChanged();
     void sortChanged();

@@ -13,6 +13,9 @@
 namespace ombrel {
 namespace {
 
+/// Larger selections are not compared item by item.
+constexpr std::size_t mostCompared = 1000;
+
 std::optional<std::int64_t> itemsIn(const FileURL& folder, bool showsHidden, const std::stop_token& stop) {
     auto stream = POSIX::openDirectory(folder);
     if (!stream) return std::nullopt;
@@ -81,6 +84,7 @@ void DetailsValues::setActive(bool active) {
     isReading_ = false;
     reader_ = Worker();
     contents_.stop();
+    shown_.clear();
 }
 
 bool DetailsValues::isSettled() const {
@@ -94,10 +98,14 @@ void DetailsValues::wait() {
 void DetailsValues::load() {
     if (!isActive_ || !pane_) return;
     timer_.stop();
+    const FileSelection& selection = pane_->selection();
+    auto selected = selection.count() <= mostCompared ? selection.items() : std::vector<FileItem>();
+    // A folder in which other items come and go is read anew all the time.
+    if (!selected.empty() && std::ranges::equal(selected, shown_, areAlike)) return;
+    shown_ = std::move(selected);
     const std::uint64_t ticket = ++ticket_;
     contents_.stop();
     reader_ = Worker();
-    const FileSelection& selection = pane_->selection();
     const auto& folder = pane_->currentURL();
     const std::size_t count = selection.empty() ? (folder ? 1 : 0) : selection.count();
     const bool isOfFolder = selection.empty();
@@ -109,12 +117,7 @@ void DetailsValues::load() {
     isReading_ = count > 0;
     // What the listing knows is there at once; for the folder itself, what was there stays until it is read.
     if (count == 1 && !isOfFolder) {
-        content_ = {.count = 1,
-                    .previews = selection.items(),
-                    .facts = {},
-                    .items = {},
-                    .totalSize = {},
-                    .common = {}};
+        content_ = {.count = 1, .previews = shown_, .facts = {}, .items = {}, .totalSize = {}, .common = {}};
         content_.facts = ItemValues::known(content_.previews.front());
         Q_EMIT changed();
     } else if (count == 0) {
@@ -146,8 +149,8 @@ void DetailsValues::load() {
                         found.items = itemsIn(one.url(), showsHidden, stop);
                 }
                 if (stop.stop_requested()) return;
-                MainThread::post([self, ticket, found = std::move(found)] {
-                    if (self) self->take(ticket, found);
+                MainThread::post([self, ticket, found = std::move(found)]() mutable {
+                    if (self) self->take(ticket, std::move(found));
                 });
             });
     } catch (const std::system_error&) {
@@ -156,19 +159,19 @@ void DetailsValues::load() {
     }
 }
 
-void DetailsValues::take(std::uint64_t ticket, const Found& found) {
+void DetailsValues::take(std::uint64_t ticket, Found found) {
     if (ticket != ticket_) return;
     isReading_ = false;
     content_ = {.count = found.counted.empty() ? 1 : found.counted.size(),
-                .previews = found.previews,
-                .facts = found.facts.value_or(ItemValues{}),
+                .previews = std::move(found.previews),
+                .facts = std::move(found.facts).value_or(ItemValues{}),
                 .items = found.items,
                 .totalSize = {},
-                .common = found.common};
+                .common = std::move(found.common)};
     if (found.counted.empty())
         Q_EMIT changed();
     else
-        contents_.start(found.counted);
+        contents_.start(std::move(found.counted));
 }
 
 void DetailsValues::takeContents() {

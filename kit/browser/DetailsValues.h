@@ -79,13 +79,14 @@ private:
 
     void wait();
     void load();
-    void take(std::uint64_t ticket, const Found& found);
+    void take(std::uint64_t ticket, Found found);
     void takeContents();
 
     QPointer<BrowserModel> pane_;
     bool isActive_ = false;
     QTimer timer_;
     Content content_;
+    std::vector<FileItem> shown_; ///< the selected items it is about; none of a large selection
     bool isReading_ = false;
     std::uint64_t ticket_ = 0; ///< of the newest reading; older answers are dropped
     Worker reader_;

@@ -1,6 +1,6 @@
 #include "browser/DropPlan.h"
 
-#include "base/FileName.h"
+#include "base/IsolatedName.h"
 #include "operations/FileOperationError.h"
 
 #include <algorithm>
@@ -77,7 +77,7 @@ DropPlan DropPlan::of(const DraggedItems& dragged, const FileURL& folder, const 
 }
 
 std::optional<Text> DropPlan::label(const FileURL& folder) const {
-    const auto name = FileName::displayText(folder.isRoot() ? folder.path() : folder.name());
+    const auto name = isolated(folder.isRoot() ? folder.path() : folder.name());
     switch (which) {
     case Case::copy: return Text{"ui.drop.copyTo", {name}};
     case Case::move: return Text{"ui.drop.moveTo", {name}};

@@ -6,6 +6,7 @@
 
 #include <QPointer>
 
+#include <system_error>
 #include <utility>
 
 namespace ombrel {
@@ -32,7 +33,13 @@ const DropTargetFacts& DropTargets::about(const FileURL& folder) {
                 Q_EMIT self->learned(folder);
             });
         };
-        Worker("ombrel-drop", std::move(body)).detach();
+        try {
+            Worker("ombrel-drop", std::move(body)).detach();
+        } catch (const std::system_error&) {
+            known_.erase(place); // asked again with the next move
+            static const DropTargetFacts nothing;
+            return nothing;
+        }
     }
     return place->second;
 }

@@ -5,14 +5,13 @@
 namespace ombrel {
 
 FileSelection::FileSelection(FileItemList list, std::shared_ptr<const ItemSet> members, ItemSet selected)
-    : list_(std::move(list)), members_(std::move(members)), selected_(std::move(selected)) {
-    if (!selected_.empty()) selected_ &= *members_;
+    : list_(std::move(list)), members_(std::move(members)) {
+    select(std::move(selected));
 }
 
-void FileSelection::invert() {
-    ItemSet inverted = *members_;
-    inverted -= selected_;
-    selected_ = std::move(inverted);
+void FileSelection::select(ItemSet selected) {
+    selected_ = std::move(selected);
+    if (!selected_.empty()) selected_ &= *members_;
 }
 
 void FileSelection::change(RowRange rows, Change change) {

@@ -35,7 +35,8 @@ public:
 
     void clear() noexcept { selected_.clear(); }
     void selectAll() { selected_ = *members_; }
-    void invert();
+    /// These and no others; those that are not in the list are left out.
+    void select(ItemSet selected);
     void change(RowRange rows, Change change);
     void change(std::size_t row, Change how) { change(RowRange{row, row + 1}, how); }
 

@@ -90,8 +90,8 @@ ItemProperties::ItemProperties(Subject subject, QObject* parent)
                     found.commonFolder.reset();
             }
             if (stop.stop_requested()) return;
-            MainThread::post([self, found = std::move(found)] {
-                if (self) self->take(found);
+            MainThread::post([self, found = std::move(found)]() mutable {
+                if (self) self->take(std::move(found));
             });
         });
     } catch (const std::system_error&) {
@@ -99,17 +99,17 @@ ItemProperties::ItemProperties(Subject subject, QObject* parent)
     }
 }
 
-void ItemProperties::take(const Found& found) {
+void ItemProperties::take(Found found) {
     isRead_ = true;
     count_ = found.count;
     folderCount_ = found.folderCount;
-    previews_ = found.previews;
-    facts_ = found.facts;
-    commonFolder_ = found.commonFolder;
+    previews_ = std::move(found.previews);
+    facts_ = std::move(found.facts);
+    commonFolder_ = std::move(found.commonFolder);
     if (found.counted.empty())
         Q_EMIT changed();
     else
-        contents_.start(found.counted);
+        contents_.start(std::move(found.counted));
 }
 
 } // namespace ombrel

@@ -54,7 +54,7 @@ Q_SIGNALS:
 
 private:
     struct Found;
-    void take(const Found& found);
+    void take(Found found);
 
     Subject subject_;
     bool isRead_ = false;

@@ -116,4 +116,10 @@ FileItem itemAt(const FileURL& url) {
     return FileItem::make(url.isRoot() ? std::string_view(".") : url.name(), url.parent(), 0);
 }
 
+bool areAlike(const FileItem& before, FileItemView now) {
+    return before.name() == now.name() && before.folder() == now.folder() && before.kind() == now.kind() &&
+           before.size() == now.size() && before.modificationDate() == now.modificationDate() &&
+           before.identity() == now.identity();
+}
+
 } // namespace ombrel

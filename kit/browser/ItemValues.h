@@ -50,4 +50,7 @@ struct ItemValues {
 /// The item that stands at a location. Blocking.
 [[nodiscard]] FileItem itemAt(const FileURL& url);
 
+/// Whether two listings tell the same of one item, so that nothing has to be shown anew.
+[[nodiscard]] bool areAlike(const FileItem& before, FileItemView now);
+
 } // namespace ombrel

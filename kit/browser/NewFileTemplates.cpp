@@ -10,6 +10,7 @@
 #include <QPointer>
 
 #include <algorithm>
+#include <system_error>
 #include <utility>
 
 namespace ombrel {
@@ -54,8 +55,7 @@ NewFileTemplate NewFileTemplates::textDocument() {
 
 void NewFileTemplates::refresh() {
     if (std::exchange(isReading_, true)) return;
-    Worker("ombrel-template", [home = home_, config = config_,
-                               self = QPointer(this)](const std::stop_token&) {
+    auto body = [home = home_, config = config_, self = QPointer(this)](const std::stop_token&) {
         MainThread::post([self, found = read(home, config)]() mutable {
             if (!self) return;
             self->isReading_ = false;
@@ -64,7 +64,12 @@ void NewFileTemplates::refresh() {
             self->list_ = std::move(found);
             Q_EMIT self->changed();
         });
-    }).detach();
+    };
+    try {
+        Worker("ombrel-template", std::move(body)).detach();
+    } catch (const std::system_error&) {
+        isReading_ = false;
+    }
 }
 
 } // namespace ombrel

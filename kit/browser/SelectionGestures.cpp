@@ -41,13 +41,17 @@ void SelectionGestures::toggleAll() {
 }
 
 void SelectionGestures::beginBand(BandMode mode) {
-    band_ = Band{mode, model_->selection()};
-    if (mode == BandMode::replace) band_->before.clear();
+    band_ = Band{mode, mode == BandMode::replace ? ItemSet() : model_->selection().set(),
+                 std::make_unique<QObject>()};
+    QObject::connect(
+        model_, &BrowserModel::itemsSucceeded, band_->follower.get(),
+        [this](const ItemSuccession& succession) { band_->before = succession.successors(band_->before); });
 }
 
 void SelectionGestures::moveBand(std::span<const RowRange> rows, std::optional<std::size_t> nearest) {
     if (!band_) return;
-    auto selection = band_->before;
+    auto selection = model_->selection();
+    selection.select(band_->before);
     for (const RowRange& range : rows)
         selection.change(range, band_->mode == BandMode::flip ? Change::flip : Change::add);
     if (nearest) {

@@ -1,10 +1,13 @@
 #pragma once
 
 #include "browser/BrowserModel.h"
-#include "browser/FileSelection.h"
+#include "browser/ItemSet.h"
 #include "browser/RowRange.h"
 
+#include <QObject>
+
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
 
@@ -36,7 +39,8 @@ public:
 
     enum class BandMode : std::uint8_t { replace, add, flip };
     void beginBand(BandMode mode);
-    /// The rows that the band touches now; what it touched before and no longer does is as it was.
+    /// The rows that the band touches now; what it touched before and no longer does is as it was. The items
+    /// may have changed meanwhile.
     void moveBand(std::span<const RowRange> rows, std::optional<std::size_t> nearest);
     void endBand() { band_.reset(); }
     [[nodiscard]] bool hasBand() const noexcept { return band_.has_value(); }
@@ -44,7 +48,8 @@ public:
 private:
     struct Band {
         BandMode mode;
-        FileSelection before;
+        ItemSet before;
+        std::unique_ptr<QObject> follower; ///< of the items, as long as the band lasts
     };
 
     BrowserModel* model_;

@@ -46,6 +46,14 @@ std::vector<FileURL> filesInText(std::string_view text) {
     return takeLine(text) == nautilusMark ? markedFilesIn(text) : std::vector<FileURL>();
 }
 
+/// One that holds nothing but files.
+struct FileFormat {
+    std::string_view name;
+    std::vector<FileURL> (*parse)(std::string_view);
+};
+constexpr FileFormat fileFormats[] = {
+    {gnomeFiles, markedFilesIn}, {mateFiles, markedFilesIn}, {uriList, filesIn}};
+
 std::string uris(const std::vector<FileURL>& urls, std::string_view separator) {
     std::string text;
     for (const auto& url : urls) {
@@ -93,17 +101,20 @@ std::vector<Pasteboard::Entry> textOf(const std::vector<std::string>& lines) {
 }
 
 std::vector<FileURL> filesOn(const Pasteboard& pasteboard) {
-    using Parser = std::vector<FileURL> (*)(std::string_view);
-    constexpr std::pair<std::string_view, Parser> formats[] = {
-        {gnomeFiles, markedFilesIn}, {mateFiles, markedFilesIn}, {uriList, filesIn},
-        {utf8Text, filesInText},     {plainText, filesInText},
-    };
-    for (const auto& [format, parse] : formats) {
+    for (const auto& [format, parse] : fileFormats) {
         const auto bytes = pasteboard.has(format) ? pasteboard.read(format) : std::nullopt;
         if (!bytes) continue;
         if (auto urls = parse(*bytes); !urls.empty()) return urls;
     }
-    return {};
+    // The same words in another format: there may be very many.
+    const auto words = pasteboard.has(utf8Text) ? utf8Text : plainText;
+    const auto text = pasteboard.has(words) ? pasteboard.read(words) : std::nullopt;
+    return text ? filesInText(*text) : std::vector<FileURL>();
+}
+
+bool offersFiles(const Pasteboard& pasteboard) {
+    return std::ranges::any_of(fileFormats,
+                               [&](const FileFormat& format) { return pasteboard.has(format.name); });
 }
 
 } // namespace ombrel::ClipboardFormats

@@ -29,5 +29,7 @@ inline constexpr std::string_view token = "application/x-halvaneombrel-token";
 /// The files on the pasteboard, in its order: of the first format that names any. URIs of other schemes, of
 /// other machines, and what is no URI are left out.
 [[nodiscard]] std::vector<FileURL> filesOn(const Pasteboard& pasteboard);
+/// Whether there is a format that holds nothing but files. Reads none of them.
+[[nodiscard]] bool offersFiles(const Pasteboard& pasteboard);
 
 } // namespace ombrel::ClipboardFormats

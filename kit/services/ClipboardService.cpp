@@ -130,7 +130,9 @@ void ClipboardService::noteChange() {
 }
 
 void ClipboardService::noteRegained() {
-    fileURLs_.reset();
+    // That a text names no files need not be read out of it again and again.
+    const bool isNothing = fileURLs_ && fileURLs_->empty() && !ClipboardFormats::offersFiles(pasteboard_);
+    if (!isNothing) fileURLs_.reset();
     if (cut_) cut_->changeCount = -1; // whether it is still ours is to be looked at
     revalidateCut();
     Q_EMIT intentChanged();

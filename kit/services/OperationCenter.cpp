@@ -193,7 +193,8 @@ void OperationCenter::finish(Job& job, const JobResult& result) {
     Q_EMIT job.ended(result.report);
     if (!guard) return;
     if (job.leavesReport_ && !isWhole(result.report)) {
-        leftReports_.push_back({job.id(), job.title(), result.report});
+        leftReports_.push_back(
+            {job.id(), job.title(), std::make_shared<const OperationReport>(result.report)});
         const auto left = leftReports_.back();
         Q_EMIT leftReportsChanged();
         if (guard && presenter_) presenter_->presentReport(left);

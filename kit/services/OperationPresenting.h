@@ -17,7 +17,7 @@ class OperationPrompt;
 struct LeftReport {
     QUuid id; ///< the job's
     Text title;
-    OperationReport report;
+    std::shared_ptr<const OperationReport> report; ///< of up to millions of items
 };
 
 /// Whoever shows jobs to the user, as the operation center knows it: held weakly, called on the main thread.

@@ -46,17 +46,6 @@ std::vector<Event> eventsBetween(const MountTable& before, const MountTable& aft
     return events;
 }
 
-std::vector<VolumeInfo> withAnswers(std::vector<VolumeInfo> volumes, const CapacityQuery& query,
-                                    bool isOver) {
-    for (std::size_t i = 0; i < volumes.size(); ++i) {
-        if (query.answer(i))
-            volumes[i].setCapacity(*query.answer(i));
-        else if (isOver)
-            volumes[i].setCapacity(std::unexpected(POSIXFailure{ETIMEDOUT}));
-    }
-    return volumes;
-}
-
 void tellOfSilent(const std::vector<VolumeInfo>& volumes, const CapacityQuery& query) {
     for (std::size_t i = 0; i < volumes.size(); ++i)
         if (!query.answer(i))
@@ -69,6 +58,7 @@ void tellOfSilent(const std::vector<VolumeInfo>& volumes, const CapacityQuery& q
 struct VolumeMonitor::Reading {
     MountTable table;
     std::function<bool(const FileURL&)> isIncluded;
+    std::function<void(VolumeInfo&)> complete;
     std::function<void(std::vector<VolumeInfo>, bool isComplete)> publish;
 
     void run(const std::stop_token& stop) const {
@@ -80,11 +70,23 @@ struct VolumeMonitor::Reading {
         for (const Mount* mount : mounts)
             volumes.push_back(VolumeInfo::describe(*mount));
         if (!query.wait(patience, stop)) {
-            publish(withAnswers(volumes, query, false), false);
+            publish(answered(volumes, query, false), false);
             if (!query.wait(answerLimit - patience, stop) && !stop.stop_requested())
                 tellOfSilent(volumes, query);
         }
-        publish(withAnswers(std::move(volumes), query, true), true);
+        publish(answered(std::move(volumes), query, true), true);
+    }
+
+    [[nodiscard]] std::vector<VolumeInfo> answered(std::vector<VolumeInfo> volumes,
+                                                   const CapacityQuery& query, bool isOver) const {
+        for (std::size_t i = 0; i < volumes.size(); ++i) {
+            if (query.answer(i))
+                volumes[i].setCapacity(*query.answer(i));
+            else if (isOver)
+                volumes[i].setCapacity(std::unexpected(POSIXFailure{ETIMEDOUT}));
+            if (complete) complete(volumes[i]);
+        }
+        return volumes;
     }
 };
 
@@ -146,8 +148,9 @@ void VolumeMonitor::refresh(std::optional<Event> event) {
     };
     try {
         reader_ =
-            Worker("ombrel-volumes", [reading = Reading{*table_, includesVolume, std::move(publishOnMain)}](
-                                         std::stop_token stop) { reading.run(stop); });
+            Worker("ombrel-volumes",
+                   [reading = Reading{*table_, includesVolume, completesVolume, std::move(publishOnMain)}](
+                       std::stop_token stop) { reading.run(stop); });
     } catch (const std::system_error& failure) {
         isRefreshing_ = false;
         Log::error(Log::Category::volumes, std::string("volumes are not read: ") + failure.what());

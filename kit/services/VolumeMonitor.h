@@ -62,6 +62,9 @@ public:
     /// Decides which mounted volumes are listed; all when empty. A function of the location alone, called on
     /// workers.
     std::function<bool(const FileURL&)> includesVolume;
+    /// Completes what is told of a listed volume, where the mounts do not stand for real devices. Called on
+    /// workers.
+    std::function<void(VolumeInfo&)> completesVolume;
 
 Q_SIGNALS:
     void volumesChanged();

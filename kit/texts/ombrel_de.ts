@@ -589,7 +589,6 @@
     <message id="ui.report.copy"><source></source><translation>Bericht kopieren</translation></message>
     <message id="ui.search.clear"><source></source><translation>Löschen</translation></message>
     <message id="ui.search.in"><source></source><translation>{1} durchsuchen</translation></message>
-    <message id="ui.search.limit"><source></source><translation>Die ersten 10.000 Treffer werden angezeigt</translation></message>
     <message id="ui.search.openFolder"><source></source><translation>Zum Suchen einen Ordner öffnen</translation></message>
     <message id="ui.search.results"><source></source><translation>Ergebnisse für „{1}“ in {2}</translation></message>
     <message id="ui.settings.checkNow"><source></source><translation>Jetzt suchen</translation></message>

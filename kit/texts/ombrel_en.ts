@@ -589,7 +589,6 @@
     <message id="ui.report.copy"><source></source><translation>Copy report</translation></message>
     <message id="ui.search.clear"><source></source><translation>Clear</translation></message>
     <message id="ui.search.in"><source></source><translation>Search {1}</translation></message>
-    <message id="ui.search.limit"><source></source><translation>Showing the first 10,000 matches</translation></message>
     <message id="ui.search.openFolder"><source></source><translation>Open a folder to search</translation></message>
     <message id="ui.search.results"><source></source><translation>Results for “{1}” in {2}</translation></message>
     <message id="ui.settings.checkNow"><source></source><translation>Check now</translation></message>

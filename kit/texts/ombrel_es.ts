@@ -589,7 +589,6 @@
     <message id="ui.report.copy"><source></source><translation>Copiar informe</translation></message>
     <message id="ui.search.clear"><source></source><translation>Borrar</translation></message>
     <message id="ui.search.in"><source></source><translation>Buscar en {1}</translation></message>
-    <message id="ui.search.limit"><source></source><translation>Se muestran los primeros 10.000 resultados</translation></message>
     <message id="ui.search.openFolder"><source></source><translation>Abra una carpeta para buscar</translation></message>
     <message id="ui.search.results"><source></source><translation>Resultados de «{1}» en {2}</translation></message>
     <message id="ui.settings.checkNow"><source></source><translation>Buscar ahora</translation></message>

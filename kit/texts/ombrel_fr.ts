@@ -589,7 +589,6 @@
     <message id="ui.report.copy"><source></source><translation>Copier le rapport</translation></message>
     <message id="ui.search.clear"><source></source><translation>Effacer</translation></message>
     <message id="ui.search.in"><source></source><translation>Rechercher dans {1}</translation></message>
-    <message id="ui.search.limit"><source></source><translation>Affichage des 10 000 premiers résultats</translation></message>
     <message id="ui.search.openFolder"><source></source><translation>Ouvrez un dossier pour rechercher</translation></message>
     <message id="ui.search.results"><source></source><translation>Résultats pour « {1} » dans {2}</translation></message>
     <message id="ui.settings.checkNow"><source></source><translation>Rechercher maintenant</translation></message>

@@ -589,7 +589,6 @@
     <message id="ui.report.copy"><source></source><translation>Salin laporan</translation></message>
     <message id="ui.search.clear"><source></source><translation>Bersihkan</translation></message>
     <message id="ui.search.in"><source></source><translation>Cari di {1}</translation></message>
-    <message id="ui.search.limit"><source></source><translation>Menampilkan 10.000 hasil pertama</translation></message>
     <message id="ui.search.openFolder"><source></source><translation>Buka folder untuk mencari</translation></message>
     <message id="ui.search.results"><source></source><translation>Hasil untuk “{1}” di {2}</translation></message>
     <message id="ui.settings.checkNow"><source></source><translation>Periksa sekarang</translation></message>

@@ -589,7 +589,6 @@
     <message id="ui.report.copy"><source></source><translation>Copia resoconto</translation></message>
     <message id="ui.search.clear"><source></source><translation>Cancella</translation></message>
     <message id="ui.search.in"><source></source><translation>Cerca in {1}</translation></message>
-    <message id="ui.search.limit"><source></source><translation>Sono mostrati i primi 10.000 risultati</translation></message>
     <message id="ui.search.openFolder"><source></source><translation>Aprire una cartella per cercare</translation></message>
     <message id="ui.search.results"><source></source><translation>Risultati per “{1}” in {2}</translation></message>
     <message id="ui.settings.checkNow"><source></source><translation>Verifica ora</translation></message>

@@ -589,7 +589,6 @@
     <message id="ui.report.copy"><source></source><translation>レポートをコピー</translation></message>
     <message id="ui.search.clear"><source></source><translation>クリア</translation></message>
     <message id="ui.search.in"><source></source><translation>{1}内を検索</translation></message>
-    <message id="ui.search.limit"><source></source><translation>最初の10,000件を表示しています</translation></message>
     <message id="ui.search.openFolder"><source></source><translation>検索するにはフォルダーを開きます</translation></message>
     <message id="ui.search.results"><source></source><translation>{2}での「{1}」の検索結果</translation></message>
     <message id="ui.settings.checkNow"><source></source><translation>今すぐ確認</translation></message>

@@ -589,7 +589,6 @@
     <message id="ui.report.copy"><source></source><translation>보고서 복사</translation></message>
     <message id="ui.search.clear"><source></source><translation>지우기</translation></message>
     <message id="ui.search.in"><source></source><translation>{1} 검색</translation></message>
-    <message id="ui.search.limit"><source></source><translation>처음 10,000개의 결과 표시 중</translation></message>
     <message id="ui.search.openFolder"><source></source><translation>검색하려면 폴더를 여십시오</translation></message>
     <message id="ui.search.results"><source></source><translation>{2}에서 “{1}” 검색 결과</translation></message>
     <message id="ui.settings.checkNow"><source></source><translation>지금 확인</translation></message>

@@ -589,7 +589,6 @@
     <message id="ui.report.copy"><source></source><translation>Rapport kopiëren</translation></message>
     <message id="ui.search.clear"><source></source><translation>Wissen</translation></message>
     <message id="ui.search.in"><source></source><translation>Zoeken in {1}</translation></message>
-    <message id="ui.search.limit"><source></source><translation>De eerste 10.000 resultaten worden getoond</translation></message>
     <message id="ui.search.openFolder"><source></source><translation>Open een map om te zoeken</translation></message>
     <message id="ui.search.results"><source></source><translation>Resultaten voor “{1}” in {2}</translation></message>
     <message id="ui.settings.checkNow"><source></source><translation>Nu controleren</translation></message>

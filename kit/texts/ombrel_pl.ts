@@ -589,7 +589,6 @@
     <message id="ui.report.copy"><source></source><translation>Kopiuj raport</translation></message>
     <message id="ui.search.clear"><source></source><translation>Wyczyść</translation></message>
     <message id="ui.search.in"><source></source><translation>Przeszukaj: {1}</translation></message>
-    <message id="ui.search.limit"><source></source><translation>Wyświetlono pierwsze 10 000 wyników</translation></message>
     <message id="ui.search.openFolder"><source></source><translation>Otwórz folder, aby wyszukiwać</translation></message>
     <message id="ui.search.results"><source></source><translation>Wyniki dla „{1}” w „{2}”</translation></message>
     <message id="ui.settings.checkNow"><source></source><translation>Sprawdź teraz</translation></message>

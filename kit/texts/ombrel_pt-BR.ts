@@ -589,7 +589,6 @@
     <message id="ui.report.copy"><source></source><translation>Copiar relatório</translation></message>
     <message id="ui.search.clear"><source></source><translation>Limpar</translation></message>
     <message id="ui.search.in"><source></source><translation>Pesquisar em {1}</translation></message>
-    <message id="ui.search.limit"><source></source><translation>Mostrando os primeiros 10.000 resultados</translation></message>
     <message id="ui.search.openFolder"><source></source><translation>Abra uma pasta para pesquisar</translation></message>
     <message id="ui.search.results"><source></source><translation>Resultados para “{1}” em {2}</translation></message>
     <message id="ui.settings.checkNow"><source></source><translation>Verificar agora</translation></message>

@@ -589,7 +589,6 @@
     <message id="ui.report.copy"><source></source><translation>Копировать отчёт</translation></message>
     <message id="ui.search.clear"><source></source><translation>Очистить</translation></message>
     <message id="ui.search.in"><source></source><translation>Поиск: {1}</translation></message>
-    <message id="ui.search.limit"><source></source><translation>Показаны первые 10 000 совпадений</translation></message>
     <message id="ui.search.openFolder"><source></source><translation>Откройте папку для поиска</translation></message>
     <message id="ui.search.results"><source></source><translation>Результаты по запросу «{1}» в «{2}»</translation></message>
     <message id="ui.settings.checkNow"><source></source><translation>Проверить сейчас</translation></message>

@@ -589,7 +589,6 @@
     <message id="ui.report.copy"><source></source><translation>Raporu kopyala</translation></message>
     <message id="ui.search.clear"><source></source><translation>Temizle</translation></message>
     <message id="ui.search.in"><source></source><translation>Ara: {1}</translation></message>
-    <message id="ui.search.limit"><source></source><translation>İlk 10.000 eşleşme gösteriliyor</translation></message>
     <message id="ui.search.openFolder"><source></source><translation>Aramak için bir klasör açın</translation></message>
     <message id="ui.search.results"><source></source><translation>“{2}” içinde “{1}” için sonuçlar</translation></message>
     <message id="ui.settings.checkNow"><source></source><translation>Şimdi denetle</translation></message>

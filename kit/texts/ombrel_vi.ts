@@ -589,7 +589,6 @@
     <message id="ui.report.copy"><source></source><translation>Sao chép báo cáo</translation></message>
     <message id="ui.search.clear"><source></source><translation>Xóa</translation></message>
     <message id="ui.search.in"><source></source><translation>Tìm kiếm trong {1}</translation></message>
-    <message id="ui.search.limit"><source></source><translation>Hiển thị 10.000 kết quả đầu tiên</translation></message>
     <message id="ui.search.openFolder"><source></source><translation>Mở một thư mục để tìm kiếm</translation></message>
     <message id="ui.search.results"><source></source><translation>Kết quả cho “{1}” trong {2}</translation></message>
     <message id="ui.settings.checkNow"><source></source><translation>Kiểm tra ngay</translation></message>

@@ -589,7 +589,6 @@
     <message id="ui.report.copy"><source></source><translation>复制报告</translation></message>
     <message id="ui.search.clear"><source></source><translation>清除</translation></message>
     <message id="ui.search.in"><source></source><translation>在 {1} 中搜索</translation></message>
-    <message id="ui.search.limit"><source></source><translation>显示前 10,000 个匹配项</translation></message>
     <message id="ui.search.openFolder"><source></source><translation>打开文件夹以进行搜索</translation></message>
     <message id="ui.search.results"><source></source><translation>在 {2} 中搜索“{1}”的结果</translation></message>
     <message id="ui.settings.checkNow"><source></source><translation>立即检查</translation></message>

@@ -589,7 +589,6 @@
     <message id="ui.report.copy"><source></source><translation>複製報告</translation></message>
     <message id="ui.search.clear"><source></source><translation>清除</translation></message>
     <message id="ui.search.in"><source></source><translation>在 {1} 中搜尋</translation></message>
-    <message id="ui.search.limit"><source></source><translation>顯示前 10,000 個相符項目</translation></message>
     <message id="ui.search.openFolder"><source></source><translation>開啟資料夾以進行搜尋</translation></message>
     <message id="ui.search.results"><source></source><translation>在 {2} 中搜尋「{1}」的結果</translation></message>
     <message id="ui.settings.checkNow"><source></source><translation>立即檢查</translation></message>

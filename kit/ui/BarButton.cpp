@@ -15,6 +15,11 @@ BarButton::BarButton(const Theme& theme, Glyph glyph, QWidget* parent)
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
+void BarButton::setGlyph(Glyph glyph) {
+    glyph_ = glyph;
+    update();
+}
+
 void BarButton::setGlyphColor(ThemeColor color) {
     glyphColor_ = color;
     update();
@@ -44,14 +49,14 @@ void BarButton::follow(QAction* action) {
 void BarButton::setMenu(QMenu* menu) {
     menu_ = menu;
     connect(this, &QAbstractButton::clicked, this, &BarButton::showMenu);
+    connect(menu, &QMenu::aboutToHide, this, [this] { setDown(false); });
 }
 
 void BarButton::showMenu() {
     setDown(true);
     const int width = menu_->sizeHint().width();
     const bool isRightToLeft = layoutDirection() == Qt::RightToLeft;
-    menu_->exec(mapToGlobal(QPoint(isRightToLeft ? this->width() - width : 0, height())));
-    setDown(false);
+    menu_->popup(mapToGlobal(QPoint(isRightToLeft ? this->width() - width : 0, height())));
 }
 
 void BarButton::setLabelled(Labelled labelled) {

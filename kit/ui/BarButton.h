@@ -23,6 +23,7 @@ public:
     /// `theme` must outlive it.
     BarButton(const Theme& theme, Glyph glyph, QWidget* parent);
 
+    void setGlyph(Glyph glyph);
     void setGlyphColor(ThemeColor color);
     /// What it is called; also to be seen, while it is labelled.
     void setLabel(const QString& label);

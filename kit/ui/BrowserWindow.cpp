@@ -45,7 +45,9 @@
 #include "ui/WindowPrompter.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
+#include <QContextMenuEvent>
 #include <QEvent>
 #include <QKeyEvent>
 #include <QMenu>
@@ -372,9 +374,19 @@ void BrowserWindow::keyPressEvent(QKeyEvent* event) {
         return FocusCycle::advance(focusStops(), isPlain ? FocusCycle::Direction::forward
                                                          : FocusCycle::Direction::backward);
     if (event->key() == Qt::Key_F10 && isPlain) return commandBar_->focusFirst();
+    if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier) return openMenuOfFocus();
     // A control beside the file view has had no use for it.
     if (event->key() == Qt::Key_Escape && isPlain) return paneArea().focusContent();
     QWidget::keyPressEvent(event);
+}
+
+/// As the Menu key does, which not every keyboard has.
+void BrowserWindow::openMenuOfFocus() {
+    QWidget* const focused = focusWidget();
+    if (!focused) return;
+    const QPoint at = focused->inputMethodQuery(Qt::ImCursorRectangle).toRect().center();
+    QContextMenuEvent wanted(QContextMenuEvent::Keyboard, at, focused->mapToGlobal(at));
+    QApplication::sendEvent(focused, &wanted);
 }
 
 void BrowserWindow::closeEvent(QCloseEvent* event) {

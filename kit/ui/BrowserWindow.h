@@ -97,6 +97,7 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    void openMenuOfFocus();
     void layOut();
     void takeDrops();
     void bindCommands();

@@ -3,6 +3,7 @@
 #include "ui/BarButton.h"
 #include "ui/LocalizedText.h"
 #include "ui/Theme.h"
+#include "ui/ViewModeActions.h"
 #include "ui/WindowActions.h"
 #include "ui/WindowMenus.h"
 
@@ -26,6 +27,16 @@ CommandBar::CommandBar(const Theme& theme, WindowActions& actions, WindowMenus& 
     connect(&menus, &WindowMenus::moreIsFilled, this, &CommandBar::putLeftOutInto);
     connect(&theme, &Theme::changed, this, &CommandBar::arrange);
     refreshMenus();
+    followViewMode(menus.viewModes());
+}
+
+/// The button shows what the pane looks like.
+void CommandBar::followViewMode(const ViewModeActions& modes) {
+    const auto show = [this, details = modes.details()] {
+        view_->setGlyph(details->isChecked() ? Glyph::list : Glyph::grid);
+    };
+    connect(modes.details(), &QAction::toggled, this, show);
+    show();
 }
 
 void CommandBar::makeButtons(const Theme& theme, WindowActions& actions) {

@@ -11,6 +11,7 @@ namespace ombrel {
 class BarButton;
 class BrowserTabsModel;
 class Theme;
+class ViewModeActions;
 class WindowActions;
 class WindowMenus;
 
@@ -45,6 +46,7 @@ private:
 
     void makeButtons(const Theme& theme, WindowActions& actions);
     void refreshMenus();
+    void followViewMode(const ViewModeActions& modes);
     void arrange();
     [[nodiscard]] int widthOf(std::size_t groupCount) const;
     [[nodiscard]] bool fits(std::size_t groupCount) const;

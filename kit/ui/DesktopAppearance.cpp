@@ -22,40 +22,28 @@ constexpr auto service = "org.freedesktop.portal.Desktop";
 constexpr auto path = "/org/freedesktop/portal/desktop";
 constexpr auto interface = "org.freedesktop.portal.Settings";
 constexpr auto appearanceSpace = "org.freedesktop.appearance";
+/// Of desktops whose portals know nothing of reduced motion yet.
+constexpr auto animationSpace = "org.gnome.desktop.interface";
 constexpr int portalPatience = 3000; // milliseconds
 
 QString string(const char* text) {
     return QString::fromLatin1(text);
 }
 
-/// One setting of the space org.freedesktop.appearance.
-Appearance with(Appearance appearance, const Appearance& fallback, const QString& key,
-                const QVariant& value) {
-    constexpr unsigned noPreference = 0, preferDark = 1, moreContrast = 1, lessMotion = 1;
-    if (key == QLatin1String("color-scheme"))
-        appearance.isDark = value.toUInt() == noPreference ? fallback.isDark : value.toUInt() == preferDark;
-    else if (key == QLatin1String("contrast"))
-        appearance.isHighContrast = value.toUInt() == moreContrast;
-    else if (key == QLatin1String("reduced-motion"))
-        appearance.isMotionReduced = value.toUInt() == lessMotion;
-    return appearance;
-}
-
 using Settings = QMap<QString, QVariantMap>;
 
-/// All settings of the space, none when no portal answers; nothing when there is no bus. Blocking.
-std::optional<QVariantMap> askPortal() {
+/// All settings of both spaces, none when no portal answers; nothing when there is no bus. Blocking.
+std::optional<Settings> askPortal() {
     // Without an address the bus library would try to launch a bus.
     if (qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS")) return std::nullopt;
     auto bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) return std::nullopt;
     auto call = QDBusMessage::createMethodCall(string(service), string(path), string(interface),
                                                QStringLiteral("ReadAll"));
-    call << QStringList{string(appearanceSpace)};
+    call << QStringList{string(appearanceSpace), string(animationSpace)};
     const auto reply = bus.call(call, QDBus::Block, portalPatience);
-    if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) return QVariantMap();
-    const auto settings = qdbus_cast<Settings>(reply.arguments().constFirst());
-    return settings.value(string(appearanceSpace));
+    if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) return Settings();
+    return qdbus_cast<Settings>(reply.arguments().constFirst());
 }
 
 } // namespace
@@ -75,8 +63,9 @@ void DesktopAppearance::follow() {
             MainThread::post([self, settings = std::move(settings)] {
                 if (!self || !settings) return;
                 Appearance appearance = self->theme_->appearance();
-                for (auto setting = settings->begin(); setting != settings->end(); ++setting)
-                    appearance = with(appearance, self->fallback_, setting.key(), setting.value());
+                for (auto space = settings->begin(); space != settings->end(); ++space)
+                    for (auto setting = space->begin(); setting != space->end(); ++setting)
+                        appearance = self->with(appearance, space.key(), setting.key(), setting.value());
                 self->theme_->setAppearance(appearance);
                 QDBusConnection::sessionBus().connect(string(service), string(path), string(interface),
                                                       QStringLiteral("SettingChanged"), self,
@@ -89,8 +78,25 @@ void DesktopAppearance::follow() {
 }
 
 void DesktopAppearance::settingChanged(const QString& space, const QString& key, const QDBusVariant& value) {
-    if (space == QLatin1String(appearanceSpace))
-        theme_->setAppearance(with(theme_->appearance(), fallback_, key, value.variant()));
+    theme_->setAppearance(with(theme_->appearance(), space, key, value.variant()));
+}
+
+Appearance DesktopAppearance::with(Appearance appearance, const QString& space, const QString& key,
+                                   const QVariant& value) {
+    constexpr unsigned noPreference = 0, preferDark = 1, moreContrast = 1, lessMotion = 1;
+    if (space == QLatin1String(animationSpace)) {
+        if (key == QLatin1String("enable-animations")) isAnimated_ = value.toBool();
+    } else if (space != QLatin1String(appearanceSpace)) {
+        return appearance;
+    } else if (key == QLatin1String("color-scheme")) {
+        appearance.isDark = value.toUInt() == noPreference ? fallback_.isDark : value.toUInt() == preferDark;
+    } else if (key == QLatin1String("contrast")) {
+        appearance.isHighContrast = value.toUInt() == moreContrast;
+    } else if (key == QLatin1String("reduced-motion")) {
+        prefersLessMotion_ = value.toUInt() == lessMotion;
+    }
+    appearance.isMotionReduced = prefersLessMotion_ || !isAnimated_;
+    return appearance;
 }
 
 } // namespace ombrel

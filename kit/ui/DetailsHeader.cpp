@@ -287,9 +287,10 @@ void DetailsHeader::sortBy(DetailsColumn column) {
 
 void DetailsHeader::contextMenuEvent(QContextMenuEvent* event) {
     const int section = logicalIndexAt(event->pos());
-    QMenu menu(this);
+    auto* const menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
     for (const auto column : optionalColumns) {
-        auto* const action = menu.addAction(label(column));
+        auto* const action = menu->addAction(label(column));
         action->setCheckable(true);
         action->setChecked(isShown(column));
         connect(action, &QAction::toggled, this, [this, column](bool shown) {
@@ -298,20 +299,20 @@ void DetailsHeader::contextMenuEvent(QContextMenuEvent* event) {
             settling_.start();
         });
     }
-    menu.addSeparator();
-    auto* const fitThis = menu.addAction(localized("ui.columns.fitThis"));
+    menu->addSeparator();
+    auto* const fitThis = menu->addAction(localized("ui.columns.fitThis"));
     fitThis->setEnabled(section > index(DetailsColumn::checkBox));
     connect(fitThis, &QAction::triggered, this,
             [this, section] { Q_EMIT fitRequested(static_cast<DetailsColumn>(section)); });
-    connect(menu.addAction(localized("ui.columns.fitAll")), &QAction::triggered, this, [this] {
+    connect(menu->addAction(localized("ui.columns.fitAll")), &QAction::triggered, this, [this] {
         for (const auto column : optionalColumns)
             if (isShown(column)) Q_EMIT fitRequested(column);
     });
-    connect(menu.addAction(localized("ui.columns.reset")), &QAction::triggered, this, [this] {
+    connect(menu->addAction(localized("ui.columns.reset")), &QAction::triggered, this, [this] {
         resetColumns();
         settling_.start();
     });
-    menu.exec(event->globalPos());
+    menu->popup(event->globalPos());
 }
 
 bool DetailsHeader::viewportEvent(QEvent* event) {

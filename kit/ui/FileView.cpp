@@ -38,7 +38,8 @@ constexpr int placeholderCount = 8;
 
 FileView::FileView(BrowserModel& model, const Theme& theme, QWidget* parent)
     : QAbstractScrollArea(parent), model_(&model), theme_(&theme), gestures_(model), typeAhead_(model),
-      icons_(theme), pointer_(*this, gestures_), loadingLine_(nullptr), drop_(*this) {
+      icons_(theme), pointer_(*this, gestures_), loadingLine_(nullptr), sortShown_(model.itemsSort()),
+      drop_(*this) {
     // Its coming is an event of the viewport, which all of this view takes part in.
     loadingLine_ = new LoadingLine(model, theme, viewport());
     setFrameShape(QFrame::NoFrame);
@@ -420,6 +421,13 @@ void FileView::resizeEvent(QResizeEvent* event) {
     relayout();
 }
 
+void FileView::hideEvent(QHideEvent* event) {
+    QAbstractScrollArea::hideEvent(event);
+    // Others may be looked at now.
+    wanted_.clear();
+    if (sources_.thumbnails) sources_.thumbnails->want(*this, {});
+}
+
 bool FileView::viewportEvent(QEvent* event) {
     if (drop_.take(*event)) return true;
     switch (event->type()) {
@@ -468,10 +476,13 @@ void FileView::wheelEvent(QWheelEvent* event) {
         zoomByWheel(*event);
         return event->accept();
     }
-    if (event->modifiers() & (Qt::ShiftModifier | Qt::AltModifier) || event->pixelDelta().x() != 0)
+    if (event->modifiers() & (Qt::ShiftModifier | Qt::AltModifier) ||
+        (event->pixelDelta().isNull() && event->angleDelta().y() == 0))
         return QAbstractScrollArea::wheelEvent(event);
-    if (const int pixels = event->pixelDelta().y(); pixels != 0) {
-        scrollTo(offset() - pixels);
+    if (const QPoint pixels = event->pixelDelta(); !pixels.isNull()) {
+        auto* const sideways = horizontalScrollBar();
+        sideways->setValue(sideways->value() + (isRightToLeft() ? pixels.x() : -pixels.x()));
+        scrollTo(offset() - pixels.y());
     } else {
         constexpr int notch = 120, stepsPerNotch = 3;
         wheelRest_ += event->angleDelta().y() * scrollStep() * stepsPerNotch;

@@ -199,6 +199,7 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override { pointer_.move(*event); }
     void mouseReleaseEvent(QMouseEvent* event) override { pointer_.release(*event); }
     void mouseDoubleClickEvent(QMouseEvent* event) override { pointer_.doubleClick(*event); }
+    void hideEvent(QHideEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
 

@@ -47,6 +47,9 @@ FileViewPointer::FileViewPointer(FileView& view, SelectionGestures& gestures)
             view_->beginRename(*row);
     });
     connect(&patience_, &QTimer::timeout, this, [this] { view_->model().setHeld(false); });
+    connect(&view.model(), &BrowserModel::itemsSucceeded, this, [this](const ItemSuccession& succession) {
+        if (press_ && press_->item) press_->item = succession.successor(*press_->item);
+    });
 }
 
 void FileViewPointer::press(QMouseEvent& event) {
@@ -61,8 +64,7 @@ void FileViewPointer::press(QMouseEvent& event) {
                    .contentX = content.x,
                    .contentY = content.y,
                    .button = event.button(),
-                   .row = row,
-                   .rowToSelect = std::nullopt,
+                   .item = row ? std::optional(view_->model().items().order()[*row]) : std::nullopt,
                    .mayBand = isLeft && !row,
                    .mode = bandModeOf(event.modifiers())};
     if (isMiddle) return;
@@ -96,12 +98,16 @@ void FileViewPointer::pressRow(std::size_t row, const QMouseEvent& event) {
     // What is selected may be about to be dragged, with Ctrl as a copy.
     const bool waits = how == How::only ? selection.count() > 1 : how == How::toggle && press_->mayDrag;
     if (isSelected && waits) {
-        press_->rowToSelect = row;
+        press_->selects = true;
         press_->howToSelect = how;
         view_->model().setRow(BrowserModel::Place::current, row);
         return;
     }
     gestures_->select(row, how);
+}
+
+std::optional<std::size_t> FileViewPointer::pressedRow() const {
+    return press_ && press_->item ? view_->model().rowOf(*press_->item) : std::nullopt;
 }
 
 void FileViewPointer::move(QMouseEvent& event) {
@@ -117,7 +123,7 @@ void FileViewPointer::move(QMouseEvent& event) {
 }
 
 void FileViewPointer::beginBand() {
-    press_->rowToSelect.reset();
+    press_->selects = false;
     gestures_->beginBand(press_->mode);
     view_->model().setHeld(true);
     patience_.start();
@@ -126,8 +132,8 @@ void FileViewPointer::beginBand() {
 }
 
 void FileViewPointer::beginDrag() {
-    const bool isSelected = press_->row && *press_->row < view_->model().items().size() &&
-                            view_->model().selection().contains(*press_->row);
+    const auto row = pressedRow();
+    const bool isSelected = row && view_->model().selection().contains(*row);
     const auto button = press_->button;
     // Whoever takes the drop has the button's release too.
     cancel();
@@ -139,11 +145,13 @@ void FileViewPointer::beginDrag() {
 void FileViewPointer::release(QMouseEvent& event) {
     if (!press_ || event.button() != press_->button) return event.ignore();
     const Press press = *press_;
+    const auto pressed = pressedRow();
     cancel();
-    if (press.rowToSelect) gestures_->select(*press.rowToSelect, press.howToSelect);
+    if (press.selects && pressed) gestures_->select(*pressed, press.howToSelect);
     const auto row = view_->rowAt(event.position().toPoint());
-    if (press.button == Qt::MiddleButton && row && row == press.row) openInTab(*row);
-    if (press.mayRename && row == press.row) {
+    const bool isClick = row && row == pressed;
+    if (press.button == Qt::MiddleButton && isClick) openInTab(*row);
+    if (press.mayRename && isClick) {
         slowRow_ = row;
         slowClick_.start(QGuiApplication::styleHints()->mouseDoubleClickInterval());
     }
@@ -183,6 +191,7 @@ void FileViewPointer::hover(QPoint at) {
 void FileViewPointer::rowsMoved() {
     hovered_ =
         view_->viewport()->underMouse() && !gestures_->hasBand() ? view_->rowAt(pointer_) : std::nullopt;
+    if (press_ && gestures_->hasBand()) moveBand();
 }
 
 void FileViewPointer::cancel() {
@@ -226,7 +235,6 @@ void FileViewPointer::scrollAtEdge() {
     const int distance = above > 0 ? -above : below > 0 ? below : 0;
     if (distance == 0) return;
     view_->scrollTo(view_->offset() + distance);
-    moveBand();
 }
 
 } // namespace ombrel

@@ -51,8 +51,8 @@ private:
         qint64 contentX = 0; ///< and in the contents, which may scroll meanwhile
         qint64 contentY = 0;
         Qt::MouseButton button = Qt::LeftButton;
-        std::optional<std::size_t> row;
-        std::optional<std::size_t> rowToSelect; ///< on release, unless something was dragged
+        std::optional<ItemRef> item; ///< which a reload may give another row or take away
+        bool selects = false;        ///< on release, unless something was dragged
         SelectionGestures::How howToSelect = SelectionGestures::How::only;
         bool mayDrag = false;
         bool mayRename = false; ///< a click on the name of what alone was selected already
@@ -61,6 +61,8 @@ private:
     };
 
     void pressRow(std::size_t row, const QMouseEvent& event);
+    /// Where the item is now that the button was pressed on.
+    [[nodiscard]] std::optional<std::size_t> pressedRow() const;
     void hover(QPoint at);
     void beginDrag();
     void openInTab(std::size_t row);

@@ -43,10 +43,10 @@ constexpr PathStep forwardSteps[] = {to(2.5, 8), line(13.25, 8), to(8.75, 3.25),
 constexpr PathStep upSteps[] = {to(8, 13.5), line(8, 2.75), to(3.25, 7.25), line(8, 2.5), line(12.75, 7.25)};
 constexpr PathStep refreshSteps[] = {to(13.4, 8.9), arc(2.5, 2.75, 11, -10, -305), to(13.5, 2.2),
                                      line(13.5, 5.6), line(10.1, 5.6)};
-constexpr PathStep chevronLeftSteps[] = {to(9.75, 4.25), line(6.25, 8), line(9.75, 11.75)};
-constexpr PathStep chevronRightSteps[] = {to(6.25, 4.25), line(9.75, 8), line(6.25, 11.75)};
-constexpr PathStep chevronUpSteps[] = {to(4.25, 9.75), line(8, 6.25), line(11.75, 9.75)};
-constexpr PathStep chevronDownSteps[] = {to(4.25, 6.25), line(8, 9.75), line(11.75, 6.25)};
+constexpr PathStep chevronLeftSteps[] = {to(9.5, 5), line(6.5, 8), line(9.5, 11)};
+constexpr PathStep chevronRightSteps[] = {to(6.5, 5), line(9.5, 8), line(6.5, 11)};
+constexpr PathStep chevronUpSteps[] = {to(5, 9.5), line(8, 6.5), line(11, 9.5)};
+constexpr PathStep chevronDownSteps[] = {to(5, 6.5), line(8, 9.5), line(11, 6.5)};
 constexpr PathStep collapsedSteps[] = {to(7.5, 4.5), line(4, 8),   line(7.5, 11.5),
                                        to(12, 4.5),  line(8.5, 8), line(12, 11.5)};
 constexpr PathStep closeSteps[] = {to(4.5, 4.5), line(11.5, 11.5), to(11.5, 4.5), line(4.5, 11.5)};

@@ -364,9 +364,10 @@ std::optional<PlaceMenu::Place> HomeView::placeOf(const HomeItem& item) const {
 void HomeView::showMenu(const HomeItem& item, const QPoint& at) {
     const auto place = placeOf(item);
     if (!place) return;
-    QMenu menu(this);
-    menus_.fill(menu, *place, PlaceMenu::Extent::page);
-    if (!menu.isEmpty()) menu.exec(at);
+    auto* const menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menus_.fill(*menu, *place, PlaceMenu::Extent::page);
+    menu->popup(at);
 }
 
 void HomeView::contextMenuEvent(QContextMenuEvent* event) {

@@ -206,7 +206,7 @@ void JobCard::togglePause() {
 }
 
 void JobCard::showPrompt(PromptView* view) {
-    delete prompt_;
+    leavePrompt();
     prompt_ = view;
     column_->addWidget(view);
     view->show();

@@ -34,6 +34,7 @@ LoadingLine::LoadingLine(const BrowserModel& model, const Theme& theme, QWidget*
     });
     connect(&model, &BrowserModel::locationChanged, this, &LoadingLine::begin);
     connect(&model, &BrowserModel::itemsChanged, this, [this] {
+        if (model_->allItems().empty()) return;
         ++states_;
         grow();
     });

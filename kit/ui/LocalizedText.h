@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/FileName.h"
+#include "base/IsolatedName.h"
 #include "base/Text.h"
 
 #include <QString>
@@ -22,12 +22,6 @@ namespace ombrel {
 [[nodiscard]] inline QString localized(std::string_view key, std::int64_t count,
                                        std::vector<std::string> arguments = {}) {
     return localized(Text{key, std::move(arguments), count});
-}
-
-/// A name as people read it, kept apart from the direction of the text around it.
-[[nodiscard]] inline std::string isolated(std::string_view name) {
-    constexpr auto firstStrongIsolate = "\u2068", popIsolate = "\u2069";
-    return firstStrongIsolate + FileName::displayText(name) + popIsolate;
 }
 
 } // namespace ombrel

@@ -14,10 +14,15 @@ MenuFrame::MenuFrame(const Theme& theme, QWidget* parent, Qt::WindowFlags flags)
     : QFrame(parent, flags), theme_(&theme) {
     const int outline = theme.size(ThemeSize::hairline), inset = theme.size(ThemeSize::space4);
     setContentsMargins(outline, inset, outline, inset);
-    QPalette colors = palette();
-    colors.setColor(QPalette::Base, theme.color(ThemeColor::menu));
-    setPalette(colors);
+    takeColors();
+    connect(&theme, &Theme::changed, this, &MenuFrame::takeColors);
     if (isWindow() && Compositing::isOn()) setAttribute(Qt::WA_TranslucentBackground);
+}
+
+void MenuFrame::takeColors() {
+    QPalette colors;
+    colors.setColor(QPalette::Base, theme_->color(ThemeColor::menu));
+    setPalette(colors);
 }
 
 void MenuFrame::paintEvent(QPaintEvent*) {

@@ -20,6 +20,9 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
     const Theme* theme_;
+
+private:
+    void takeColors();
 };
 
 } // namespace ombrel

@@ -327,10 +327,10 @@ void NavigationTree::contextMenuEvent(QContextMenuEvent* event) {
     if (!index.isValid() || !(index.flags() & Qt::ItemIsEnabled)) return;
     selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
     viewport()->update();
-    QMenu menu(this);
-    fillMenu(menu, index);
-    if (!menu.isEmpty())
-        menu.exec(isByKey ? viewport()->mapToGlobal(partsOf(index).text.bottomLeft()) : event->globalPos());
+    auto* const menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    fillMenu(*menu, index);
+    menu->popup(isByKey ? viewport()->mapToGlobal(partsOf(index).text.bottomLeft()) : event->globalPos());
 }
 
 bool NavigationTree::viewportEvent(QEvent* event) {

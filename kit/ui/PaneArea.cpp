@@ -57,7 +57,10 @@ void PaneArea::followMode() {
     view_->setVisible(!isAtHome);
     if (!isAtHome) setFocusProxy(view_);
     layout()->activate();
-    if (keepsPlace) view_->restore(*anchor);
+    if (keepsPlace)
+        view_->restore(*anchor);
+    else
+        view_->scrollTo(0);
     overlay_->lieOver(view_->viewport());
     if (hadFocus) view_->setFocus(Qt::OtherFocusReason);
     if (sources_.settings) sources_.settings->setShowsIcons(showsIcons);

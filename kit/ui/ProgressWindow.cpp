@@ -129,7 +129,7 @@ void ProgressWindow::confirmDeleting(const std::shared_ptr<OperationPrompt>& pro
 
 void ProgressWindow::presentReport(const LeftReport& report) {
     // What the user called off before anything happened needs no telling.
-    if (report.report.overall() == OperationReport::Overall::cancelled) {
+    if (report.report->overall() == OperationReport::Overall::cancelled) {
         const QUuid id = report.id;
         QMetaObject::invokeMethod(
             this, [this, id] { setting_.center.dismissReport(id); }, Qt::QueuedConnection);

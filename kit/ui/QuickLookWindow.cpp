@@ -45,13 +45,6 @@ constexpr double largestShare = 0.8;
 /// How long a size must have stayed before images are made for it.
 constexpr std::chrono::milliseconds sizeRest(150);
 
-/// Whether nothing is to be shown anew.
-bool isSame(const FileItem& shown, FileItemView item) {
-    return shown.name() == item.name() && shown.folder() == item.folder() && shown.kind() == item.kind() &&
-           shown.size() == item.size() && shown.modificationDate() == item.modificationDate() &&
-           shown.identity() == item.identity();
-}
-
 /// The selected row that is nearest to one that is not, the next one rather than the one before.
 std::optional<std::size_t> nearestSelected(const FileSelection& selection, std::size_t row) {
     for (std::size_t after = row; after < selection.list().size(); ++after)
@@ -272,7 +265,7 @@ void QuickLookWindow::follow() {
     name_->setText(shownName(item));
     setWindowTitle(name_->text());
     refreshPosition(*row);
-    if (!looked_ || !isSame(*looked_, item)) look(*row);
+    if (!looked_ || !areAlike(*looked_, item)) look(*row);
 }
 
 bool QuickLookWindow::isAmongSeveral() const {

@@ -6,6 +6,8 @@
 
 #include <QVBoxLayout>
 
+#include <memory>
+
 namespace ombrel {
 
 ReportDialog::ReportDialog(const Theme& theme, const OperationReport& report, QWidget* parent)
@@ -15,7 +17,8 @@ ReportDialog::ReportDialog(const Theme& theme, const OperationReport& report, QW
     new FocusRing(this);
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins({});
-    auto* const card = new ReportCard(theme, {.id = {}, .title = {}, .report = report}, this);
+    auto* const card = new ReportCard(
+        theme, {.id = {}, .title = {}, .report = std::make_shared<const OperationReport>(report)}, this);
     column->addWidget(card);
     setMinimumWidth(theme.size(ThemeSize::progressWidth));
     setWindowTitle(card->summary());

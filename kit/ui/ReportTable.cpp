@@ -45,10 +45,11 @@ QString reasonOf(const ItemResult& item) {
 
 class Rows final : public QAbstractTableModel {
 public:
-    Rows(const OperationReport& report, QObject* parent)
-        : QAbstractTableModel(parent), items_(report.unsuccessful()) {
-        if (items_.size() > ReportTable::mostRows)
-            items_.erase(items_.begin() + ReportTable::mostRows, items_.end());
+    Rows(const OperationReport& report, QObject* parent) : QAbstractTableModel(parent) {
+        for (const ItemResult& item : report.items) {
+            if (items_.size() == ReportTable::mostRows) break;
+            if (!item.outcome.isSuccess()) items_.push_back(item);
+        }
     }
     [[nodiscard]] int rowCount(const QModelIndex& parent) const override {
         return parent.isValid() ? 0 : static_cast<int>(items_.size());
@@ -79,6 +80,10 @@ public:
         painter->save();
         const int inset = theme_->size(ThemeSize::space8);
         const QRect box = option.rect.adjusted(inset, 0, 0, 0);
+        if (option.state & QStyle::State_Selected)
+            painter->fillRect(option.rect,
+                              theme_->color(option.state & QStyle::State_Active ? ThemeColor::selection
+                                                                                : ThemeColor::hover));
         if (index.column() == resultColumn) {
             const auto kind = static_cast<PillKind>(index.data(Qt::UserRole).toInt());
             QRect pill(QPoint(), Pill::sizeOf(*theme_, kind));
@@ -117,8 +122,10 @@ ReportTable::ReportTable(const Theme& theme, const OperationReport& report, QWid
           std::ranges::any_of(report.items, [](const ItemResult& item) { return item.source.has_value(); })) {
     setModel(new Rows(report, this));
     setItemDelegate(new Cells(theme, this));
-    setSelectionMode(NoSelection);
-    setFocusPolicy(Qt::NoFocus);
+    setSelectionMode(SingleSelection);
+    setSelectionBehavior(SelectRows);
+    setTabKeyNavigation(false);
+    setFocusPolicy(Qt::StrongFocus);
     setShowGrid(false);
     setWordWrap(false);
     setVerticalScrollMode(ScrollPerPixel);
@@ -155,7 +162,8 @@ void ReportTable::resizeEvent(QResizeEvent* event) {
 
 QString ReportTable::asText(const OperationReport& report) {
     QString text = localized(summaryOf(report)) + QLatin1Char('\n');
-    for (const ItemResult& item : report.unsuccessful()) {
+    for (const ItemResult& item : report.items) {
+        if (item.outcome.isSuccess()) continue;
         const QString path =
             item.source ? QString::fromStdString(FileName::displayText(item.source->path())) : QString();
         QStringList line{path, Pill::textOf(pillOf(item.outcome)), reasonOf(item)};

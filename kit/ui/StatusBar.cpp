@@ -108,7 +108,6 @@ QStringList StatusBar::parts() const {
     case ListingState::Case::invalidated: return {localized("ui.status.failed")};
     case ListingState::Case::noLocation: return {};
     }
-    if (model_->hasReachedSearchLimit()) parts << localized("ui.search.limit");
     if (const std::size_t selected = model_->selection().count(); selected > 0) {
         const auto bytes = selectionSize_->bytes();
         parts << (bytes ? localized("ui.status.selectedWithSize", count(selected),

@@ -30,9 +30,6 @@ SuggestionList::SuggestionList(const Theme& theme, QWidget* field)
 }
 
 void SuggestionList::showBelow(const QWidget& bar) {
-    QPalette colors = bar.palette();
-    colors.setColor(QPalette::Base, theme_->color(ThemeColor::menu));
-    setPalette(colors);
     QWidget* const window = bar.window();
     if (parentWidget() != window) setParent(window);
     const int count = rows_->model()->rowCount();

@@ -36,7 +36,10 @@ bool canShowItems(const ListingState& state) {
 WindowMenus::WindowMenus(QWidget& window, const Theme& theme, AppServices& services, BrowserTabsModel& tabs,
                          WindowActions& actions, ViewModeActions& viewModes)
     : QObject(&window), theme_(&theme), services_(&services), tabs_(&tabs), actions_(&actions),
-      viewModes_(&viewModes) {}
+      viewModes_(&viewModes) {
+    connect(&actions, &WindowActions::refreshed, this,
+            [this] { viewModes_->setEnabled(isUseful(Kind::view)); });
+}
 
 QMenu* WindowMenus::make(Kind kind, QWidget* parent) {
     auto* const menu = new QMenu(parent);
@@ -114,7 +117,6 @@ void WindowMenus::fillSort(QMenu& menu) {
 
 void WindowMenus::fillView(QMenu& menu) {
     AppSettings& settings = services_->settings();
-    viewModes_->setEnabled(isUseful(Kind::view));
     viewModes_->addTo(menu);
     menu.addSeparator();
     struct Switch {

@@ -50,6 +50,7 @@ public:
     void fill(Kind kind, QMenu& menu);
     /// Whether anything in the menu could be done now.
     [[nodiscard]] bool isUseful(Kind kind) const;
+    [[nodiscard]] const ViewModeActions& viewModes() const noexcept { return *viewModes_; }
 
 Q_SIGNALS:
     /// `menu` of the kind `more` is about to be shown and empty: whoever had to give up its place for want of

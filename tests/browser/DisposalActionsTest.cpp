@@ -74,7 +74,7 @@ TEST_F(Disposing, LeavesWhatIsNotWhatWasSelected) {
     EXPECT_THAT(tree.names("pane"), ElementsAre("c"));
     EXPECT_EQ(tree.contents("pane/c"), "another");
     ASSERT_THAT(services->center().leftReports(), SizeIs(1));
-    EXPECT_THAT(services->center().leftReports()[0].report.unsuccessful(), SizeIs(2));
+    EXPECT_THAT(services->center().leftReports()[0].report->unsuccessful(), SizeIs(2));
     prompter.meanwhile = nullptr;
     ASSERT_TRUE(perform(undo, {}));
     EXPECT_THAT(tree.names("pane"), ElementsAre("c", "d")) << "what went comes back";

@@ -50,11 +50,11 @@ TEST_F(Selecting, RangesAddRemoveAndFlip) {
 
 TEST_F(Selecting, EverythingAndItsOpposite) {
     selection.change(2, Change::add);
-    selection.invert();
+    selection.change(RowRange{0, 5}, Change::flip);
     EXPECT_EQ(selected(), "abde");
     selection.selectAll();
     EXPECT_TRUE(selection.isEverything());
-    selection.invert();
+    selection.change(RowRange{0, 5}, Change::flip);
     EXPECT_TRUE(selection.empty());
     EXPECT_FALSE(FileSelection().isEverything());
     EXPECT_EQ(FileSelection().firstRow(), std::nullopt);
@@ -65,8 +65,8 @@ TEST_F(Selecting, HoldsOnlyWhatTheListHolds) {
     selection.selectAll();
     selection = FileSelection(part, std::make_shared<const ItemSet>(ItemSet::of(part)), selection.set());
     EXPECT_EQ(selected(), "ec");
-    selection.invert();
-    EXPECT_EQ(selected(), "");
+    selection.select(ItemSet::of(list));
+    EXPECT_EQ(selected(), "ec");
 }
 
 TEST(ItemSetMembers, FarApartAreCountedOnce) {

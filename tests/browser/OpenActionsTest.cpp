@@ -238,7 +238,7 @@ TEST_F(Opening, PutsLinksOnTheDesktopUnderFreeNamesAndTakesThemBack) {
     services->settings().setKnownFolders(folders);
     perform(FileCommand::createShortcut);
     ASSERT_EQ(services->center().leftReports().size(), 1U);
-    EXPECT_EQ(services->center().leftReports()[0].report.items.at(0).outcome.error(),
+    EXPECT_EQ(services->center().leftReports()[0].report->items.at(0).outcome.error(),
               FileOperationError(FileOperationError::Case::destinationMissing));
 }
 

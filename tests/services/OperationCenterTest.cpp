@@ -64,7 +64,7 @@ TEST_F(Center, KeepsTheReportOfAJobThatDidNotWhollySucceedUntilItIsDismissed) {
     run(JobPlan::createFolder(service, tree.url(), "new"));
     ASSERT_TRUE(waitForResults(2));
     ASSERT_THAT(center->leftReports(), SizeIs(1));
-    EXPECT_EQ(center->leftReports().front().report.items.front().outcome,
+    EXPECT_EQ(center->leftReports().front().report->items.front().outcome,
               ItemOutcome::failed(FileOperationError::Case::sourceMissing));
     Presenter late;
     center->setPresenter(&late);

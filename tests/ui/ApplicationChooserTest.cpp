@@ -15,7 +15,6 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
-#include <QTimer>
 
 #include <algorithm>
 #include <cstddef>
@@ -227,17 +226,13 @@ TEST_F(Opening, HappensFromTheAddressAndTheTreeToo) {
         return false;
     }));
     const auto fromMenu = [&](const char* text) {
-        bool isEnabled = false;
-        // The event lasts as long as the menu.
-        QTimer::singleShot(0, &window, [&] {
-            auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-            QAction* const action = menu ? entry(*menu, text) : nullptr;
-            isEnabled = action && action->isEnabled();
-            if (isEnabled) action->trigger();
-            if (menu) menu->close();
-        });
         QContextMenuEvent event(QContextMenuEvent::Mouse, places->visualRect(row).center(), QPoint());
         QApplication::sendEvent(places->viewport(), &event);
+        auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        QAction* const action = menu ? entry(*menu, text) : nullptr;
+        const bool isEnabled = action && action->isEnabled();
+        if (isEnabled) action->trigger();
+        if (menu) menu->close();
         return isEnabled;
     };
     EXPECT_TRUE(fromMenu("Open in terminal"));

@@ -69,6 +69,16 @@ TEST(DesktopAppearanceWithAPortal, FollowsWhatItSaysNowAndLater) {
     tell("contrast", 0);
     tell("reduced-motion", 1);
     EXPECT_TRUE(testing::runUntil([&] { return theme.appearance() == Appearance{.isMotionReduced = true}; }));
+    const auto animate = [&](bool isOn) {
+        Q_EMIT portal.SettingChanged(QStringLiteral("org.gnome.desktop.interface"),
+                                     QStringLiteral("enable-animations"), QDBusVariant(isOn));
+    };
+    tell("reduced-motion", 0);
+    EXPECT_TRUE(testing::runUntil([&] { return !theme.appearance().isMotionReduced; }));
+    animate(false);
+    EXPECT_TRUE(testing::runUntil([&] { return theme.appearance().isMotionReduced; }));
+    animate(true);
+    EXPECT_TRUE(testing::runUntil([&] { return !theme.appearance().isMotionReduced; }));
     tell("color-scheme", 1);
     EXPECT_TRUE(testing::runUntil([&] { return theme.appearance().isDark; }));
     // No preference: what the palette said in the first place.

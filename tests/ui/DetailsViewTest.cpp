@@ -7,12 +7,18 @@
 #include <QScrollBar>
 #include <QSignalSpy>
 
+#include <filesystem>
+#include <functional>
+
 namespace ombrel {
 namespace {
 
 using namespace testing;
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::IsSupersetOf;
+using ::testing::Not;
 using Place = BrowserModel::Place;
 
 class Details : public ViewWorld {
@@ -291,6 +297,36 @@ TEST_F(Details, BandTakesEveryRowItTouchesAndGivesBackWhatItLeaves) {
     QTest::mouseRelease(view.viewport(), Qt::LeftButton, Qt::ControlModifier,
                         middleOf(4, DetailsColumn::name));
     EXPECT_THAT(selectedRows(), ElementsAre(2U, 3U, 4U));
+}
+
+TEST_F(Details, GesturesStayWithTheirItemsWhenTheFolderIsReadAnew) {
+    const auto change = [&](const std::function<void()>& how, std::size_t count) {
+        how();
+        ASSERT_TRUE(runUntil([&] { return model.items().size() == count; }));
+    };
+    click(1);
+    drag(middleOf(5, DetailsColumn::name), middleOf(6, DetailsColumn::name), Qt::ControlModifier);
+    model.setHeld(false); // as after a while
+    change([&] { tree.file("a new one"); }, 41);
+    dragTo(middleOf(8, DetailsColumn::name), Qt::ControlModifier);
+    QTest::mouseRelease(view.viewport(), Qt::LeftButton, Qt::ControlModifier,
+                        middleOf(8, DetailsColumn::name));
+    EXPECT_THAT(selectedNames(model), Contains("file 1001"));
+    EXPECT_THAT(selectedNames(model), Not(Contains("file 1000")));
+    EXPECT_THAT(selectedNames(model), IsSupersetOf({"file 1005", "file 1007"}));
+
+    model.setSelection([&] {
+        auto all = model.selection();
+        all.selectAll();
+        return all;
+    }());
+    const std::size_t row = view.visibleRows().end - 2;
+    const QPoint last = pointOn(row);
+    const std::string name(model.items()[row].name());
+    QTest::mousePress(view.viewport(), Qt::LeftButton, Qt::NoModifier, last);
+    change([&] { std::filesystem::remove(tree.path("a new one")); }, 40);
+    QTest::mouseRelease(view.viewport(), Qt::LeftButton, Qt::NoModifier, last);
+    EXPECT_THAT(selectedNames(model), ElementsAre(name));
 }
 
 TEST_F(Details, BandFromARowsContentIsNone) {

@@ -7,6 +7,7 @@
 #include "ui/GlyphButton.h"
 #include "ui/JobChip.h"
 #include "ui/NavigationRow.h"
+#include "ui/NavigationTree.h"
 #include "ui/PaneSplitter.h"
 #include "ui/SearchField.h"
 #include "ui/StatusBar.h"
@@ -221,6 +222,12 @@ TEST_F(WindowFrame, OpensItsContextMenuByMouseAndKeys) {
     EXPECT_THAT(closeMenu(), Contains("Open"));
     press(Qt::Key_F10, Qt::ShiftModifier);
     EXPECT_THAT(closeMenu(), Contains("Open"));
+    auto* const places = window.findChild<NavigationTree*>();
+    ASSERT_NE(places, nullptr);
+    places->setFocus();
+    QTest::keyClick(places, Qt::Key_F10, Qt::ShiftModifier);
+    EXPECT_THAT(closeMenu(), Contains("Open in new tab"));
+    view.setFocus();
     QContextMenuEvent byMenuKey(QContextMenuEvent::Keyboard, QPoint(), QPoint());
     QApplication::sendEvent(view.viewport(), &byMenuKey);
     EXPECT_THAT(closeMenu(), Contains("Open"));
