@@ -2,6 +2,8 @@
 
 #include <QWidget>
 
+#include <cstdint>
+
 namespace ombrel {
 
 class Theme;
@@ -23,9 +25,15 @@ public:
     void setLevel(const Level& level, const QString& name);
     [[nodiscard]] double used() const noexcept { return level_.used; }
 
-    /// For those who paint it into something else.
+    /// What the bar lies on.
+    enum class Ground : std::uint8_t {
+        plain,
+        selection, ///< as selected things look while their view has the keyboard
+        selectionInactive,
+    };
+    /// For those who paint it into something else. Track and filling differ from every ground.
     static void paint(QPainter& painter, const Theme& theme, const QRect& track, const Level& level,
-                      Qt::LayoutDirection direction);
+                      Ground ground, Qt::LayoutDirection direction);
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }

@@ -307,8 +307,12 @@ void HomePainter::paintCapacity(QPainter& painter, const VolumePlace& volume, co
     QRect caption = column;
     if (used) {
         const QRect track(column.left(), column.top(), column.width(), bar);
+        const bool isOnSelection = look.isDropTarget || (look.isSelected && look.isActive);
+        const auto ground = isOnSelection     ? CapacityBar::Ground::selection
+                            : look.isSelected ? CapacityBar::Ground::selectionInactive
+                                              : CapacityBar::Ground::plain;
         CapacityBar::paint(painter, *theme_, track, {.used = *used, .isNearlyFull = volume.isNearlyFull()},
-                           direction_);
+                           ground, direction_);
         caption.setTop(track.bottom() + 1 + size(ThemeSize::space4));
     }
     const QFont font = theme_->font(ThemeFont::caption);

@@ -1,10 +1,13 @@
 #include "ui/Theme.h"
 
+#include "ui/CapacityBar.h"
 #include "ui/DesktopAppearance.h"
 
 #include <QFontInfo>
 #include <QGuiApplication>
+#include <QImage>
 #include <QLocale>
+#include <QPainter>
 #include <QPalette>
 
 #include <gmock/gmock.h>
@@ -12,6 +15,7 @@
 #include <algorithm>
 #include <cmath>
 #include <string>
+#include <utility>
 
 namespace ombrel {
 namespace {
@@ -79,6 +83,28 @@ TEST_P(ThemeContrast, OfOutlinesIsThreeToOne) {
     else
         for (const auto ink : {borderStrong, accent, warning})
             expectAtLeast(forOutlines, {ink, selection});
+}
+
+TEST_P(ThemeContrast, ShowsHowFullAVolumeIsOnEveryGround) {
+    using Ground = CapacityBar::Ground;
+    for (const auto& [token, ground] : {std::pair(surface, Ground::plain),
+                                        {selection, Ground::selection},
+                                        {selectionHover, Ground::selection},
+                                        {selectionInactive, Ground::selectionInactive}})
+        for (const bool isNearlyFull : {false, true}) {
+            const QColor behind = theme.color(token);
+            QImage picture(100, 6, QImage::Format_RGB32);
+            picture.fill(behind);
+            QPainter painter(&picture);
+            CapacityBar::paint(painter, theme, picture.rect(), {.used = 0.5, .isNearlyFull = isNearlyFull},
+                               ground, Qt::LeftToRight);
+            const QColor filling = picture.pixelColor(25, 3), track = picture.pixelColor(75, 3),
+                         edge = picture.pixelColor(75, 0);
+            constexpr double decorative = 1.2;
+            EXPECT_GE(std::max(contrast(track, behind), contrast(edge, behind)), decorative)
+                << "the track on token " << static_cast<int>(token);
+            EXPECT_GE(contrast(filling, track), forOutlines) << "on token " << static_cast<int>(token);
+        }
 }
 
 INSTANTIATE_TEST_SUITE_P(Appearances, ThemeContrast,
