@@ -244,21 +244,33 @@ void DetailsHeader::shareEdge(int logicalIndex, int before, int after) {
 
 void DetailsHeader::fit(DetailsColumn column, int content) {
     const int wanted = std::max(leastWidth(column), content + 2 * theme_->size(ThemeSize::space8));
-    if (column != DetailsColumn::name) {
-        setWidth(column, wanted);
-    } else {
-        // The name grows at the cost of the others, the last one first.
-        int missing = wanted - width(DetailsColumn::name);
-        for (int visual = count() - 1; visual > 0 && missing > 0; --visual) {
-            const auto giving = static_cast<DetailsColumn>(logicalIndex(visual));
-            if (giving == DetailsColumn::name || !isShown(giving)) continue;
-            const int gift = std::min(missing, width(giving) - leastWidth(giving));
-            setWidth(giving, width(giving) - gift);
-            missing -= gift;
-        }
-    }
+    if (column == DetailsColumn::name)
+        growName(wanted);
+    else
+        // A long text does not push the others out of sight.
+        setWidth(column, std::min(wanted, std::max(width(column), roomFor(column))));
     fitInto(available_);
     settling_.start();
+}
+
+/// The name grows at the cost of the others, the last one first, as long as they can do without.
+void DetailsHeader::growName(int wanted) {
+    int missing = wanted - width(DetailsColumn::name);
+    for (int visual = count() - 1; visual > 0 && missing > 0; --visual) {
+        const auto giving = static_cast<DetailsColumn>(logicalIndex(visual));
+        if (giving == DetailsColumn::name || !isShown(giving)) continue;
+        const int gift = std::clamp(width(giving) - usualWidth(giving), 0, missing);
+        setWidth(giving, width(giving) - gift);
+        missing -= gift;
+    }
+}
+
+/// How wide a column can be while the others keep their widths and the name has its least one.
+int DetailsHeader::roomFor(DetailsColumn column) const {
+    int others = leastWidth(DetailsColumn::name);
+    for (int section = 0; section < count(); ++section)
+        if (section != index(column) && section != index(DetailsColumn::name)) others += sectionSize(section);
+    return std::max(usualWidth(column), available_ - others);
 }
 
 void DetailsHeader::keepFirstColumns() {

@@ -42,7 +42,8 @@ public:
     [[nodiscard]] int left(DetailsColumn column) const;
     [[nodiscard]] int width(DetailsColumn column) const;
     [[nodiscard]] int totalWidth() const { return length(); }
-    /// Makes a column as wide as `content`, its margins not counted.
+    /// Makes a column as wide as `content`, its margins not counted, as far as the others keep their place in
+    /// the view: none of them becomes narrower than it usually is, but the name.
     void fit(DetailsColumn column, int content);
     void resetColumns();
     /// The columns in their order, with widths and whether they are hidden: to be kept and given back.
@@ -76,6 +77,8 @@ private:
     void sortBy(DetailsColumn column);
     void shareEdge(int logicalIndex, int before, int after);
     void keepFirstColumns();
+    void growName(int wanted);
+    [[nodiscard]] int roomFor(DetailsColumn column) const;
     void setWidth(DetailsColumn column, int width);
     [[nodiscard]] int leastWidth(DetailsColumn column) const;
     [[nodiscard]] int usualWidth(DetailsColumn column) const;

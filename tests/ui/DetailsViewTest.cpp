@@ -83,6 +83,22 @@ TEST_F(Details, FittedColumnIsAsWideAsItsTexts) {
     EXPECT_EQ(header.width(DetailsColumn::dateModified), std::max(90, text + 17));
 }
 
+TEST_F(Details, FittingALongTextLeavesTheOtherColumnsTheirPlace) {
+    tree.file(std::string(200, 'a'));
+    open(tree.url());
+    ASSERT_TRUE(runUntilQuiet());
+    auto& header = view.header();
+    header.resizeSection(static_cast<int>(DetailsColumn::dateModified), 120); // the type takes the rest
+    Q_EMIT header.fitRequested(DetailsColumn::name);
+    EXPECT_EQ(header.width(DetailsColumn::dateModified), 120);
+    EXPECT_EQ(header.width(DetailsColumn::type), 136);
+    EXPECT_EQ(header.width(DetailsColumn::size), 92);
+    EXPECT_EQ(view.horizontalScrollBar()->maximum(), 0);
+    header.fit(DetailsColumn::type, 5000);
+    EXPECT_GE(header.width(DetailsColumn::name), 140);
+    EXPECT_EQ(view.horizontalScrollBar()->maximum(), 0);
+}
+
 // ---- Sorting by the header
 
 class SortedDetails : public ViewWorld {
