@@ -177,7 +177,8 @@ void FileView::placeBars() {
     bar->setSingleStep(scrollStep());
     bar->setValue(extent_.barValue());
     auto* const sideways = horizontalScrollBar();
-    sideways->setRange(0, std::max(0, contentWidth() - viewport()->width()));
+    const int beyond = model_->items().empty() ? 0 : contentWidth() - viewport()->width();
+    sideways->setRange(0, std::max(0, beyond));
     sideways->setPageStep(viewport()->width());
     sideways->setSingleStep(scrollStep());
     isPlacingBars_ = false;

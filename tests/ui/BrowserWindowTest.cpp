@@ -16,6 +16,7 @@
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QUrl>
 
 #include <cerrno>
@@ -273,6 +274,7 @@ TEST_F(Window, LeavesASearchThatFoundNothing) {
     ASSERT_TRUE(runUntil([&] { return window.overlay().isVisible(); }));
     EXPECT_EQ(window.overlay().title().toStdString(), "No items match “\u2068nothing like it\u2069”");
     EXPECT_THAT(buttons(), ElementsAre("Clear search"));
+    EXPECT_FALSE(window.view().horizontalScrollBar()->isVisible());
     QTest::mouseClick(window.overlay().findChildren<QPushButton*>().constLast(), Qt::LeftButton);
     ASSERT_TRUE(runUntilLoaded(window.model()));
     EXPECT_THAT(status(), ElementsAre("3 items"));
