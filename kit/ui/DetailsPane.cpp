@@ -101,6 +101,15 @@ bool DetailsPane::isSettled() const {
     return !isVisible() || (values_.isSettled() && preview_->isSettled());
 }
 
+std::optional<OverlayContent> DetailsPane::troubleNow() const {
+    const BrowserModel* const pane = values_.pane();
+    const auto& about = values_.content().facts.url;
+    if (!pane || !pane->selection().empty() || pane->currentURL() != about) return std::nullopt;
+    const ListingState& state = pane->listingState();
+    const bool isLost = state == ListingState::Case::failed || state == ListingState::Case::invalidated;
+    return isLost ? OverlayContent::of(*pane) : std::nullopt;
+}
+
 QString DetailsPane::nameNow() const {
     const auto& content = values_.content();
     if (content.count > 1) return localized("ui.status.selected", static_cast<std::int64_t>(content.count));
@@ -122,10 +131,14 @@ void DetailsPane::refresh() {
     const auto& content = values_.content();
     content_->setVisible(content.count > 0);
     if (content.count == 0) return;
-    preview_->setItems(content.previews,
-                       content.count > 1 ? ItemPreview::Arrangement::fan : ItemPreview::Arrangement::card);
-    name_->setName(nameNow());
-    const QString type = typeNow();
+    const auto trouble = troubleNow();
+    if (trouble)
+        preview_->setFolderInTrouble(trouble->badge);
+    else
+        preview_->setItems(content.previews, content.count > 1 ? ItemPreview::Arrangement::fan
+                                                               : ItemPreview::Arrangement::card);
+    name_->setName(trouble ? FactRows::nameOf(content.facts.url) : nameNow());
+    const QString type = trouble ? trouble->title : typeNow();
     type_->setText(type);
     // That of one item may still come.
     type_->setVisible(content.count == 1 || !type.isEmpty());

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "browser/DetailsValues.h"
+#include "ui/Overlay.h"
 
 #include <QWidget>
 
 #include <cstdint>
+#include <optional>
 
 class QBoxLayout;
 class QScrollArea;
@@ -59,6 +61,8 @@ private:
     void arrangeButtons();
     void refresh();
     void refreshButtons();
+    /// Why the folder that it is about cannot be shown; nothing when it can, or it is about something else.
+    [[nodiscard]] std::optional<OverlayContent> troubleNow() const;
     [[nodiscard]] QString nameNow() const;
     [[nodiscard]] QString typeNow() const;
 

@@ -53,8 +53,14 @@ ItemPreview::~ItemPreview() {
 void ItemPreview::setItems(const std::vector<FileItem>& items, Arrangement arrangement) {
     items_ = items;
     arrangement_ = arrangement;
+    trouble_.reset();
     askForThumbnails();
     update();
+}
+
+void ItemPreview::setFolderInTrouble(const std::optional<BadgedFolder::Badge>& badge) {
+    setItems({}, Arrangement::card);
+    trouble_ = badge;
 }
 
 QSize ItemPreview::box() const {
@@ -115,6 +121,10 @@ void ItemPreview::paintEvent(QPaintEvent*) {
 }
 
 void ItemPreview::paintCard(QPainter& painter) {
+    const int side = theme_->size(ThemeSize::previewIcon);
+    QRectF icon(0, 0, side, side);
+    icon.moveCenter(QRectF(rect()).center());
+    if (trouble_) return BadgedFolder::draw(painter, *theme_, trouble_, icon, ThemeColor::surfaceAlt);
     if (items_.empty()) return;
     if (classOf(items_.front()) != FileClass::folder) {
         painter.setPen(QPen(theme_->color(ThemeColor::border), theme_->size(ThemeSize::hairline)));
@@ -128,9 +138,6 @@ void ItemPreview::paintCard(QPainter& painter) {
         paintThumbnail(painter, items_.front(), image, fitted(image, devicePixelRatioF(), room));
         return;
     }
-    const int side = theme_->size(ThemeSize::previewIcon);
-    QRectF icon(0, 0, side, side);
-    icon.moveCenter(room.center());
     paintIcon(painter, items_.front(), icon);
 }
 

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "listing/FileItem.h"
+#include "ui/BadgedFolder.h"
 #include "ui/FileIcons.h"
 
 #include <QWidget>
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace ombrel {
@@ -14,7 +16,8 @@ class Theme;
 class ThumbnailStore;
 
 /// What the details pane shows of the items themselves: the thumbnail of one, or its icon, on a card; the
-/// first few of several as a fan. A thumbnail that comes later changes nothing but what is inside.
+/// first few of several as a fan; a folder that cannot be shown as what is the matter with it. A thumbnail
+/// that comes later changes nothing but what is inside.
 class ItemPreview final : public QWidget {
     Q_OBJECT
 
@@ -25,6 +28,7 @@ public:
 
     enum class Arrangement : std::uint8_t { card, fan };
     void setItems(const std::vector<FileItem>& items, Arrangement arrangement);
+    void setFolderInTrouble(const std::optional<BadgedFolder::Badge>& badge);
 
     /// Whether nothing that it waits for would change it.
     [[nodiscard]] bool isSettled() const;
@@ -54,6 +58,7 @@ private:
     FileIcons icons_;
     std::vector<FileItem> items_;
     Arrangement arrangement_ = Arrangement::card;
+    std::optional<BadgedFolder::Badge> trouble_; ///< of a folder, in place of items
     QSize asked_; ///< the box that thumbnails were asked for; empty while nothing is
 };
 

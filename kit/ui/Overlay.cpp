@@ -1,7 +1,6 @@
 #include "ui/Overlay.h"
 
 #include "browser/BrowserModel.h"
-#include "ui/FileIconDrawing.h"
 #include "ui/LocalizedText.h"
 
 #include <QAccessible>
@@ -21,7 +20,7 @@ namespace ombrel {
 namespace {
 
 using Action = OverlayContent::Action;
-using Badge = OverlayContent::Badge;
+using Badge = BadgedFolder::Badge;
 
 /// The folder, and in its lower right corner what is wrong with it.
 class Picture final : public QWidget {
@@ -32,20 +31,7 @@ public:
 protected:
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        FileIconDrawing::draw(painter, *theme_, FileClass::folder, rect());
-        if (!*badge_) return;
-        const int side = theme_->size(ThemeSize::overlayBadge);
-        const QRectF ground(width() - side, height() - side, side, side);
-        const double rim = theme_->size(ThemeSize::space4);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(theme_->color(ThemeColor::surface));
-        painter.drawEllipse(ground);
-        painter.setBrush(theme_->color((*badge_)->ground));
-        painter.drawEllipse(ground.adjusted(rim, rim, -rim, -rim));
-        const double glyph = theme_->size(ThemeSize::glyph);
-        const QRectF box(ground.center() - QPointF(glyph / 2, glyph / 2), QSizeF(glyph, glyph));
-        Glyphs::draw(painter, (*badge_)->glyph, box, theme_->color((*badge_)->color));
+        BadgedFolder::draw(painter, *theme_, *badge_, rect(), ThemeColor::surface);
     }
 
 private:

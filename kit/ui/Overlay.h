@@ -1,7 +1,7 @@
 #pragma once
 
 #include "browser/ListingState.h"
-#include "ui/Glyphs.h"
+#include "ui/BadgedFolder.h"
 #include "ui/Theme.h"
 
 #include <QString>
@@ -22,15 +22,10 @@ class BrowserModel;
 /// What an overlay says and offers.
 struct OverlayContent {
     enum class Action : std::uint8_t { tryAgain, goUp, goHome, allowAccess, clearSearch };
-    struct Badge {
-        Glyph glyph;
-        ThemeColor color;
-        ThemeColor ground;
-    };
 
     QString title;
     QString message;
-    std::optional<Badge> badge;
+    std::optional<BadgedFolder::Badge> badge;
     std::vector<Action> actions; ///< as buttons, the first one primary
     QString invitation = {};     ///< the message while something is dragged that may be dropped here
 
@@ -73,7 +68,7 @@ private:
     BrowserModel* model_;
     const Theme* theme_;
     bool invitesDrop_ = false;
-    std::optional<OverlayContent::Badge> badge_;
+    std::optional<BadgedFolder::Badge> badge_;
     QWidget* picture_;
     QLabel* title_;
     QLabel* message_;

@@ -5,6 +5,7 @@
 #include "ui/OutlineButton.h"
 #include "ui/PaneSplitter.h"
 #include "ui/PropertiesWindow.h"
+#include "ui/TextLabel.h"
 #include "ui/ValueText.h"
 #include "ui/WindowWorld.h"
 #include "ui/WrappedName.h"
@@ -13,6 +14,8 @@
 #include <QContextMenuEvent>
 #include <QMenu>
 #include <QTextDocument>
+
+#include <filesystem>
 
 namespace ombrel {
 namespace {
@@ -90,6 +93,37 @@ TEST_F(DetailsPaneTest, CountsTheFolderNotWhatIsFoundInItAndNamesTheRoot) {
     open(FileURL());
     ASSERT_TRUE(settle());
     EXPECT_EQ(name(), "/");
+}
+
+TEST_F(DetailsPaneTest, SaysOfALostFolderWhatItsOverlaySays) {
+    open(tree.folder("Projects/v1.txt"));
+    ASSERT_TRUE(settle());
+    const auto type = [&] { return pane().findChild<ElidedLabel*>()->text().toStdString(); };
+    const auto picture = [&] { return pane().findChild<ItemPreview*>()->grab().toImage(); };
+    const QImage whole = picture();
+    EXPECT_EQ(type(), "Folder");
+    std::filesystem::remove(tree.path("Projects/v1.txt"));
+    ASSERT_TRUE(runUntil([&] {
+        return window.model().listingState() == ListingState::Case::invalidated && pane().isSettled();
+    }));
+    EXPECT_EQ(name(), "v1.txt");
+    EXPECT_EQ(type(), "This folder is gone");
+    EXPECT_EQ(type(), window.overlay().title().toStdString());
+    // The same folder, with something in its corner.
+    const QImage lost = picture();
+    const auto corner = [](const QImage& image) {
+        return image.copy(QRect(image.rect().center(), image.rect().bottomRight()));
+    };
+    const auto half = [](const QImage& image) {
+        return image.copy(QRect(image.rect().topLeft(), QPoint(image.width() / 2 - 1, image.height() / 2)));
+    };
+    EXPECT_EQ(half(whole), half(lost));
+    EXPECT_NE(corner(whole), corner(lost));
+    tree.folder("Projects/v1.txt");
+    open(tree.url("Projects/v1.txt"));
+    ASSERT_TRUE(settle());
+    EXPECT_EQ(type(), "Folder");
+    EXPECT_EQ(picture(), whole);
 }
 
 TEST_F(DetailsPaneTest, StaysUntilTheSelectionIsQuietAndFollowsTheActiveTab) {
