@@ -1,6 +1,7 @@
 #include "browser/AddressCrumbs.h"
 
 #include "base/FileName.h"
+#include "browser/Places.h"
 #include "services/AppServices.h"
 
 #include <algorithm>
@@ -9,6 +10,15 @@ namespace ombrel {
 
 std::string AddressCrumbs::nameOf(const FileURL& folder) {
     return FileName::displayText(folder.isRoot() ? std::string_view(folder.path()) : folder.name());
+}
+
+std::string AddressCrumbs::titleOf(const FileURL& folder, const AppServices* services) {
+    if (!services) return nameOf(folder);
+    const auto& volumes = services->volumes().volumes();
+    // Of several at one place the last one hides the others.
+    const auto volume = std::ranges::find(volumes.rbegin(), volumes.rend(), folder, &VolumeInfo::url);
+    const std::string title = volume == volumes.rend() ? "" : Places::titleOf(*volume).toStdString();
+    return title.empty() ? nameOf(folder) : title;
 }
 
 std::vector<AddressCrumb> AddressCrumbs::of(const FileURL& location, std::span<const AddressCrumb> starts) {
@@ -28,7 +38,7 @@ std::vector<AddressCrumb> AddressCrumbs::startsOf(const AppServices& services, c
     // Of several at one place the last one names it.
     std::vector<AddressCrumb> starts;
     for (const VolumeInfo& volume : services.volumes().volumes()) {
-        const std::string name = volume.displayName();
+        const std::string name = Places::titleOf(volume).toStdString();
         starts.push_back({volume.url, name.empty() ? nameOf(volume.url) : name});
     }
     starts.push_back({home, nameOf(home)});

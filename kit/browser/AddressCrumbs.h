@@ -27,6 +27,10 @@ namespace AddressCrumbs {
 /// Where addresses begin now: granted folders, volumes and the home folder.
 [[nodiscard]] std::vector<AddressCrumb> startsOf(const AppServices& services, const FileURL& home);
 
+/// What a folder is called as a place: what its volume is when it is the whole of one, else as by itself.
+/// `services` knows the volumes and may be missing. UTF-8.
+[[nodiscard]] std::string titleOf(const FileURL& folder, const AppServices* services);
+
 /// What a folder is called by itself: its name, or its path for the root. UTF-8.
 [[nodiscard]] std::string nameOf(const FileURL& folder);
 

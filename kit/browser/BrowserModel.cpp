@@ -1,9 +1,9 @@
 #include "browser/BrowserModel.h"
 
-#include "base/FileName.h"
 #include "base/Log.h"
 #include "base/PathInput.h"
 #include "base/Text.h"
+#include "browser/AddressCrumbs.h"
 #include "browser/Disposal.h"
 #include "services/AppServices.h"
 
@@ -61,8 +61,7 @@ void BrowserModel::setServices(AppServices& services) {
 
 QString BrowserModel::title() const {
     const auto& folder = currentURL();
-    if (!folder) return {};
-    return QString::fromStdString(FileName::displayText(folder->isRoot() ? folder->path() : folder->name()));
+    return folder ? QString::fromStdString(AddressCrumbs::titleOf(*folder, services_)) : QString();
 }
 
 bool BrowserModel::canGoUp() const noexcept {

@@ -77,7 +77,7 @@ public:
     [[nodiscard]] bool showsSearch() const noexcept { return location_.which() == Location::Case::search; }
     /// The text that is searched; empty when none is.
     [[nodiscard]] const std::string& searchQuery() const noexcept { return location_.searchText(); }
-    /// What a tab or window is called: the folder's name, the whole path of the root; empty at home.
+    /// What a tab or window is called: the folder's name, or what its volume is called; empty at home.
     [[nodiscard]] QString title() const;
     [[nodiscard]] bool canGoBack() const noexcept { return history_.canGo(BrowserHistory::Direction::back); }
     [[nodiscard]] bool canGoForward() const noexcept {

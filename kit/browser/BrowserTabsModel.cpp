@@ -1,5 +1,7 @@
 #include "browser/BrowserTabsModel.h"
 
+#include "services/AppServices.h"
+
 #include <QPointer>
 
 #include <algorithm>
@@ -42,6 +44,12 @@ BrowserModel& BrowserTabsModel::addTab(const std::optional<FileURL>& at, Activat
     connect(&pane, &BrowserModel::locationChanged, this, [this, named = &pane] {
         if (const auto where = indexOf(*named)) Q_EMIT titleChanged(*where);
     });
+    // A volume may be called otherwise than before.
+    if (AppServices* const services = pane.services())
+        connect(&services->volumes(), &VolumeMonitor::volumesChanged, &pane, [self, named = &pane] {
+            if (const auto where = self ? self->indexOf(*named) : std::nullopt)
+                Q_EMIT self->titleChanged(*where);
+        });
     const bool activates = activation == Activation::activate;
     if (activates) selectedIndex_ = index;
     Q_EMIT tabAdded(index);

@@ -76,12 +76,6 @@ QString natureOf(const VolumeInfo& volume, VolumePlace::Kind kind) {
     return facts.join(QStringLiteral(", "));
 }
 
-QString titleOf(const VolumeInfo& volume) {
-    const bool isNamed = volume.name.hasValue() && !volume.name.value().empty();
-    if (!isNamed && volume.isRootFileSystem) return textOf("ui.volume.system");
-    return QString::fromStdString(volume.displayName());
-}
-
 } // namespace
 
 std::optional<double> VolumePlace::used() const noexcept {
@@ -134,6 +128,12 @@ std::vector<VolumePlace> volumes(std::span<const VolumeInfo> volumes) {
                           .isEjecting = false});
     }
     return places;
+}
+
+QString titleOf(const VolumeInfo& volume) {
+    const bool isNamed = volume.name.hasValue() && !volume.name.value().empty();
+    if (!isNamed && volume.isRootFileSystem) return textOf("ui.volume.system");
+    return QString::fromStdString(volume.displayName());
 }
 
 QString path(const FileURL& url, const FileURL& home) {

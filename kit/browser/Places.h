@@ -75,6 +75,10 @@ namespace Places {
 /// `isEjecting` stays false.
 [[nodiscard]] std::vector<VolumePlace> volumes(std::span<const VolumeInfo> volumes);
 
+/// What a volume is called: by its name, or as the system's when it has none and everything else is mounted
+/// into it.
+[[nodiscard]] QString titleOf(const VolumeInfo& volume);
+
 /// The path, with "~" for the home folder.
 [[nodiscard]] QString path(const FileURL& url, const FileURL& home);
 /// A folder seen from the granted location that it lies in: "Projects / Field survey"; its path where there

@@ -86,7 +86,7 @@ void AddressBar::follow() {
         const auto starts = AddressCrumbs::startsOf(*services_, home_);
         crumbs_->setCrumbs(AddressCrumbs::of(*folder, starts));
     } else {
-        crumbs_->setOnly(LocationLook::nameOf(pane_->location()));
+        crumbs_->setOnly(LocationLook::nameOf(pane_->location(), *pane_));
     }
     update();
 }

@@ -1,6 +1,7 @@
 #include "ui/DetailsPane.h"
 
 #include "base/FileName.h"
+#include "browser/AddressCrumbs.h"
 #include "browser/Places.h"
 #include "services/AppServices.h"
 #include "ui/FactRows.h"
@@ -116,7 +117,7 @@ QString DetailsPane::nameNow() const {
     const FileItem* const item = content.previews.empty() ? nullptr : &content.previews.front();
     // As the rows of the file view call it, endings left out where the user wants that.
     if (!item || content.facts.url.isRoot() || item->name() != content.facts.url.name())
-        return FactRows::nameOf(content.facts.url);
+        return QString::fromStdString(AddressCrumbs::titleOf(content.facts.url, services_));
     return QString::fromStdString(FileName::displayText(services_->settings().displayName(*item)));
 }
 

@@ -59,7 +59,7 @@ void HistoryMenu::show() {
     auto* const menu = new QMenu(button_);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     for (std::size_t i = 0; i < places.size(); ++i) {
-        QString name = LocationLook::nameOf(places[i]);
+        QString name = LocationLook::nameOf(places[i], tabs_->activeTab());
         name.replace(QLatin1Char('&'), QLatin1String("&&"));
         connect(menu->addAction(name), &QAction::triggered, this,
                 [this, steps = i + 1] { tabs_->activeTab().goAlong(direction_, steps); });

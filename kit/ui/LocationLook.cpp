@@ -11,18 +11,18 @@
 namespace ombrel {
 
 QString LocationLook::title(const BrowserModel& pane) {
-    return pane.isHome() ? nameOf(pane.location()) : pane.title();
+    return pane.isHome() ? nameOf(pane.location(), pane) : pane.title();
 }
 
-QString LocationLook::nameOf(const Location& place) {
+QString LocationLook::nameOf(const Location& place, const BrowserModel& pane) {
     const auto& folder = place.folderURL();
     switch (place.which()) {
     case Location::Case::home: return localized("ui.home.title");
-    case Location::Case::folder: return QString::fromStdString(AddressCrumbs::nameOf(*folder));
+    case Location::Case::folder:
+        return QString::fromStdString(AddressCrumbs::titleOf(*folder, pane.services()));
     case Location::Case::search:
-        return localized("ui.search.results",
-                         {isolated(place.searchText()),
-                          isolated(folder->isRoot() ? std::string_view(folder->path()) : folder->name())});
+        return localized("ui.search.results", {isolated(place.searchText()),
+                                               isolated(AddressCrumbs::titleOf(*folder, pane.services()))});
     }
     std::unreachable();
 }

@@ -18,7 +18,8 @@ namespace LocationLook {
 /// As tabs and windows are called: the folder's name, or "Home".
 [[nodiscard]] QString title(const BrowserModel& pane);
 /// What a place is called where it stands alone, the results of a search with what was searched.
-[[nodiscard]] QString nameOf(const Location& place);
+/// `pane` is any that could go there.
+[[nodiscard]] QString nameOf(const Location& place, const BrowserModel& pane);
 /// Draws a folder, or the glyph of the place in the colour `ink`.
 void drawIcon(QPainter& painter, const Theme& theme, const BrowserModel& pane, const QRectF& box,
               ThemeColor ink);

@@ -41,6 +41,7 @@ SearchField::SearchField(BrowserTabsModel& tabs, const Theme& theme, QWidget* pa
         arrange();
     });
     connect(clear_, &QAbstractButton::clicked, this, &SearchField::clear);
+    connect(&tabs, &BrowserTabsModel::titleChanged, this, &SearchField::refreshInvitation);
     pane_.follow([this](BrowserModel& pane, QObject& context) { followPane(pane, context); });
     arrange();
 }
@@ -56,11 +57,14 @@ void SearchField::follow() {
     rest_.stop();
     const QString query = QString::fromStdString(pane_->searchQuery());
     if (query != field_->text()) field_->setText(query);
-    const auto& folder = pane_->currentURL();
-    field_->setPlaceholderText(
-        folder ? localized("ui.search.in", {isolated(folder->isRoot() ? folder->path() : folder->name())})
-               : localized("ui.search.openFolder"));
+    refreshInvitation();
     refreshAbility();
+}
+
+void SearchField::refreshInvitation() {
+    field_->setPlaceholderText(pane_->currentURL()
+                                   ? localized("ui.search.in", {isolated(pane_->title().toStdString())})
+                                   : localized("ui.search.openFolder"));
 }
 
 void SearchField::refreshAbility() {

@@ -39,6 +39,7 @@ protected:
 private:
     void followPane(BrowserModel& pane, QObject& context);
     void follow();
+    void refreshInvitation();
     void refreshAbility();
     void takeText(const QString& text);
     void search();

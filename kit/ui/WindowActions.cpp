@@ -1,5 +1,6 @@
 #include "ui/WindowActions.h"
 
+#include "browser/AddressCrumbs.h"
 #include "browser/BrowserTabsModel.h"
 #include "browser/CommandDispatcher.h"
 #include "services/AppServices.h"
@@ -138,8 +139,8 @@ QString WindowActions::nameOf(FileCommand command) const {
 QString WindowActions::toolTipOf(FileCommand command, const QString& name) const {
     const BrowserModel& pane = *pane_;
     if (command != FileCommand::goUp || !pane.canGoUp()) return name;
-    const FileURL parent = pane.currentURL()->parent();
-    return localized("ui.tooltip.upTo", {isolated(parent.isRoot() ? parent.path() : parent.name())});
+    const auto parent = AddressCrumbs::titleOf(pane.currentURL()->parent(), services_);
+    return localized("ui.tooltip.upTo", {isolated(parent)});
 }
 
 } // namespace ombrel

@@ -1,8 +1,13 @@
 #include "browser/AddressCompletion.h"
 #include "browser/AddressCrumbs.h"
+#include "browser/BrowserTabsModel.h"
 #include "browser/CrumbChildren.h"
 #include "browser/ModelWorld.h"
+#include "browser/PaneMaker.h"
+#include "browser/ServicesWorld.h"
 #include "services/RecentAddresses.h"
+
+#include <QSignalSpy>
 
 #include <gmock/gmock.h>
 
@@ -39,6 +44,21 @@ TEST(Crumbs, BeginAtTheNearestPlaceThatIsKnown) {
     EXPECT_THAT(AddressCrumbs::of(url("/x/\xff"), {}),
                 ElementsAre(AddressCrumb{url("/"), "/"}, AddressCrumb{url("/x"), "x"},
                             AddressCrumb{url("/x/\xff"), "\uFFFD"}));
+}
+
+TEST(Crumbs, AndTabsCallAVolumeAsTheTreeDoes) {
+    ServicesWorld world;
+    BrowserTabsModel tabs([&] { return makePane(*world.services); }, FileURL());
+    EXPECT_EQ(tabs.activeTab().title().toStdString(), "/");
+    QSignalSpy renamed(&tabs, &BrowserTabsModel::titleChanged);
+    world.services->start();
+    world.mount("2 1 0:2 / / rw - ext4 /dev/nothing rw\n");
+    ASSERT_TRUE(runUntil([&] { return world.services->volumes().volumes().size() == 1; }));
+    EXPECT_FALSE(renamed.isEmpty());
+    EXPECT_EQ(tabs.activeTab().title().toStdString(), "System");
+    const auto starts = AddressCrumbs::startsOf(*world.services, url("/home/ann"));
+    EXPECT_EQ(AddressCrumbs::of(url("/usr"), starts).front().name, "System");
+    EXPECT_EQ(AddressCrumbs::titleOf(url("/usr"), world.services.get()), "usr");
 }
 
 // ---- The list of a crumb
