@@ -347,8 +347,8 @@ void FileView::showState() {
 FileView::RowState FileView::stateOf(std::size_t row) const {
     RowState state;
     state.isSelected = model_->selection().contains(row);
-    state.isActive = hasFocus();
-    state.isCurrent = state.isActive && model_->row(Place::current) == row;
+    state.isActive = keyboard_.isHeld();
+    state.isCurrent = keyboard_.hasRing() && model_->row(Place::current) == row;
     state.isHovered = pointer_.hoveredRow() == row;
     state.isDropTarget = drop_.targetRow() == row;
     state.showsCheckBox =

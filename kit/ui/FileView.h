@@ -9,6 +9,7 @@
 #include "ui/FileIcons.h"
 #include "ui/FileViewDrop.h"
 #include "ui/FileViewPointer.h"
+#include "ui/KeyboardHold.h"
 #include "ui/RenameEditor.h"
 #include "ui/RowFacts.h"
 #include "ui/ScrollExtent.h"
@@ -54,9 +55,9 @@ public:
     };
     struct RowState {
         bool isSelected = false;
-        bool isCurrent = false; ///< and the view has the focus
+        bool isCurrent = false; ///< and its ring is to be seen
         bool isHovered = false;
-        bool isActive = false; ///< the view has the focus
+        bool isActive = false; ///< the view holds the keyboard
         bool showsCheckBox = false;
         bool isDropTarget = false;
     };
@@ -256,6 +257,7 @@ private:
     QPointer<RenameEditor> editor_;
     std::optional<ItemRef> renamed_; ///< the item that the editor is for
     FileViewDrop drop_;
+    KeyboardHold keyboard_{*this};
     std::vector<ThumbnailStore::Request> painted_; ///< the thumbnails of this painting
     std::vector<ThumbnailStore::Request> wanted_;  ///< and those that were asked for last
     bool paintsAll_ = false;

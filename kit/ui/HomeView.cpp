@@ -139,8 +139,8 @@ void HomeView::paintEvent(QPaintEvent* event) {
         HomePainter::Look look;
         look.isHovered = item == hovered_;
         look.isSelected = item == selected_ && item.part != Part::head;
-        look.isActive = hasFocus();
-        look.isCurrent = hasFocus() && item == current_;
+        look.isActive = keyboard_.isHeld();
+        look.isCurrent = keyboard_.hasRing() && item == current_;
         look.isButtonHovered = look.isHovered && isButtonHovered_;
         look.isButtonPressed = isButtonPressed_ && item == pressed_;
         look.isDropTarget = drag_->isOn(rect) && !drag_->isFlashing(rect);

@@ -2,6 +2,7 @@
 
 #include "ui/HomeLayout.h"
 #include "ui/HomePainter.h"
+#include "ui/KeyboardHold.h"
 #include "ui/PlaceDrop.h"
 #include "ui/PlaceIntents.h"
 #include "ui/PlaceMenu.h"
@@ -80,6 +81,7 @@ private:
     const PlaceIntents intents_;
     PlaceMenu menus_;
     HomePainter painter_;
+    KeyboardHold keyboard_{*this};
     HomeLayout layout_;
     std::optional<HomeItem> current_;
     std::optional<HomeItem> selected_;

@@ -20,6 +20,7 @@
 #include <QContextMenuEvent>
 #include <QMenu>
 #include <QSplitterHandle>
+#include <QTimer>
 
 namespace ombrel {
 namespace {
@@ -235,6 +236,39 @@ TEST_F(WindowFrame, OpensItsContextMenuByMouseAndKeys) {
                       view.viewport()->rect().bottomRight());
     EXPECT_THAT(closeMenu(), Contains("Refresh"));
     EXPECT_TRUE(window.model().selection().empty());
+}
+
+TEST_F(WindowFrame, KeepsTheSelectionBrightWhileMenusActOnIt) {
+    open(tree.url("Projects"));
+    auto& view = window.view();
+    view.setFocus();
+    press(Qt::Key_Home);
+    const auto ground = [&] {
+        const QRect row = view.rowRect(0).intersected(view.viewport()->rect());
+        const QPoint inRow(row.right() - 8, row.top() + 4);
+        return view.viewport()->grab().toImage().pixelColor(inRow);
+    };
+    const QColor bright = quietTheme().color(ThemeColor::selection);
+    ASSERT_EQ(ground(), bright);
+    const auto walkMenu = [&] {
+        ASSERT_TRUE(runUntil([] { return QApplication::activePopupWidget() != nullptr; }));
+        QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Down);
+        EXPECT_FALSE(view.hasFocus());
+        EXPECT_EQ(ground(), bright);
+        QApplication::activePopupWidget()->close();
+        window.activateWindow(); // as a desktop does
+        QApplication::processEvents();
+        EXPECT_EQ(ground(), bright);
+    };
+    press(Qt::Key_F10, Qt::ShiftModifier);
+    walkMenu();
+    press(Qt::Key_F10);
+    ASSERT_TRUE(qobject_cast<BarButton*>(QApplication::focusWidget()));
+    QTimer::singleShot(0, &window, walkMenu);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
+    // What is no menu has a matter of its own.
+    press(Qt::Key_F6, Qt::ShiftModifier);
+    EXPECT_EQ(ground(), quietTheme().color(ThemeColor::selectionInactive));
 }
 
 TEST_F(WindowFrame, GivesTheSidesTheirPlaces) {
