@@ -5,6 +5,7 @@
 #include "ui/Pill.h"
 #include "ui/QuickLookPicture.h"
 #include "ui/SpeedGraph.h"
+#include "ui/TextLabel.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>
@@ -56,6 +57,8 @@ QAccessibleInterface* make(const QString&, QObject* object) {
         return new QAccessibleWidget(picture, QAccessible::Graphic);
     if (auto* const pill = qobject_cast<Pill*>(object))
         return new QAccessibleWidget(pill, QAccessible::StaticText);
+    if (auto* const label = qobject_cast<ElidedLabel*>(object))
+        return new QAccessibleWidget(label, QAccessible::StaticText);
     return nullptr;
 }
 

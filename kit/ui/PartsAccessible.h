@@ -4,7 +4,7 @@ namespace ombrel {
 
 class JobBar;
 
-/// What screen readers are told of the small painted widgets: bars, graphs and pills.
+/// What screen readers are told of the small painted widgets: bars, graphs, pills and labels.
 namespace PartsAccessible {
 
 /// To be called before one of them is asked about; again does nothing.

@@ -7,12 +7,17 @@
 #include "ui/Formats.h"
 #include "ui/GlyphButton.h"
 #include "ui/LocalizedText.h"
+#include "ui/TextLabel.h"
 #include "ui/Theme.h"
 
 #include <QAction>
+#include <QEvent>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QPainter>
+
+#include <algorithm>
+#include <numeric>
+#include <utility>
 
 namespace ombrel {
 namespace {
@@ -28,9 +33,8 @@ std::int64_t count(std::size_t items) {
 StatusBar::StatusBar(const Theme& theme, QWidget* parent) : QWidget(parent), theme_(&theme) {
     auto* const row = new QHBoxLayout(this);
     for (std::size_t i = 0; i < mostParts; ++i) {
-        auto* const label = new QLabel(this);
-        label->setTextFormat(Qt::PlainText);
-        label->setMinimumWidth(1);
+        auto* const label = new ElidedLabel(theme, Qt::ElideRight, ThemeColor::textSecondary, this);
+        label->setFontToken(ThemeFont::caption);
         row->addWidget(label);
         labels_.push_back(label);
     }
@@ -88,36 +92,45 @@ void StatusBar::take(QWidget* chip) {
     static_cast<QHBoxLayout*>(layout())->insertWidget(static_cast<int>(labels_.size()) + 1, chip);
 }
 
-QStringList StatusBar::parts() const {
-    QStringList parts;
-    if (!model_) return parts;
-    if (!dropEffect_.isEmpty()) return {dropEffect_};
-    if (model_->isHome()) return home_ ? QStringList(homeText()) : QStringList();
+QStringList StatusBar::textsOf(const std::vector<Part>& parts) {
+    QStringList texts;
+    for (const Part& part : parts)
+        texts << part.text;
+    return texts;
+}
+
+std::vector<StatusBar::Part> StatusBar::allParts() const {
+    if (!model_) return {};
+    if (!dropEffect_.isEmpty()) return {{dropEffect_, Worth::answer}};
+    if (model_->isHome()) return home_ ? std::vector<Part>{{homeText(), Worth::count}} : std::vector<Part>();
+    std::vector<Part> parts;
     switch (model_->listingState().which()) {
-    case ListingState::Case::loading:
-        if (model_->showsSearch()) {
-            parts << localized("ui.status.searching", count(model_->items().size()));
-            break;
-        }
-        parts << localized("ui.status.loading", count(model_->items().size()));
+    case ListingState::Case::loading: {
+        const auto key = model_->showsSearch() ? "ui.status.searching" : "ui.status.loading";
+        parts.push_back({localized(key, count(model_->items().size())), Worth::count});
         break;
+    }
     case ListingState::Case::loaded:
-        if (model_->currentURL()) parts << localized("ui.status.items", count(model_->items().size()));
+        if (model_->currentURL())
+            parts.push_back({localized("ui.status.items", count(model_->items().size())), Worth::count});
         break;
     case ListingState::Case::failed:
-    case ListingState::Case::invalidated: return {localized("ui.status.failed")};
+    case ListingState::Case::invalidated: return {{localized("ui.status.failed"), Worth::answer}};
     case ListingState::Case::noLocation: return {};
     }
     if (const std::size_t selected = model_->selection().count(); selected > 0) {
         const auto bytes = selectionSize_->bytes();
-        parts << (bytes ? localized("ui.status.selectedWithSize", count(selected),
-                                    {Formats::size(*bytes).toStdString()})
-                        : localized("ui.status.selected", count(selected)));
+        parts.push_back({bytes ? localized("ui.status.selectedWithSize", count(selected),
+                                           {Formats::size(*bytes).toStdString()})
+                               : localized("ui.status.selected", count(selected)),
+                         Worth::selection});
     }
-    if (model_->hasReachedSearchLimit()) parts << localized("ui.status.searchLimit");
-    if (model_->unreadableCount() > 0) parts << localized("ui.status.unreadable", model_->unreadableCount());
+    if (model_->hasReachedSearchLimit()) parts.push_back({localized("ui.status.searchLimit"), Worth::limit});
+    if (model_->unreadableCount() > 0)
+        parts.push_back({localized("ui.status.unreadable", model_->unreadableCount()), Worth::unreadable});
     const QString& typed = view_->typeAhead().text();
-    if (!typed.isEmpty()) parts << localized("ui.status.jumpTo", {typed.toStdString()});
+    if (!typed.isEmpty())
+        parts.push_back({localized("ui.status.jumpTo", {typed.toStdString()}), Worth::answer});
     return parts;
 }
 
@@ -133,13 +146,49 @@ QString StatusBar::homeText() const {
 void StatusBar::refresh() {
     for (int i = 0; i < switches_->count(); ++i)
         switches_->itemAt(i)->widget()->setVisible(model_ && !model_->isHome());
-    const QStringList shown = parts();
-    for (std::size_t i = 0; i < labels_.size(); ++i) {
-        const auto index = static_cast<qsizetype>(i);
-        labels_[i]->setText(index < shown.size() ? shown[index] : QString());
-        labels_[i]->setVisible(index < shown.size());
-    }
+    parts_ = allParts();
+    for (std::size_t i = 0; i < labels_.size(); ++i)
+        labels_[i]->setText(i < parts_.size() ? parts_[i].text : QString());
+    arrange();
     update();
+}
+
+int StatusBar::room() const {
+    const QMargins margins = layout()->contentsMargins();
+    int room = width() - margins.left() - margins.right();
+    for (int i = static_cast<int>(labels_.size()); i < layout()->count(); ++i)
+        if (QLayoutItem* const item = layout()->itemAt(i); !item->isEmpty())
+            room -= layout()->spacing() + item->sizeHint().width();
+    return room;
+}
+
+void StatusBar::arrange() {
+    std::vector<std::size_t> shown(parts_.size());
+    std::iota(shown.begin(), shown.end(), std::size_t{0});
+    const auto needed = [&] {
+        int width = -layout()->spacing();
+        for (const std::size_t i : shown)
+            width += layout()->spacing() + labels_[i]->sizeHint().width();
+        return width;
+    };
+    for (const int room = this->room(); shown.size() > 1 && needed() > room;)
+        shown.erase(std::ranges::min_element(shown, {}, [&](std::size_t i) { return parts_[i].worth; }));
+    const bool areAllShown = shown.size() == parts_.size();
+    for (std::size_t i = 0; i < labels_.size(); ++i) {
+        labels_[i]->setVisible(std::ranges::find(shown, i) != shown.end());
+        labels_[i]->setToolTip(areAllShown ? labels_[i]->text() : textsOf(parts_).join(QLatin1Char('\n')));
+    }
+}
+
+bool StatusBar::event(QEvent* event) {
+    // The chip has come, has gone or says something else.
+    if (event->type() == QEvent::LayoutRequest) arrange();
+    return QWidget::event(event);
+}
+
+void StatusBar::resizeEvent(QResizeEvent* event) {
+    arrange();
+    QWidget::resizeEvent(event);
 }
 
 void StatusBar::takeSizes() {
@@ -149,12 +198,6 @@ void StatusBar::takeSizes() {
     layout()->setSpacing(theme_->size(ThemeSize::space28));
     setFixedHeight(theme_->size(ThemeSize::statusBar));
     switches_->setSpacing(theme_->size(ThemeSize::space2));
-    QPalette colors = palette();
-    colors.setColor(QPalette::WindowText, theme_->color(ThemeColor::textSecondary));
-    for (QLabel* label : labels_) {
-        label->setFont(theme_->font(ThemeFont::caption));
-        label->setPalette(colors);
-    }
     refresh();
 }
 
@@ -165,9 +208,10 @@ void StatusBar::paintEvent(QPaintEvent*) {
     painter.fillRect(rect(), theme_->color(ThemeColor::chromeRaised));
     painter.fillRect(QRect(0, 0, width(), hairline), line);
     const int half = layout()->spacing() / 2, tall = theme_->size(ThemeSize::space12);
-    for (std::size_t i = 1; i < labels_.size(); ++i) {
-        if (labels_[i]->isHidden()) continue;
-        const QRect label = labels_[i]->geometry();
+    bool isFirst = true;
+    for (const ElidedLabel* shown : labels_) {
+        if (shown->isHidden() || std::exchange(isFirst, false)) continue;
+        const QRect label = shown->geometry();
         const int x = layoutDirection() == Qt::RightToLeft ? label.right() + half : label.left() - half;
         painter.fillRect(QRect(x, (height() - tall) / 2, hairline, tall), line);
     }

@@ -1,5 +1,7 @@
 #include "ui/TextLabel.h"
 
+#include "ui/PartsAccessible.h"
+
 #include <QPainter>
 
 namespace ombrel {
@@ -27,6 +29,7 @@ void TextLabel::takeLook() {
 
 ElidedLabel::ElidedLabel(const Theme& theme, Qt::TextElideMode mode, ThemeColor color, QWidget* parent)
     : QWidget(parent), theme_(&theme), mode_(mode), color_(color) {
+    PartsAccessible::install();
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     connect(&theme, &Theme::changed, this, &QWidget::updateGeometry);
 }

@@ -12,6 +12,7 @@
 #include "ui/SearchField.h"
 #include "ui/StatusBar.h"
 #include "ui/TabStrip.h"
+#include "ui/TextLabel.h"
 #include "ui/WindowActions.h"
 #include "ui/WindowMenus.h"
 #include "ui/WindowWorld.h"
@@ -269,6 +270,33 @@ TEST_F(WindowFrame, KeepsTheSelectionBrightWhileMenusActOnIt) {
     // What is no menu has a matter of its own.
     press(Qt::Key_F6, Qt::ShiftModifier);
     EXPECT_EQ(ground(), quietTheme().color(ThemeColor::selectionInactive));
+}
+
+TEST_F(WindowFrame, LetsWhatSaysLeastLeaveTheStatusBarFirst) {
+    open(tree.url("Projects"));
+    auto& bar = window.statusBar();
+    const auto shown = [&](int width) {
+        window.resize(width, 500);
+        QApplication::processEvents();
+        std::vector<std::string> texts;
+        int end = 0;
+        for (const auto* label : bar.findChildren<ElidedLabel*>()) {
+            if (!label->isVisible()) continue;
+            EXPECT_GE(label->x(), end);
+            end = label->geometry().right() + 1;
+            texts.push_back(label->text().toStdString());
+            EXPECT_TRUE(label->width() >= label->sizeHint().width() || texts.size() == 1) << width;
+        }
+        return texts;
+    };
+    window.model().setRow(BrowserModel::Place::current, 1);
+    press(Qt::Key_End);
+    window.setMinimumWidth(0);
+    const std::string selected = bar.parts().back().toStdString();
+    EXPECT_THAT(shown(900), ElementsAre("3 items", selected));
+    EXPECT_THAT(shown(260), ElementsAre(selected));
+    EXPECT_THAT(shown(150), ElementsAre(selected));
+    EXPECT_THAT(shown(900), ElementsAre("3 items", selected));
 }
 
 TEST_F(WindowFrame, GivesTheSidesTheirPlaces) {
