@@ -57,6 +57,8 @@ DesktopAppearance::DesktopAppearance(Theme& theme, QObject* parent)
     : QObject(parent), theme_(&theme), fallback_(theme.appearance()) {}
 
 void DesktopAppearance::follow() {
+    // The bus library looks up by name what the slot takes, and otherwise refuses to connect it.
+    qRegisterMetaType<QDBusVariant>();
     try {
         Worker("ombrel-portal", [self = QPointer(this)](const std::stop_token&) {
             auto settings = askPortal();
