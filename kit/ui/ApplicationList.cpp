@@ -124,11 +124,13 @@ private:
         if (!isChosen && !isHovered) return;
         const int radius = theme_->size(ThemeSize::radiusRow);
         painter.setPen(Qt::NoPen);
-        painter.setBrush(theme_->color(!isChosen   ? ThemeColor::hover
-                                       : isHovered ? ThemeColor::selectionHover
-                                                   : ThemeColor::selection));
+        const auto ground = !isChosen   ? ThemeColor::hover
+                            : isHovered ? ThemeColor::selectionHover
+                                        : ThemeColor::selection;
+        painter.setBrush(theme_->color(ground));
         painter.drawRoundedRect(row, radius, radius);
-        if (option.state & QStyle::State_HasFocus) OmbrelStyle::drawInnerRing(painter, *theme_, row, radius);
+        if (option.state & QStyle::State_HasFocus)
+            OmbrelStyle::drawInnerRing(painter, *theme_, row, radius, ground);
     }
     /// An icon is looked for when its row is first seen.
     const QIcon& icon(const DesktopApplication& application) const {

@@ -117,7 +117,8 @@ void HomePainter::paintCard(QPainter& painter, const QRect& rect, const Look& lo
     painter.setPen(QPen(theme_->color(ThemeColor::border), size(ThemeSize::hairline)));
     painter.setBrush(theme_->color(fillOf(look).value_or(ThemeColor::surface)));
     painter.drawRoundedRect(hairlineInside(rect), radius, radius);
-    if (look.isCurrent || look.isDropTarget) OmbrelStyle::drawInnerRing(painter, *theme_, rect, radius);
+    if (look.isCurrent || look.isDropTarget)
+        OmbrelStyle::drawInnerRing(painter, *theme_, rect, radius, fillOf(look));
 }
 
 void HomePainter::paintLines(QPainter& painter, const QRect& box, const QString& first, const QString& second,
@@ -196,7 +197,7 @@ void HomePainter::paintRowGround(QPainter& painter, const HomeItem& item, const 
         painter.fillRect(QRect(rect.left(), rect.top(), rect.width(), hairline),
                          theme_->color(ThemeColor::border));
     if (look.isCurrent || look.isDropTarget)
-        OmbrelStyle::drawInnerRing(painter, *theme_, ground, radius - hairline);
+        OmbrelStyle::drawInnerRing(painter, *theme_, ground, radius - hairline, fillOf(look));
 }
 
 QRect HomePainter::paintPill(QPainter& painter, const GrantedPlace& location, int right,

@@ -9,6 +9,7 @@
 #include <QStyleOptionButton>
 
 #include <algorithm>
+#include <optional>
 
 namespace ombrel {
 
@@ -20,23 +21,25 @@ double ItemPainting::opacityOf(const RowFacts::Facts& facts) {
 void ItemPainting::background(QPainter& painter, const Theme& theme, const QRect& rect,
                               const FileView::RowState& state) {
     const int radius = theme.size(ThemeSize::radiusRow);
-    if (state.isSelected || state.isHovered || state.isDropTarget) {
-        const auto color = state.isDropTarget  ? ThemeColor::selection
-                           : !state.isSelected ? ThemeColor::hover
-                           : !state.isActive   ? ThemeColor::selectionInactive
-                           : state.isHovered   ? ThemeColor::selectionHover
-                                               : ThemeColor::selection;
+    const auto ground = [&state]() -> std::optional<ThemeColor> {
+        if (state.isDropTarget) return ThemeColor::selection;
+        if (!state.isSelected) return state.isHovered ? std::optional(ThemeColor::hover) : std::nullopt;
+        if (!state.isActive) return ThemeColor::selectionInactive;
+        return state.isHovered ? ThemeColor::selectionHover : ThemeColor::selection;
+    }();
+    if (ground) {
         const bool isOutlined = state.isHovered && theme.appearance().isHighContrast;
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(isOutlined
                            ? QPen(theme.color(ThemeColor::borderStrong), theme.size(ThemeSize::hairline))
                            : QPen(Qt::NoPen));
-        painter.setBrush(theme.color(color));
+        painter.setBrush(theme.color(*ground));
         painter.drawRoundedRect(isOutlined ? QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5) : QRectF(rect),
                                 radius, radius);
         painter.setRenderHint(QPainter::Antialiasing, false);
     }
-    if (state.isCurrent || state.isDropTarget) OmbrelStyle::drawInnerRing(painter, theme, rect, radius);
+    if (state.isCurrent || state.isDropTarget)
+        OmbrelStyle::drawInnerRing(painter, theme, rect, radius, ground);
 }
 
 QColor ItemPainting::nameColor(const Theme& theme, const RowFacts::Facts& facts,

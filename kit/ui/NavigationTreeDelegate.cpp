@@ -89,7 +89,7 @@ void NavigationTreeDelegate::paintGround(QPainter& painter, const QRect& row, co
         painter.fillPath(shape, theme_->color(ThemeColor::accent));
         painter.restore();
     }
-    if (look.isCurrent || look.isDropTarget) OmbrelStyle::drawInnerRing(painter, *theme_, row, radius);
+    if (look.isCurrent || look.isDropTarget) OmbrelStyle::drawInnerRing(painter, *theme_, row, radius, fill);
 }
 
 void NavigationTreeDelegate::paintIcon(QPainter& painter, const FolderTreeModel::Entry& entry,

@@ -52,14 +52,16 @@ bool isDangerous(const QWidget* widget, const QRect& row) {
 OmbrelStyle::OmbrelStyle(const Theme& theme)
     : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))), theme_(&theme) {}
 
-void OmbrelStyle::drawInnerRing(QPainter& painter, const Theme& theme, const QRectF& rect, int radius) {
+void OmbrelStyle::drawInnerRing(QPainter& painter, const Theme& theme, const QRectF& rect, int radius,
+                                std::optional<ThemeColor> ground) {
     const double width = theme.size(ThemeSize::focusRing);
+    const bool isOnAccent = ground && theme.color(*ground) == theme.color(ThemeColor::accent);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(theme.color(ThemeColor::accent), width));
+    painter.setPen(QPen(theme.color(isOnAccent ? ThemeColor::onAccent : ThemeColor::accent), width));
     painter.setBrush(Qt::NoBrush);
-    const double half = width / 2;
-    painter.drawRoundedRect(rect.adjusted(half, half, -half, -half), radius - half, radius - half);
+    const double inset = width / 2 + (isOnAccent ? theme.size(ThemeSize::focusGap) : 0);
+    painter.drawRoundedRect(rect.adjusted(inset, inset, -inset, -inset), radius - inset, radius - inset);
     painter.restore();
 }
 

@@ -2,6 +2,9 @@
 
 #include <QProxyStyle>
 
+#include <cstdint>
+#include <optional>
+
 class QStyleOptionButton;
 class QStyleOptionMenuItem;
 class QStyleOptionSlider;
@@ -9,6 +12,7 @@ class QStyleOptionSlider;
 namespace ombrel {
 
 class Theme;
+enum class ThemeColor : std::uint8_t;
 
 /// Fusion with the theme's shapes: buttons, scroll bars, check boxes, menus, tooltips and focus rings.
 class OmbrelStyle final : public QProxyStyle {
@@ -27,8 +31,10 @@ public:
     /// `theme` must outlive it.
     explicit OmbrelStyle(const Theme& theme);
 
-    /// A 2 px ring of the accent along the inside of `rect`.
-    static void drawInnerRing(QPainter& painter, const Theme& theme, const QRectF& rect, int radius);
+    /// A 2 px ring of the accent along the inside of `rect`. Where what it lies on, `ground`, is of the
+    /// accent too, the ring has the colour of the text on it and leaves a gap to the edge.
+    static void drawInnerRing(QPainter& painter, const Theme& theme, const QRectF& rect, int radius,
+                              std::optional<ThemeColor> ground = std::nullopt);
 
     /// The round mark of one choice among several.
     static void drawRadio(QPainter& painter, const Theme& theme, const QRectF& box, bool isOn,

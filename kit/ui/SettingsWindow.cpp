@@ -18,6 +18,7 @@
 #include <QPainter>
 #include <QStackedWidget>
 
+#include <optional>
 #include <utility>
 
 namespace ombrel {
@@ -47,9 +48,12 @@ protected:
         painter.setRenderHint(QPainter::Antialiasing);
         const int radius = theme_->size(ThemeSize::radiusButton);
         const bool isRightToLeft = layoutDirection() == Qt::RightToLeft;
-        if (isChecked() || underMouse()) {
+        const auto ground = isChecked()    ? std::optional(ThemeColor::selection)
+                            : underMouse() ? std::optional(ThemeColor::hover)
+                                           : std::nullopt;
+        if (ground) {
             painter.setPen(Qt::NoPen);
-            painter.setBrush(theme_->color(isChecked() ? ThemeColor::selection : ThemeColor::hover));
+            painter.setBrush(theme_->color(*ground));
             painter.drawRoundedRect(rect(), radius, radius);
         }
         if (isChecked()) {
@@ -72,7 +76,7 @@ protected:
             isRightToLeft ? rect().adjusted(0, 0, -beside, 0) : rect().adjusted(beside, 0, 0, 0);
         painter.drawText(words, static_cast<int>(Qt::AlignLeading | Qt::AlignVCenter) | Qt::TextSingleLine,
                          painter.fontMetrics().elidedText(text(), Qt::ElideRight, words.width()));
-        if (hasFocus()) OmbrelStyle::drawInnerRing(painter, *theme_, rect(), radius);
+        if (hasFocus()) OmbrelStyle::drawInnerRing(painter, *theme_, rect(), radius, ground);
     }
 
 private:

@@ -329,9 +329,11 @@ void TabStrip::paintTab(QPainter& painter, std::size_t shown) const {
     const bool hasRing = tab && ((showsRing_ && hasFocus() && *tab == focused_) || spring_->isFlashing(*tab));
     if (hasRing)
         OmbrelStyle::drawInnerRing(painter, *theme_, rect.adjusted(1, static_cast<int>(line) + 1, -1, -1),
-                                   theme_->size(ThemeSize::radiusButton));
+                                   theme_->size(ThemeSize::radiusButton), ground);
 
-    const auto ink = isActive ? ThemeColor::text : ThemeColor::textSecondary;
+    const auto ink = ground == ThemeColor::selection ? ThemeColor::onSelection
+                     : isActive                      ? ThemeColor::text
+                                                     : ThemeColor::textSecondary;
     const auto inTab = [&](const QRect& part) { return QStyle::visualRect(layoutDirection(), rect, part); };
     const int side = theme_->size(ThemeSize::smallIcon), padding = theme_->size(ThemeSize::space12);
     const int gap = theme_->size(ThemeSize::space8);

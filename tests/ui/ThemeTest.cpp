@@ -2,6 +2,7 @@
 
 #include "ui/CapacityBar.h"
 #include "ui/DesktopAppearance.h"
+#include "ui/OmbrelStyle.h"
 
 #include <QFontInfo>
 #include <QGuiApplication>
@@ -160,6 +161,23 @@ TEST(AppearanceOfAPalette, IsDarkWhenItsWindowsAre) {
     palette.setColor(QPalette::Window, QColor::fromHsl(0, 0, 128));
     EXPECT_FALSE(DesktopAppearance::fromPalette(palette).isDark);
     EXPECT_TRUE(DesktopAppearance::fromPalette(Theme({.isDark = true}).palette()).isDark);
+}
+
+TEST(RingOfTheKeyboard, IsSeenOnASelectionOfTheAccent) {
+    const Theme plain, loud({.isHighContrast = true});
+    const auto middleOfEdge = [](const Theme& theme, int depth) {
+        constexpr int side = 40;
+        QImage image(side, side, QImage::Format_RGB32);
+        image.fill(theme.color(ThemeColor::selection));
+        QPainter painter(&image);
+        OmbrelStyle::drawInnerRing(painter, theme, image.rect(), theme.size(ThemeSize::radiusRow),
+                                   ThemeColor::selection);
+        return image.pixelColor(depth, side / 2);
+    };
+    EXPECT_EQ(middleOfEdge(plain, 0), plain.color(ThemeColor::accent));
+    const int gap = loud.size(ThemeSize::focusGap);
+    EXPECT_EQ(middleOfEdge(loud, 0), loud.color(ThemeColor::accent));
+    EXPECT_EQ(middleOfEdge(loud, gap), loud.color(ThemeColor::onAccent));
 }
 
 } // namespace
