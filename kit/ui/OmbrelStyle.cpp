@@ -99,6 +99,7 @@ void OmbrelStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
     case PE_PanelTipLabel:
     case PE_PanelMenu: return drawMenuGround(option->rect, *painter, widget);
     case PE_FrameMenu: return; // drawn with the ground
+    case PE_Frame: return drawFrame(option->rect, *painter);
     default: return QProxyStyle::drawPrimitive(element, option, painter, widget);
     }
 }
@@ -178,6 +179,13 @@ void OmbrelStyle::drawButton(const QStyleOptionButton& option, QPainter& painter
         painter.drawText(words, Qt::AlignCenter | Qt::TextShowMnemonic, option.text);
     }
     painter.restore();
+}
+
+void OmbrelStyle::drawFrame(const QRect& frame, QPainter& painter) const {
+    const int hairline = theme_->size(ThemeSize::hairline);
+    const QRegion line = QRegion(frame) - frame.adjusted(hairline, hairline, -hairline, -hairline);
+    for (const QRect& side : line)
+        painter.fillRect(side, theme_->color(ThemeColor::border));
 }
 
 void OmbrelStyle::drawCheckBox(const QStyleOption& option, QPainter& painter) const {

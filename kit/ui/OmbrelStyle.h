@@ -59,6 +59,7 @@ public:
 
 private:
     void drawButton(const QStyleOptionButton& option, QPainter& painter, const QWidget* widget) const;
+    void drawFrame(const QRect& frame, QPainter& painter) const;
     void drawCheckBox(const QStyleOption& option, QPainter& painter) const;
     void drawMenuGround(const QRect& menu, QPainter& painter, const QWidget* widget) const;
     void drawMenuItem(const QStyleOptionMenuItem& option, QPainter& painter, const QWidget* widget) const;
