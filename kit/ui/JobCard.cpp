@@ -215,11 +215,14 @@ void JobCard::showPrompt(PromptView* view) {
 
 void JobCard::leavePrompt() {
     if (!prompt_) return;
-    // It may be the one whose click is being handled.
-    prompt_->hide();
-    prompt_->deleteLater();
-    prompt_.clear();
+    PromptView* const left = std::exchange(prompt_, nullptr);
+    const bool hadKeyboard = left->isAncestorOf(window()->focusWidget());
     refreshState();
+    // The next control is the one that cancels: another stroke of Enter must not do that.
+    if (hadKeyboard) toggle_->setFocus();
+    // It may be the one whose click is being handled.
+    left->hide();
+    left->deleteLater();
 }
 
 } // namespace ombrel

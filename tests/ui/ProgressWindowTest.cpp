@@ -14,6 +14,7 @@
 #include "ui/SpeedGraph.h"
 #include "ui/ViewWorld.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QClipboard>
 #include <QGuiApplication>
@@ -186,6 +187,12 @@ TEST_F(ProgressWindowTest, ConflictsAreAnsweredByKeysAndByMouse) {
     press(Qt::Key_Down);
     press(Qt::Key_Down);
     EXPECT_EQ(window.focusWidget(), button<ChoiceCard>(QStringLiteral("Decide for each item")));
+    // Between two questions as well, what destroys something does not have the keyboard.
+    const QWidget* const cancel = button<GlyphButton>(QStringLiteral("Cancel"));
+    ASSERT_NE(cancel, nullptr);
+    bool couldCancel = false;
+    QObject::connect(qApp, &QApplication::focusChanged, &window,
+                     [&](const QWidget*, const QWidget* now) { couldCancel = couldCancel || now == cancel; });
     press(Qt::Key_Return);
     ASSERT_TRUE(waitForCard(QStringLiteral("Keep both")));
     EXPECT_EQ(find<ConflictPrompt>()->title(), QStringLiteral("“a” is already there"));
@@ -216,6 +223,7 @@ TEST_F(ProgressWindowTest, ConflictsAreAnsweredByKeysAndByMouse) {
     EXPECT_EQ(window.focusWidget(), button<ChoiceCard>(QStringLiteral("Skip")));
     press(Qt::Key_Return);
     ASSERT_TRUE(runUntil([&] { return center.jobs().empty(); }));
+    EXPECT_FALSE(couldCancel);
     EXPECT_EQ(tree.contents("to/a"), "new a");
     EXPECT_EQ(tree.contents("to/b"), "old");
     EXPECT_EQ(tree.contents("to/b (2)"), "new b");
