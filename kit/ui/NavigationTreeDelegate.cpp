@@ -9,6 +9,8 @@
 #include <QPainterPath>
 #include <QStyle>
 
+#include <algorithm>
+
 namespace ombrel {
 namespace {
 
@@ -38,7 +40,9 @@ NavigationRowParts NavigationTreeDelegate::parts(const QRect& rect, const QModel
                                                  Qt::LayoutDirection direction) const {
     const auto size = [this](ThemeSize token) { return theme_->size(token); };
     const auto entry = model_->entry(index);
-    const int inset = size(ThemeSize::treeInset), indent = depthOf(index) * size(ThemeSize::treeIndent);
+    const int inset = size(ThemeSize::treeInset);
+    // Deep folders keep most of the row for their names.
+    const int indent = std::min(depthOf(index) * size(ThemeSize::treeIndent), rect.width() * 2 / 5);
     const int chevron = size(ThemeSize::treeChevron), icon = size(ThemeSize::smallIcon);
     const int button = size(ThemeSize::treeButton), small = size(ThemeSize::space2);
     NavigationRowParts parts;

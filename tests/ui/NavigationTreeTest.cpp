@@ -110,6 +110,17 @@ TEST_F(Tree, OffersToAllowALocationAgain) {
     EXPECT_THAT(wanted, IsEmpty());
 }
 
+TEST_F(Tree, ShowsTheNamesOfDeepFolders) {
+    std::string path = "place";
+    for (int i = 0; i < 20; ++i)
+        tree.folder(path += "/d" + std::to_string(i));
+    model.follow(tree.url(path));
+    ASSERT_TRUE(runUntil([&] { return model.entry(model.current()).title == QLatin1String("d19"); }));
+    const auto parts = view.partsOf(model.current());
+    EXPECT_TRUE(parts.row.contains(parts.text));
+    EXPECT_GT(parts.text.width(), parts.row.width() / 4);
+}
+
 TEST_F(Tree, ScrollsToTheShownFolderOnlyWhenItIsOutOfSight) {
     for (int i = 100; i < 160; ++i)
         tree.folder("place/inner/" + std::to_string(i));
