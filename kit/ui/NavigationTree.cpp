@@ -304,6 +304,8 @@ void NavigationTree::focusInEvent(QFocusEvent* event) {
         selectionModel()->setCurrentIndex(model_->current().isValid() ? model_->current()
                                                                       : model_->index(0, 0),
                                           QItemSelectionModel::NoUpdate);
+    const bool isByKey = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    if (isByKey && currentIndex().isValid()) scrollTo(currentIndex());
     viewport()->update();
 }
 

@@ -137,6 +137,13 @@ TEST_F(Tree, ScrollsToTheShownFolderOnlyWhenItIsOutOfSight) {
     QApplication::processEvents();
     EXPECT_EQ(model.entry(model.current()).title, QLatin1String("158"));
     EXPECT_EQ(view.verticalScrollBar()->value(), before);
+    // Who comes by the keyboard sees where it is.
+    view.setCurrentIndex(model.current());
+    view.verticalScrollBar()->setValue(0);
+    ASSERT_FALSE(isInSight());
+    QFocusEvent focus(QEvent::FocusIn, Qt::TabFocusReason);
+    QApplication::sendEvent(&view, &focus);
+    EXPECT_TRUE(isInSight());
     model.follow(std::nullopt);
     QApplication::processEvents();
     EXPECT_EQ(view.verticalScrollBar()->value(), 0);
