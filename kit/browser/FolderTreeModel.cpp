@@ -421,6 +421,15 @@ void FolderTreeModel::setOrigin(const QModelIndex& index) {
     follower_->setOrigin(index);
 }
 
+void FolderTreeModel::tellOfFolders(const FileURL& folder, bool hasFolders) {
+    const QModelIndex shown = current();
+    if (!shown.isValid() || nodeOf(shown) || kindOf(shown) != Kind::folder || entry(shown).url != folder)
+        return;
+    auto& above = *static_cast<Node*>(shown.internalPointer());
+    above.probes.keep({{std::string(folder.name()), hasFolders}});
+    Q_EMIT dataChanged(shown, shown);
+}
+
 void FolderTreeModel::follow(const std::optional<FileURL>& folder) {
     follower_->follow(folder);
     advance();

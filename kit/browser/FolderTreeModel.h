@@ -95,6 +95,8 @@ public:
     /// The row of the folder that is shown, or of what it lies in as long, or as far, as it cannot be
     /// reached.
     [[nodiscard]] QModelIndex current() const;
+    /// What the pane has found in `folder`, which it shows: an arrow comes or goes with its first folder.
+    void tellOfFolders(const FileURL& folder, bool hasFolders);
     /// Whether `current` still moves towards the folder that is shown.
     [[nodiscard]] bool isSearching() const noexcept;
 

@@ -27,9 +27,17 @@ WindowPlaces::WindowPlaces(QWidget& window, BrowserTabsModel& tabs, AppServices&
 
 void WindowPlaces::followPane() {
     disconnect(following_);
+    disconnect(telling_);
     const BrowserModel& pane = tabs_->activeTab();
     const auto follow = [this, &pane] { folders_.follow(pane.currentURL()); };
     following_ = connect(&pane, &BrowserModel::locationChanged, this, follow);
+    // Where folders are first, one look at the first item says whether there are any.
+    telling_ = connect(&pane, &BrowserModel::itemsChanged, this, [this, &pane] {
+        const bool isWhole = pane.listingState() == ListingState::Case::loaded && !pane.showsSearch();
+        const auto& items = pane.items();
+        if (isWhole && pane.sort().foldersFirst && pane.currentURL())
+            folders_.tellOfFolders(*pane.currentURL(), !items.empty() && items[0].isDirectoryLike());
+    });
     follow();
 }
 

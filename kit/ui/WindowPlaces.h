@@ -51,7 +51,7 @@ private:
     VolumeEjector ejector_;
     HomeModel home_;
     FolderTreeModel folders_;
-    QMetaObject::Connection following_;
+    QMetaObject::Connection following_, telling_;
 };
 
 } // namespace ombrel

@@ -152,6 +152,14 @@ TEST_F(FolderTree, ShowsAnArrowWhereThereAreFolders) {
         return names;
     };
     EXPECT_TRUE(runUntil([&] { return withArrow() == std::vector<std::string>{"full", "links"}; }));
+    // The pane sees at once what comes into the folder that it shows.
+    model->follow(tree.url("place/empty"));
+    ASSERT_TRUE(runUntil([&] { return model->current() == at({"place", "empty"}); }));
+    model->tellOfFolders(tree.url("place/full"), false);
+    model->tellOfFolders(tree.url("place/empty"), true);
+    EXPECT_EQ(withArrow(), (std::vector<std::string>{"empty", "full", "links"}));
+    model->tellOfFolders(tree.url("place/empty"), false);
+    EXPECT_EQ(withArrow(), (std::vector<std::string>{"full", "links"}));
     // An opened folder knows for itself.
     model->open(at({"place", "empty"}));
     ASSERT_TRUE(runUntilQuiet());
