@@ -104,6 +104,7 @@ void FileViewPointer::pressRow(std::size_t row, const QMouseEvent& event) {
         return;
     }
     gestures_->select(row, how);
+    press_->hasToggled = how == How::toggle;
 }
 
 std::optional<std::size_t> FileViewPointer::pressedRow() const {
@@ -124,6 +125,8 @@ void FileViewPointer::move(QMouseEvent& event) {
 
 void FileViewPointer::beginBand() {
     press_->selects = false;
+    const auto row = pressedRow();
+    if (row && press_->hasToggled) gestures_->select(*row, How::toggle);
     gestures_->beginBand(press_->mode);
     view_->model().setHeld(true);
     patience_.start();

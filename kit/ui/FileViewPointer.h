@@ -53,6 +53,7 @@ private:
         Qt::MouseButton button = Qt::LeftButton;
         std::optional<ItemRef> item; ///< which a reload may give another row or take away
         bool selects = false;        ///< on release, unless something was dragged
+        bool hasToggled = false;     ///< what a band has to take back, which toggles it itself
         SelectionGestures::How howToSelect = SelectionGestures::How::only;
         bool mayDrag = false;
         bool mayRename = false; ///< a click on the name of what alone was selected already

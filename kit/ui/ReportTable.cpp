@@ -4,6 +4,7 @@
 #include "operations/ReportTexts.h"
 #include "ui/Formats.h"
 #include "ui/LocalizedText.h"
+#include "ui/OmbrelStyle.h"
 #include "ui/Pill.h"
 #include "ui/Theme.h"
 
@@ -80,10 +81,6 @@ public:
         painter->save();
         const int inset = theme_->size(ThemeSize::space8);
         const QRect box = option.rect.adjusted(inset, 0, 0, 0);
-        if (option.state & QStyle::State_Selected)
-            painter->fillRect(option.rect,
-                              theme_->color(option.state & QStyle::State_Active ? ThemeColor::selection
-                                                                                : ThemeColor::hover));
         if (index.column() == resultColumn) {
             const auto kind = static_cast<PillKind>(index.data(Qt::UserRole).toInt());
             QRect pill(QPoint(), Pill::sizeOf(*theme_, kind));
@@ -122,8 +119,7 @@ ReportTable::ReportTable(const Theme& theme, const OperationReport& report, QWid
           std::ranges::any_of(report.items, [](const ItemResult& item) { return item.source.has_value(); })) {
     setModel(new Rows(report, this));
     setItemDelegate(new Cells(theme, this));
-    setSelectionMode(SingleSelection);
-    setSelectionBehavior(SelectRows);
+    setSelectionMode(NoSelection);
     setTabKeyNavigation(false);
     setFocusPolicy(Qt::StrongFocus);
     setShowGrid(false);
@@ -158,6 +154,26 @@ void ReportTable::resizeEvent(QResizeEvent* event) {
     setColumnWidth(nameColumn, name);
     setColumnWidth(resultColumn, result);
     setColumnWidth(reasonColumn, rest - name);
+}
+
+void ReportTable::focusInEvent(QFocusEvent* event) {
+    QTableView::focusInEvent(event);
+    if (!currentIndex().isValid()) setCurrentIndex(model()->index(0, 0));
+    viewport()->update();
+}
+
+void ReportTable::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
+    QTableView::currentChanged(current, previous);
+    viewport()->update();
+}
+
+void ReportTable::paintEvent(QPaintEvent* event) {
+    QTableView::paintEvent(event);
+    if (!hasFocus() || !currentIndex().isValid()) return;
+    QPainter painter(viewport());
+    const QRect row(0, rowViewportPosition(currentIndex().row()), viewport()->width(),
+                    rowHeight(currentIndex().row()));
+    OmbrelStyle::drawInnerRing(painter, *theme_, row, theme_->size(ThemeSize::radiusRow));
 }
 
 QString ReportTable::asText(const OperationReport& report) {

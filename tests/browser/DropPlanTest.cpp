@@ -1,5 +1,6 @@
 #include "browser/DropPlan.h"
 
+#include "base/IsolatedName.h"
 #include "browser/ActionsWorld.h"
 #include "browser/DropTargets.h"
 #include "support/Locations.h"
@@ -44,7 +45,7 @@ TEST(Dropping, FollowsTheTable) {
     EXPECT_EQ(DropPlan::of(own, at("/a/folder"), unknown, Wish::none).which, Case::move)
         << "a folder beside them is taken to be on their volume";
     EXPECT_EQ(DropPlan::of(own, at("/c/d"), same, Wish::none).label(at("/c/d")),
-              (Text{"ui.drop.moveTo", {"d"}}));
+              (Text{"ui.drop.moveTo", {isolated("d")}}));
 }
 
 TEST(Dropping, IsForbiddenWhereItMakesNoSense) {

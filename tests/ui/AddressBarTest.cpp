@@ -1,5 +1,6 @@
 #include "ui/AddressBar.h"
 
+#include "base/IsolatedName.h"
 #include "services/AppServices.h"
 #include "ui/AddressError.h"
 #include "ui/AddressField.h"
@@ -171,7 +172,7 @@ TEST_F(Address, SpringsOpenUnderADragAndTakesDrops) {
     EXPECT_TRUE(runUntil([&] { return window.model().currentURL() == tree.url("Projects"); }));
     const auto home = QString::fromStdString(homeName());
     EXPECT_TRUE(moveOver(home));
-    EXPECT_EQ(status(), "Move to " + homeName());
+    EXPECT_EQ(status(), "Move to " + isolated(homeName()));
     QDropEvent drop(button(home)->geometry().center(), offered, &data, Qt::LeftButton, Qt::ShiftModifier);
     QApplication::sendEvent(&crumbs, &drop);
     EXPECT_TRUE(runUntil([&] { return tree.exists("one.txt") && !tree.exists("Projects/one.txt"); }));

@@ -1,6 +1,7 @@
 
 #include "ui/BrowserWindow.h"
 
+#include "base/IsolatedName.h"
 #include "listing/SystemCall.h"
 #include "support/FailingCalls.h"
 #include "ui/GlyphButton.h"
@@ -232,7 +233,7 @@ TEST_F(Window, InvitesADropIntoAnEmptyFolder) {
     drag("Projects/one.txt");
     QApplication::processEvents();
     EXPECT_EQ(window.overlay().message().toStdString(), "Drop items here");
-    EXPECT_THAT(status(), ElementsAre("Copy to Reports"));
+    EXPECT_THAT(status(), ElementsAre("Copy to " + isolated("Reports")));
     EXPECT_EQ(window.overlay().findChildren<QLabel*>().constFirst()->y(), height) << "nothing moves";
     QDragLeaveEvent leave;
     QApplication::sendEvent(window.view().viewport(), &leave);

@@ -1,5 +1,6 @@
 #include "ui/HomeView.h"
 
+#include "base/IsolatedName.h"
 #include "ui/DropLabel.h"
 #include "ui/PlaceWorld.h"
 
@@ -139,7 +140,7 @@ TEST_F(HomePage, PinsBetweenTilesAndTakesItemsIntoThem) {
     dragOver(view, *other, view.rectOf(tile(1)).center());
     const auto* const label = view.findChild<DropLabel*>();
     ASSERT_NE(label, nullptr);
-    EXPECT_EQ(label->text().toStdString(), "Copy to b");
+    EXPECT_EQ(label->text().toStdString(), "Copy to " + isolated("b"));
     EXPECT_TRUE(label->isVisible());
     drop(view, *other, view.rectOf(tile(1)).center());
     EXPECT_FALSE(label->isVisible());

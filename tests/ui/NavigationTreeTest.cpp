@@ -1,5 +1,6 @@
 #include "ui/NavigationTree.h"
 
+#include "base/IsolatedName.h"
 #include "ui/PlaceWorld.h"
 
 #include <QAccessible>
@@ -171,7 +172,7 @@ TEST_F(Tree, TakesItemsIntoFoldersAndOpensUnderADrag) {
     ASSERT_TRUE(runUntil([&] { return tree.exists("b/other"); }));
     EXPECT_TRUE(tree.exists("place/other")) << "other programs' offers are copied first";
     dragOver(view, *items, textOf("c"), Qt::ShiftModifier);
-    EXPECT_EQ(drops.effect().toStdString(), "Move to c");
+    EXPECT_EQ(drops.effect().toStdString(), "Move to " + isolated("c"));
     drop(view, *items, textOf("c"), Qt::ShiftModifier);
     EXPECT_TRUE(drops.effect().isEmpty());
     ASSERT_TRUE(runUntil([&] { return tree.exists("c/other") && !tree.exists("place/other"); }));

@@ -1,5 +1,6 @@
 #include "ui/TabStrip.h"
 
+#include "base/IsolatedName.h"
 #include "browser/BrowserTabsModel.h"
 #include "browser/FileActions.h"
 #include "browser/ServicesWorld.h"
@@ -236,7 +237,7 @@ TEST_F(DragOverStrip, SpringsATabOpenAndDropsIntoItsFolder) {
     EXPECT_EQ(moveTo(on(0)), Qt::IgnoreAction);
     EXPECT_TRUE(runUntil([&] { return tabs.selectedIndex() == 0; }));
     EXPECT_EQ(moveTo(on(1)), Qt::CopyAction);
-    EXPECT_EQ(drops.effect().toStdString(), "Copy to B");
+    EXPECT_EQ(drops.effect().toStdString(), "Copy to " + isolated("B"));
     dropAt(on(1));
     EXPECT_TRUE(runUntil([&] { return tree.exists("B/A"); }));
 }
