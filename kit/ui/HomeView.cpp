@@ -43,6 +43,7 @@ HomeView::HomeView(HomeModel& model, const Theme& theme, PlaceIntents intents, Q
     setFocusPolicy(Qt::StrongFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     viewport()->setMouseTracking(true);
+    viewport()->setAcceptDrops(true);
     connect(drag_, &PlaceDrop::rested, this, &HomeView::openUnderDrag);
     connect(&model, &HomeModel::changed, this, &HomeView::takeChange);
     connect(&model, &HomeModel::foldedChanged, this, &HomeView::takeChange);

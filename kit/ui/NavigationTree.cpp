@@ -35,6 +35,7 @@ NavigationTree::NavigationTree(FolderTreeModel& model, const Theme& theme, Place
                            .folders = intents_.drops,
                            .patience = Theme::delay(ThemeDelay::springBranch)},
                           [this](QPoint at, bool isPin) { return dropTargetAt(at, isPin); })) {
+    viewport()->setAcceptDrops(true);
     setAccessibleName(localized("ui.accessible.tree"));
     setModel(&model);
     setItemDelegate(delegate_);

@@ -16,7 +16,6 @@ namespace ombrel {
 PlaceDrop::PlaceDrop(QAbstractScrollArea& view, const Setting& setting, Find find)
     : QObject(&view), view_(&view), setting_(setting), find_(std::move(find)), edges_(setting.theme),
       spring_(setting.theme, setting.patience, nullptr) {
-    view.viewport()->setAcceptDrops(true);
     connect(&edges_, &EdgeScroll::step, this, &PlaceDrop::scrollBy);
     connect(&spring_, &DropSpring::opened, this, [this] { Q_EMIT rested(pointer_); });
     connect(&spring_, &DropSpring::flashChanged, view.viewport(), qOverload<>(&QWidget::update));

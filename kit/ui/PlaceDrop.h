@@ -46,7 +46,7 @@ public:
         std::chrono::milliseconds patience; ///< until a place opens
     };
 
-    /// It belongs to `view`; what the setting names must outlive it.
+    /// It belongs to `view`, whose viewport has to accept drops; what the setting names must outlive it.
     PlaceDrop(QAbstractScrollArea& view, const Setting& setting, Find find);
 
     /// Takes an event of the viewport, when it is one of a drag.

@@ -62,7 +62,7 @@ QString shownName(FileItemView item) {
 
 QuickLookWindow::QuickLookWindow(const Setting& setting, QWidget& browser)
     : QDialog(&browser, Qt::Dialog | Qt::FramelessWindowHint), theme_(&setting.theme), browser_(&browser),
-      area_(&setting.area), open_(setting.open), header_(new QWidget(this)),
+      area_(&setting.area), watchedArea_(&setting.area), open_(setting.open), header_(new QWidget(this)),
       name_(new ElidedLabel(*theme_, Qt::ElideMiddle, ThemeColor::text, header_)),
       position_(new TextLabel(*theme_, ThemeFont::body, ThemeColor::textSecondary, header_)),
       openButton_(new QPushButton(localized("ui.command.open"), header_)),
@@ -229,7 +229,8 @@ bool QuickLookWindow::eventFilter(QObject* watched, QEvent* event) {
         if (type == QEvent::Resize || type == QEvent::Move) place();
         return false;
     }
-    if (watched == area_) {
+    // What is being destroyed is no pane area any more, only the object that is watched.
+    if (watched == watchedArea_) {
         // Another tab is active, or the window has closed.
         if (type == QEvent::Hide && !event->spontaneous()) close();
         return false;

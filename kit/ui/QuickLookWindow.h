@@ -87,6 +87,7 @@ private:
     const Theme* theme_;
     QWidget* browser_;
     QPointer<PaneArea> area_;
+    const QObject* watchedArea_;
     std::function<void(std::size_t row)> open_;
     QuickLookContent content_;
     std::optional<FileItem> looked_; ///< the item that is to be shown
