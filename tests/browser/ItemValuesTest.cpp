@@ -130,6 +130,20 @@ TEST_F(Details, KeepTheOldContentUntilASelectionIsQuietAndReadNothingWhileOff) {
     EXPECT_EQ(values.content().facts.url.name(), "a");
 }
 
+TEST_F(Details, StayWhenOtherItemsComeAndFollowTheirOwn) {
+    tree.fileOfSize("a", 100);
+    show({"a"});
+    watch();
+    ASSERT_TRUE(runUntil([&] { return values.isSettled(); }));
+    int changes = 0;
+    QObject::connect(&values, &DetailsValues::changed, &values, [&] { ++changes; });
+    tree.file("b");
+    ASSERT_TRUE(runUntil([&] { return pane.items().size() == 2 && values.isSettled(); }));
+    EXPECT_EQ(changes, 0);
+    tree.fileOfSize("a", 300);
+    EXPECT_TRUE(until([](const auto& content) { return content.facts.size == 300; }));
+}
+
 // ---- Properties
 
 TEST_F(PaneOverItems, CountsContentsWithoutFollowingLinks) {

@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <chrono>
 
 namespace ombrel {
@@ -231,10 +232,12 @@ TEST_F(Cut, SurvivesAClipboardManagerThatTakesOver) {
 
 /// A clipboard that tells nothing of what others write, as on a desktop where only the focused program is
 /// told.
-class SilentPasteboard final : public Pasteboard {
+class SilentPasteboard : public Pasteboard {
 public:
     void write(std::vector<Entry> entries) override { entries_ = std::move(entries); }
-    bool has(std::string_view format) const override { return read(format).has_value(); }
+    bool has(std::string_view format) const override {
+        return std::ranges::find(entries_, format, &Entry::format) != entries_.end();
+    }
     std::optional<std::string> read(std::string_view format) const override {
         for (const auto& entry : entries_)
             if (entry.format == format) return entry.bytes();
@@ -255,6 +258,30 @@ TEST(CutOnASilentClipboard, IsLookedAtWhenTheProgramComesBack) {
     Q_EMIT pasteboard.regained();
     EXPECT_THAT(service.cutURLs(), IsEmpty());
     EXPECT_EQ(service.currentIntent().which, Case::none);
+}
+
+/// Tells how often it was read.
+class CountingPasteboard final : public SilentPasteboard {
+public:
+    std::optional<std::string> read(std::string_view format) const override {
+        ++reads;
+        return SilentPasteboard::read(format);
+    }
+    mutable int reads = 0;
+};
+
+TEST(ClipboardOfAText, IsReadOnceHoweverOftenTheProgramComesBack) {
+    CountingPasteboard pasteboard;
+    ClipboardService service(pasteboard);
+    pasteboard.write({{"text/plain;charset=utf-8", "words"}, {"text/plain", "words"}});
+    EXPECT_THAT(service.fileURLs(), IsEmpty());
+    EXPECT_EQ(pasteboard.reads, 1);
+    Q_EMIT pasteboard.regained();
+    EXPECT_THAT(service.fileURLs(), IsEmpty());
+    EXPECT_EQ(pasteboard.reads, 1);
+    pasteboard.write({{"text/uri-list", "file:///a\r\n"}});
+    Q_EMIT pasteboard.regained();
+    EXPECT_EQ(pathsOf(service.fileURLs()), std::vector<std::string>{"/a"});
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include <QMouseEvent>
 #include <QScrollBar>
 #include <QSignalSpy>
+#include <QWheelEvent>
 
 #include <filesystem>
 #include <functional>
@@ -43,6 +44,17 @@ TEST_F(Details, RowsLieOneBelowTheOtherAndOnlyThoseOnTheScreenCount) {
     view.scrollTo(1'000'000);
     EXPECT_EQ(view.visibleRows().end, 40U);
     EXPECT_EQ(view.offset(), view.contentHeight() - view.viewport()->height());
+}
+
+TEST_F(Details, TouchpadsScrollBothWaysByThePixel) {
+    view.resize(500, 400);
+    ASSERT_GT(view.horizontalScrollBar()->maximum(), 7);
+    const QPoint at = view.viewport()->rect().center();
+    QWheelEvent pan(at, view.viewport()->mapToGlobal(at), QPoint(-7, -33), QPoint(-56, -264), Qt::NoButton,
+                    Qt::NoModifier, Qt::ScrollUpdate, false);
+    QApplication::sendEvent(view.viewport(), &pan);
+    EXPECT_EQ(view.horizontalScrollBar()->value(), 7);
+    EXPECT_EQ(view.offset(), 33);
 }
 
 TEST_F(Details, ColumnsFillTheViewAndShareTheirEdges) {
