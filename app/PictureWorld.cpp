@@ -74,7 +74,7 @@ private:
 
 /// As if the volumes were three drives of different sizes.
 void completeVolume(VolumeInfo& volume) {
-    constexpr std::int64_t gigabyte = 1'000'000'000, terabyte = 1000 * gigabyte;
+    constexpr std::int64_t gigabyte = std::int64_t{1} << 30, terabyte = gigabyte << 10;
     const bool isStick = volume.url.name() == "Survey drive";
     volume.isRemovable = isStick;
     volume.isEjectable = !volume.isRootFileSystem;
