@@ -101,8 +101,9 @@ void DetailsValues::load() {
     const FileSelection& selection = pane_->selection();
     auto selected = selection.count() <= mostCompared ? selection.items() : std::vector<FileItem>();
     // A folder in which other items come and go is read anew all the time.
-    if (!selected.empty() && std::ranges::equal(selected, shown_, areAlike)) return;
-    shown_ = std::move(selected);
+    const bool isShown = !selected.empty() && std::ranges::equal(selected, shown_, areAlike);
+    shown_ = std::move(selected); // or they would keep the listing before in memory
+    if (isShown) return;
     const std::uint64_t ticket = ++ticket_;
     contents_.stop();
     reader_ = Worker();
