@@ -101,6 +101,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& words, const Setting&
     if (process_ < 0) fail("fork");
     if (process_ == 0) {
         // From here on only calls that are safe between fork and exec.
+        ::signal(SIGINT, SIG_DFL); // shells let what runs in the background ignore it, and that is inherited
         ::dup2(outputSource.get(), STDOUT_FILENO);
         ::dup2(errorsSource.get(), STDERR_FILENO);
         if (setting.onTerminal) {
