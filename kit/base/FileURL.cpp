@@ -114,4 +114,9 @@ bool FileURL::isWithin(const FileURL& ancestor) const noexcept {
            (path_.size() == ancestor.path_.size() || path_[ancestor.path_.size()] == '/');
 }
 
+std::string_view FileURL::pathBelow(const FileURL& ancestor) const noexcept {
+    const std::size_t start = ancestor.isRoot() ? 1 : ancestor.path_.size() + 1;
+    return std::string_view(path_).substr(std::min(start, path_.size()));
+}
+
 } // namespace ombrel

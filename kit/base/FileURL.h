@@ -48,6 +48,9 @@ public:
 
     /// The last component; empty for the root. Valid as long as this location is.
     [[nodiscard]] std::string_view name() const noexcept;
+    /// What to call it by itself: its name; the root has none and goes by its path. Valid as long as this
+    /// location is.
+    [[nodiscard]] std::string_view title() const noexcept { return isRoot() ? path_ : name(); }
     /// The location without its last component; the root's parent is the root.
     [[nodiscard]] FileURL parent() const;
     /// `name` is one component (no "/", no NUL, not empty).
@@ -61,6 +64,9 @@ public:
 
     /// Whether this location is `ancestor` or lies below it, by path alone.
     [[nodiscard]] bool isWithin(const FileURL& ancestor) const noexcept;
+    /// How the path goes on below `ancestor`, which this location is within: no "/" at either end, empty for
+    /// `ancestor` itself. Valid as long as this location is.
+    [[nodiscard]] std::string_view pathBelow(const FileURL& ancestor) const noexcept;
 
     friend bool operator==(const FileURL& a, const FileURL& b) noexcept { return a.path_ == b.path_; }
     friend std::strong_ordering operator<=>(const FileURL& a, const FileURL& b) noexcept {

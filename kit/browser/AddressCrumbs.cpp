@@ -9,7 +9,7 @@
 namespace ombrel {
 
 std::string AddressCrumbs::nameOf(const FileURL& folder) {
-    return FileName::displayText(folder.isRoot() ? std::string_view(folder.path()) : folder.name());
+    return FileName::displayText(folder.title());
 }
 
 std::string AddressCrumbs::titleOf(const FileURL& folder, const AppServices* services) {

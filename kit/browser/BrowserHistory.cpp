@@ -31,7 +31,7 @@ std::vector<Location> BrowserHistory::places(Direction to, std::size_t most) con
 
 std::optional<FileURL> BrowserHistory::child(const FileURL& base, const FileURL& url) {
     if (url == base || !url.isWithin(base)) return std::nullopt;
-    std::string_view below = std::string_view(url.path()).substr(base.isRoot() ? 1 : base.path().size() + 1);
+    const std::string_view below = url.pathBelow(base);
     return base.appending(below.substr(0, below.find('/')));
 }
 

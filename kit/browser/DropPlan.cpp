@@ -77,7 +77,7 @@ DropPlan DropPlan::of(const DraggedItems& dragged, const FileURL& folder, const 
 }
 
 std::optional<Text> DropPlan::label(const FileURL& folder) const {
-    const auto name = isolated(folder.isRoot() ? folder.path() : folder.name());
+    const auto name = isolated(folder.title());
     switch (which) {
     case Case::copy: return Text{"ui.drop.copyTo", {name}};
     case Case::move: return Text{"ui.drop.moveTo", {name}};

@@ -83,9 +83,8 @@ FolderTreeFollower::Reached FolderTreeFollower::walk(const FileURL& target) {
             model_->open(row);
             if (!model_->isOpen(row)) return {row};
         }
-        const std::size_t start = folder.isRoot() ? 1 : folder.path().size() + 1;
-        const std::string_view path = target.path();
-        const std::string_view name = path.substr(start, path.find('/', start) - start);
+        const std::string_view below = target.pathBelow(folder);
+        const std::string_view name = below.substr(0, below.find('/'));
         const QModelIndex next = model_->child(row, name);
         if (!next.isValid()) return {row, model_->isReading(row)};
         row = next;

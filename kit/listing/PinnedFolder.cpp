@@ -28,7 +28,7 @@ const FileURL& PinnedFolder::url(const KnownFolders& folders) const noexcept {
 std::string PinnedFolder::title() const {
     if (const auto folder = known()) return Texts::localized(titleKey(*folder));
     const auto& url = std::get<FileURL>(place_);
-    return FileName::displayText(url.isRoot() ? std::string_view(url.path()) : url.name());
+    return FileName::displayText(url.title());
 }
 
 std::string PinnedFolder::stored() const {

@@ -76,7 +76,7 @@ void VolumeInfo::setCapacity(const POSIX::Result<POSIX::Capacity>& capacity) {
 
 std::string VolumeInfo::displayName() const {
     if (name.hasValue() && !name.value().empty()) return name.value();
-    return url.isRoot() ? url.path() : FileName::displayText(url.name());
+    return FileName::displayText(url.title());
 }
 
 std::size_t VolumeInfo::hashValue() const {

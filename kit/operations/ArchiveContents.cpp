@@ -37,10 +37,6 @@ std::vector<FileURL> outermost(std::span<const FileURL> sources) {
     return result;
 }
 
-std::string relativePath(const FileURL& url, const FileURL& folder) {
-    return url.path().substr(folder.isRoot() ? 1 : folder.path().size() + 1);
-}
-
 bool canBeHeld(std::uint32_t type) {
     return type == S_IFREG || type == S_IFDIR || type == S_IFLNK;
 }
@@ -58,7 +54,7 @@ public:
 
 private:
     std::expected<void, ArchiveFailure> take(const FileURL& source, const TreeManifest& tree) {
-        const auto top = relativePath(source, contents_.directory);
+        const std::string top(source.pathBelow(contents_.directory));
         for (TreeManifest::Index index = 0; index < tree.size(); ++index) {
             const auto below = tree.path(index);
             std::string path = below.empty() ? top : top + "/" + below;

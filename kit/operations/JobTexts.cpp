@@ -41,9 +41,7 @@ Text titleOf(const ConflictContext& context, std::optional<std::int64_t> batchCo
 ChoiceText replaceAllText(const ConflictContext& context, std::int64_t batchCount) {
     const auto folder = context.existing.parent();
     return {{"conflict.replace"},
-            Text{"conflict.replaceAll.detail",
-                 {FileName::displayText(folder.isRoot() ? folder.path() : folder.name())},
-                 batchCount}};
+            Text{"conflict.replaceAll.detail", {FileName::displayText(folder.title())}, batchCount}};
 }
 
 ChoiceText skipAllText(const ConflictContext& context, std::int64_t batchCount, std::int64_t others) {

@@ -53,7 +53,7 @@ FileURL realPath(const FileURL& url) {
 /// How a path relates to the trash folders of a volume, by their names.
 std::optional<Reason> placeInVolumeTrash(const FileURL& location, const FileURL& top) {
     if (!location.isWithin(top) || location == top) return std::nullopt;
-    auto path = std::string_view(location.path()).substr(top.isRoot() ? 1 : top.path().size() + 1);
+    auto path = location.pathBelow(top);
     const auto next = [&] {
         const auto end = std::min(path.find('/'), path.size());
         const auto component = path.substr(0, end);

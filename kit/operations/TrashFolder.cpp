@@ -180,7 +180,7 @@ FileURL TrashFolder::locationOf(std::string_view name) const {
 
 std::string TrashFolder::recordedPath(const FileURL& original) const {
     if (isHome_ || !original.isWithin(top_) || original == top_) return original.path();
-    return original.path().substr(top_.isRoot() ? 1 : top_.path().size() + 1);
+    return std::string(original.pathBelow(top_));
 }
 
 POSIX::Result<std::string> TrashFolder::take(const ConfirmedSource& source, const FileURL& original,

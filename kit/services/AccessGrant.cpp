@@ -16,7 +16,7 @@ std::string AccessGrant::State::message() const {
 }
 
 std::string AccessGrant::displayName(const FileURL& url) {
-    return FileName::displayText(url.isRoot() ? std::string_view(url.path()) : url.name());
+    return FileName::displayText(url.title());
 }
 
 void AccessGrant::activate(const FileURL& url, ScopeOwner owner, bool isAccessing) {

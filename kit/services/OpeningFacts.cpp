@@ -60,7 +60,7 @@ std::string_view reasonKey(const FileURL& url, int errorNumber) {
 } // namespace
 
 std::expected<OpeningFacts, Text> OpeningFacts::of(const FileURL& url) {
-    const std::string name = FileName::displayText(url.isRoot() ? url.path() : url.name());
+    const std::string name = FileName::displayText(url.title());
     const auto status = POSIX::statFollowing(url);
     if (!status) {
         if (const auto key = reasonKey(url, status.error().number); !key.empty())

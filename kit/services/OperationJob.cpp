@@ -17,7 +17,7 @@ std::optional<FileURL> sourceFolderOf(const JobPlan& plan) {
 
 std::string displayName(const std::optional<FileURL>& folder) {
     if (!folder) return {};
-    return FileName::displayText(folder->isRoot() ? folder->path() : folder->name());
+    return FileName::displayText(folder->title());
 }
 
 } // namespace

@@ -125,7 +125,7 @@ std::optional<std::string> launch(GDesktopAppInfo* info, std::span<const FileURL
 }
 
 std::string shownName(const FileURL& url) {
-    return FileName::displayText(url.isRoot() ? url.path() : url.name());
+    return FileName::displayText(url.title());
 }
 
 void addFailures(WorkspaceOpener::Problems& problems, std::span<const FileURL> urls,

@@ -93,8 +93,7 @@ void ConfirmationDialog::layOutItem(const FileURL& item, QHBoxLayout& row) {
     auto* const words = new QVBoxLayout;
     words->setSpacing(theme_->size(ThemeSize::space2));
     auto* const name = new ElidedLabel(*theme_, Qt::ElideMiddle, ThemeColor::text, this);
-    name->setText(QString::fromStdString(
-        FileName::displayText(item.isRoot() ? item.path() : std::string(item.name()))));
+    name->setText(QString::fromStdString(FileName::displayText(item.title())));
     auto* const type = new TextLabel(*theme_, ThemeFont::caption, ThemeColor::textSecondary, this);
     auto* const facts = new TextLabel(*theme_, ThemeFont::caption, ThemeColor::textSecondary, this);
     // They keep their room while the item is looked at.

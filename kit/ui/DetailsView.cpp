@@ -238,9 +238,8 @@ QString DetailsView::folderText(std::size_t row) const {
     if (!searched) return {};
     const FileURL folder = model().items()[row].url().parent();
     if (folder == *searched) return QString::fromStdString(AddressCrumbs::nameOf(folder));
-    std::string_view path = folder.path();
-    if (folder.isWithin(*searched)) path.remove_prefix(searched->isRoot() ? 1 : searched->path().size() + 1);
-    return QString::fromStdString(FileName::displayText(path));
+    return QString::fromStdString(
+        FileName::displayText(folder.isWithin(*searched) ? folder.pathBelow(*searched) : folder.path()));
 }
 
 void DetailsView::paintText(QPainter& painter, const QRect& row, DetailsColumn column, const QString& text) {

@@ -194,7 +194,7 @@ std::vector<Fact> inFull(const VolumePlace& volume) {
 }
 
 QString nameOf(const FileURL& item) {
-    return shown(item.isRoot() ? std::string_view(item.path()) : item.name());
+    return shown(item.title());
 }
 
 QString problem(const POSIXFailure& failure) {

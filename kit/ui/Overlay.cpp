@@ -41,8 +41,7 @@ private:
 
 OverlayContent failure(DirectoryError error, const BrowserModel& model) {
     const auto& folder = model.currentURL();
-    const std::string name =
-        folder ? isolated(folder->isRoot() ? folder->path() : folder->name()) : std::string();
+    const std::string name = folder ? isolated(folder->title()) : std::string();
     const Badge warning{Glyph::warning, ThemeColor::warning, ThemeColor::warningSoft};
     switch (error.which()) {
     case DirectoryError::Case::permissionDenied:

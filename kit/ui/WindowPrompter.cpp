@@ -17,8 +17,7 @@ using Kind = BrowserQuestion::Kind;
 
 std::string nameOf(const BrowserQuestion& question) {
     if (question.items.empty()) return {};
-    const FileURL& url = question.items.front().url;
-    return isolated(url.isRoot() ? url.path() : url.name());
+    return isolated(question.items.front().url.title());
 }
 
 std::int64_t countOf(const BrowserQuestion& question) {

@@ -41,6 +41,12 @@ TEST(FileURLComponents, OfTheRootAndOfOthers) {
     EXPECT_TRUE(child.isWithin(root));
     EXPECT_TRUE(child.appending("y").isWithin(child));
     EXPECT_FALSE(FileURL::fromPath("/xy")->isWithin(child));
+    EXPECT_EQ(root.title(), "/");
+    EXPECT_EQ(child.title(), child.name());
+    EXPECT_EQ(root.pathBelow(root), "");
+    EXPECT_EQ(child.pathBelow(child), "");
+    EXPECT_EQ(child.appending("y").pathBelow(root), child.path().substr(1) + "/y");
+    EXPECT_EQ(child.appending("y").appending("z").pathBelow(child), "y/z");
 }
 
 TEST(FileURLStandardized, TakesParentsAwayByTextAlone) {
