@@ -119,7 +119,7 @@ FileItem itemAt(const FileURL& url) {
 bool areAlike(const FileItem& before, FileItemView now) {
     return before.name() == now.name() && before.folder() == now.folder() && before.kind() == now.kind() &&
            before.size() == now.size() && before.modificationDate() == now.modificationDate() &&
-           before.identity() == now.identity();
+           before.identity() == now.identity() && before.accessError() == now.accessError();
 }
 
 } // namespace ombrel

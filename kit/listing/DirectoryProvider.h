@@ -63,8 +63,8 @@ public:
     load(DirectoryRequest request, std::stop_token stop = {}) const;
 
     /// The reading itself. Blocking; `emit` is called on the reading threads, one call at a time, in order.
-    /// One lstat an entry (and a stat for links); an entry that cannot be examined is an item with a read
-    /// error.
+    /// One lstat an entry, and a call more for links and for what may be locked; an entry that cannot be
+    /// examined is an item with a read error.
     Ending read(const DirectoryRequest& request, const std::function<void(DirectorySnapshot)>& emit,
                 std::stop_token stop = {}) const;
 };

@@ -4,6 +4,7 @@
 #include "listing/ItemBlockBuilder.h"
 #include "listing/POSIX.h"
 
+#include <cerrno>
 #include <functional>
 
 namespace ombrel {
@@ -57,6 +58,14 @@ std::optional<POSIXFailure> FileItemView::readError() const {
     return POSIXFailure{record().errorNumber};
 }
 
+std::optional<POSIXFailure> FileItemView::accessError() const {
+    if (record().flags & ItemRecord::readDenied) return POSIXFailure{EACCES};
+    if (kind().which() != FileKind::Case::symlink) return readError();
+    const SymlinkTarget target = kind().target();
+    if (target.which() != SymlinkTarget::Case::inaccessible) return std::nullopt;
+    return POSIXFailure{target.errorNumber()};
+}
+
 std::string FileItemView::pathExtension() const {
     return FileName::loweredASCII(FileName::extension(name()));
 }
@@ -85,7 +94,8 @@ SymlinkTarget FileItem::symlinkTarget(const FileURL& url) {
 bool operator==(const FileItem& a, const FileItem& b) {
     return a.id() == b.id() && a.folder() == b.folder() && a.kind() == b.kind() && a.size() == b.size() &&
            a.modificationDate() == b.modificationDate() && a.typeIdentifier() == b.typeIdentifier() &&
-           a.isHidden() == b.isHidden() && a.identity() == b.identity() && a.readError() == b.readError();
+           a.isHidden() == b.isHidden() && a.identity() == b.identity() && a.readError() == b.readError() &&
+           a.accessError() == b.accessError();
 }
 
 } // namespace ombrel

@@ -52,6 +52,9 @@ public:
     [[nodiscard]] std::optional<FileIdentity> identity() const;
     /// Why the entry could not be examined.
     [[nodiscard]] std::optional<POSIXFailure> readError() const;
+    /// Why the user cannot read it: the entry itself, what is in the file or folder (EACCES), or where the
+    /// link leads.
+    [[nodiscard]] std::optional<POSIXFailure> accessError() const;
 
     /// A folder or a link to one; packages are not.
     [[nodiscard]] bool isDirectoryLike() const noexcept { return record().flags & ItemRecord::directoryLike; }
@@ -79,8 +82,8 @@ public:
     FileItem(std::shared_ptr<const ItemBlock> block, std::uint32_t slot) noexcept
         : FileItemView(*block, slot), owner_(std::move(block)) {}
 
-    /// Looks at one entry of `folder` (one lstat, and one stat for a link). Never fails: what goes wrong is
-    /// in the item. `isDirectoryHint` is what the folder's own entry said. Blocking.
+    /// Looks at one entry of `folder` (one lstat, one call more for links and for what may be locked). Never
+    /// fails: what goes wrong is in the item. `isDirectoryHint` is what the folder's own entry said. Blocking.
     [[nodiscard]] static FileItem make(std::string_view name, const FileURL& folder, std::uint64_t generation,
                                        std::optional<bool> isDirectoryHint = std::nullopt);
 

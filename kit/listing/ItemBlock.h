@@ -19,6 +19,7 @@ struct ItemRecord {
         directoryLike = 4,
         markedDirectory = 8, ///< its location carries the directory mark
         hasSize = 16,
+        readDenied = 32,
     };
 
     std::int64_t size = 0;

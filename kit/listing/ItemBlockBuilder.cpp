@@ -4,7 +4,10 @@
 #include "listing/FileVisibility.h"
 #include "listing/NameCollation.h"
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 
 namespace ombrel {
@@ -40,7 +43,7 @@ std::unique_ptr<char[]> exactCopy(const std::string& text) {
 } // namespace
 
 ItemBlockBuilder::ItemBlockBuilder(FileURL folder, std::uint64_t generation, std::size_t expectedItems)
-    : folder_(std::move(folder)), block_(std::make_unique<ItemBlock>()) {
+    : folder_(std::move(folder)), user_(::geteuid()), block_(std::make_unique<ItemBlock>()) {
     const auto expected = std::min<std::size_t>(expectedItems, ItemBlock::capacity);
     block_->generation = generation;
     block_->records.reserve(expected);
@@ -72,6 +75,15 @@ void ItemBlockBuilder::addUnexamined(std::string_view name, bool isDirectoryHint
     ++unreadableCount_;
 }
 
+bool ItemBlockBuilder::isReadDenied(POSIX::Place place, const FileStatus& status) const {
+    if (!status.isRegular() && !status.isDirectory()) return false;
+    constexpr std::uint32_t everybody = S_IRUSR | S_IRGRP | S_IROTH;
+    const bool isMine = status.owner == user_;
+    if ((status.mode & everybody) == everybody || (isMine && (status.mode & S_IRUSR))) return false;
+    const auto readable = POSIX::checkReadable(place);
+    return !readable && readable.error().number == EACCES;
+}
+
 void ItemBlockBuilder::examine(POSIX::Place place, std::string_view name, bool isDirectoryHint) {
     const auto status = POSIX::lstat(place);
     if (!status) return addUnexamined(name, isDirectoryHint, status.error());
@@ -88,6 +100,7 @@ void ItemBlockBuilder::examine(POSIX::Place place, std::string_view name, bool i
         record.size = status->size;
         record.flags |= ItemRecord::hasSize;
     }
+    if (isReadDenied(place, *status)) record.flags |= ItemRecord::readDenied;
     if (kind == FileKind::Case::directory)
         record.flags |= ItemRecord::directoryLike | ItemRecord::markedDirectory;
     if (kind == FileKind::Case::symlink) {

@@ -18,7 +18,8 @@ class ItemBlockBuilder {
 public:
     ItemBlockBuilder(FileURL folder, std::uint64_t generation, std::size_t expectedItems);
 
-    /// Looks at the entry at `place` and adds it under `name`: one lstat, and one stat for a link.
+    /// Looks at the entry at `place` and adds it under `name`: one lstat, one stat for a link, and one more
+    /// call for what its permission bits may keep the user from reading.
     /// `isDirectoryHint` is what the folder's own entry said. Blocking; at most ItemBlock::capacity entries.
     void examine(POSIX::Place place, std::string_view name, bool isDirectoryHint);
     /// Adds an entry that cannot be looked at.
@@ -37,10 +38,12 @@ public:
 
 private:
     ItemRecord& append(std::string_view name, bool isDirectoryHint);
+    [[nodiscard]] bool isReadDenied(POSIX::Place place, const FileStatus& status) const;
     std::uint16_t placeIndex(std::uint64_t device);
     void complete(ItemRecord& record, std::string_view name, const HiddenNames& hidden) const;
 
     FileURL folder_;
+    std::uint32_t user_; ///< who reads the folder
     std::unique_ptr<ItemBlock> block_;
     std::string names_;
     std::int64_t unreadableCount_ = 0;

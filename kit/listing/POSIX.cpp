@@ -94,6 +94,12 @@ Result<FileStatus> status(int fd) {
     return look(fd, "", AT_EMPTY_PATH);
 }
 
+Result<void> checkReadable(Place place) {
+    return done(Kind::status, [&] {
+        return ::faccessat(place.folder, place.name, R_OK, AT_EACCESS | AT_SYMLINK_NOFOLLOW);
+    });
+}
+
 Result<OwnedFd> open(Place place, int flags, std::uint32_t mode) {
     const auto fd =
         answered(Kind::open, [&] { return ::openat(place.folder, place.name, flags | O_CLOEXEC, mode); });

@@ -62,6 +62,8 @@ Result<T> withPath(const FileURL& url, const std::function<Result<T>(Place)>& bo
 [[nodiscard]] Result<FileStatus> statFollowing(const FileURL& url);
 [[nodiscard]] Result<FileStatus> statFollowing(Place place);
 [[nodiscard]] Result<FileStatus> status(int fd);
+/// Whether the calling thread's user may read what is in the file or folder itself; EACCES when not.
+[[nodiscard]] Result<void> checkReadable(Place place);
 
 /// Always with O_CLOEXEC. `mode` counts only when something is created.
 [[nodiscard]] Result<OwnedFd> open(Place place, int flags, std::uint32_t mode = 0);

@@ -20,13 +20,13 @@ constexpr double smallIcon = 32;
 } // namespace
 
 IconBadge FileIcons::badgeOf(FileItemView item) {
-    if (item.readError()) return IconBadge::lock;
+    if (item.accessError()) return IconBadge::lock;
     const auto kind = item.kind();
     if (kind.which() != FileKind::Case::symlink) return IconBadge::none;
     switch (kind.target().which()) {
     case SymlinkTarget::Case::file:
     case SymlinkTarget::Case::directory: return IconBadge::link;
-    case SymlinkTarget::Case::inaccessible: return IconBadge::lock;
+    case SymlinkTarget::Case::inaccessible: return IconBadge::lock; // told above
     case SymlinkTarget::Case::broken:
     case SymlinkTarget::Case::loop: return IconBadge::brokenLink;
     }

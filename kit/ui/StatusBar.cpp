@@ -1,5 +1,6 @@
 #include "ui/StatusBar.h"
 
+#include "base/IsolatedName.h"
 #include "browser/BrowserModel.h"
 #include "browser/HomeModel.h"
 #include "browser/SelectionSize.h"
@@ -23,9 +24,25 @@ namespace ombrel {
 namespace {
 
 constexpr std::size_t mostParts = 5;
+/// Of what could not be read, that many are told of by name.
+constexpr std::size_t mostReasons = 5;
 
 std::int64_t count(std::size_t items) {
     return static_cast<std::int64_t>(items);
+}
+
+/// What of the listing could not be read, and why; a line each.
+QString reasonsIn(const FileItemList& items) {
+    QStringList lines;
+    for (const auto& block : *items.blocks())
+        for (std::uint32_t slot = 0; slot < block->records.size(); ++slot) {
+            const FileItemView item(*block, slot);
+            const auto failure = item.readError();
+            if (!failure) continue;
+            if (lines.size() == mostReasons) return (lines << QStringLiteral("…")).join(QLatin1Char('\n'));
+            lines << QString::fromStdString(isolated(item.name()) + " – " + failure->systemText());
+        }
+    return lines.join(QLatin1Char('\n'));
 }
 
 } // namespace
@@ -35,6 +52,7 @@ StatusBar::StatusBar(const Theme& theme, QWidget* parent) : QWidget(parent), the
     for (std::size_t i = 0; i < mostParts; ++i) {
         auto* const label = new ElidedLabel(theme, Qt::ElideRight, ThemeColor::textSecondary, this);
         label->setFontToken(ThemeFont::caption);
+        label->installEventFilter(this);
         row->addWidget(label);
         labels_.push_back(label);
     }
@@ -173,10 +191,11 @@ void StatusBar::arrange() {
     };
     for (const int room = this->room(); shown.size() > 1 && needed() > room;)
         shown.erase(std::ranges::min_element(shown, {}, [&](std::size_t i) { return parts_[i].worth; }));
-    const bool areAllShown = shown.size() == parts_.size();
+    // Which of them were left out is not to be seen.
+    toolTip_ = shown.size() == parts_.size() ? QString() : textsOf(parts_).join(QLatin1Char('\n'));
     for (std::size_t i = 0; i < labels_.size(); ++i) {
         labels_[i]->setVisible(std::ranges::find(shown, i) != shown.end());
-        labels_[i]->setToolTip(areAllShown ? labels_[i]->text() : textsOf(parts_).join(QLatin1Char('\n')));
+        labels_[i]->setToolTip(toolTip_.isEmpty() ? labels_[i]->text() : toolTip_);
     }
 }
 
@@ -184,6 +203,16 @@ bool StatusBar::event(QEvent* event) {
     // The chip has come, has gone or says something else.
     if (event->type() == QEvent::LayoutRequest) arrange();
     return QWidget::event(event);
+}
+
+bool StatusBar::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::ToolTip && model_)
+        for (std::size_t i = 0; i < parts_.size(); ++i)
+            if (labels_[i] == watched && parts_[i].worth == Worth::unreadable)
+                labels_[i]->setToolTip(toolTip_.isEmpty()
+                                           ? reasonsIn(model_->allItems())
+                                           : toolTip_ + QLatin1Char('\n') + reasonsIn(model_->allItems()));
+    return QWidget::eventFilter(watched, event);
 }
 
 void StatusBar::resizeEvent(QResizeEvent* event) {

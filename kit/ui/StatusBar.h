@@ -46,6 +46,8 @@ public:
 
 protected:
     bool event(QEvent* event) override;
+    /// Finds out why entries could not be read when somebody asks for the tooltip.
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
@@ -76,6 +78,7 @@ private:
     std::vector<ElidedLabel*> labels_;
     QHBoxLayout* switches_ = nullptr; ///< nothing at home
     QString dropEffect_;
+    QString toolTip_; ///< of all parts while some are left out
 };
 
 } // namespace ombrel

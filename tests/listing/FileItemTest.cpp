@@ -1,10 +1,12 @@
 #include "listing/FileItem.h"
 
 #include "support/TempTree.h"
+#include "support/Unprivileged.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <unordered_set>
 
@@ -75,6 +77,37 @@ TEST_F(MadeItem, OfAMissingEntryCarriesTheReason) {
     EXPECT_EQ(item.modificationDate().errorNumber(), ENOENT);
     EXPECT_TRUE(item.isHidden());
     EXPECT_EQ(item.readError(), POSIXFailure{ENOENT});
+}
+
+TEST_F(MadeItem, TellsWhatTheUserMayNotRead) {
+    tree.file("secret", "text");
+    tree.file("others'");
+    tree.file("open");
+    tree.folder("private");
+    tree.file("private/file");
+    tree.symlink("into private", "private/file");
+    tree.fifo("fifo");
+    const auto allow = [this](const char* name, mode_t mode) {
+        ASSERT_EQ(::chmod(tree.path(name).c_str(), mode), 0);
+    };
+    ASSERT_EQ(::chmod(tree.path().c_str(), 0755), 0);
+    for (const char* name : {"secret", "private", "fifo"})
+        allow(name, 0);
+    allow("others'", 0044);
+    EXPECT_TRUE(testing::asNobody([this] {
+        for (const char* name : {"secret", "private", "into private"})
+            EXPECT_EQ(make(name).accessError(), POSIXFailure{EACCES}) << name;
+        for (const char* name : {"open", "fifo"})
+            EXPECT_FALSE(make(name).accessError()) << name;
+        EXPECT_FALSE(make("secret").readError()) << "it was itself examined well";
+        EXPECT_EQ(make("secret").size().value(), 4);
+        return true;
+    }));
+    if (::geteuid() == 0) {
+        EXPECT_FALSE(make("secret").accessError()) << "the superuser may read everything";
+        EXPECT_TRUE(testing::asNobody([this] { return !make("others'").accessError(); }));
+    }
+    allow("private", 0700);
 }
 
 TEST_F(MadeItem, IsEqualToAnotherOfTheSameListingAlone) {
