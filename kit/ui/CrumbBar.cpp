@@ -5,7 +5,6 @@
 #include "ui/GlyphButton.h"
 #include "ui/LocalizedText.h"
 #include "ui/OmbrelStyle.h"
-#include "ui/PlainToolTip.h"
 #include "ui/Theme.h"
 
 #include <QAbstractButton>
@@ -160,7 +159,7 @@ void CrumbBar::arrange() {
         }
         const int left = room - x - (arrow ? chevron : 0);
         place(name, std::min(name->sizeHint().width(), std::max(0, left)), top, height);
-        name->setToolTip(name->isCutShort() ? plainToolTip(name->text()) : QString());
+        name->setToolTip(name->isCutShort() ? name->text() : QString());
         if (!arrow) continue;
         arrow->setGlyph(isRightToLeft ? Glyph::chevronLeft : Glyph::chevronRight);
         place(arrow, chevron, top, height);

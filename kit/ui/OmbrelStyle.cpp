@@ -5,6 +5,7 @@
 #include "ui/Theme.h"
 
 #include <QAction>
+#include <QLabel>
 #include <QMenu>
 #include <QPainter>
 #include <QPen>
@@ -445,6 +446,8 @@ void OmbrelStyle::polish(QPalette& palette) {
 
 void OmbrelStyle::polish(QWidget* widget) {
     QProxyStyle::polish(widget);
+    // What a tooltip tells are names more often than not, and those may look like markup.
+    if (widget->inherits("QTipLabel")) static_cast<QLabel*>(widget)->setTextFormat(Qt::PlainText);
     auto* const menu = qobject_cast<QMenu*>(widget);
     if (!menu) return;
     menu->setMinimumWidth(theme_->size(ThemeSize::menuMinimumWidth));

@@ -6,7 +6,6 @@
 #include "ui/FolderDrop.h"
 #include "ui/KeyStrokes.h"
 #include "ui/LocalizedText.h"
-#include "ui/PlainToolTip.h"
 #include "ui/TabStrip.h"
 #include "ui/Theme.h"
 
@@ -195,7 +194,7 @@ void TabStrip::showToolTip(QPoint at, QPoint globalAt) {
         text = folder ? QString::fromStdString(FileName::displayText(folder->path())) : titleOf(spot.tab);
     }
     // Names may look like marked-up text.
-    QToolTip::showText(globalAt, plainToolTip(text), this, area);
+    QToolTip::showText(globalAt, text, this, area);
 }
 
 // ---- The keyboard

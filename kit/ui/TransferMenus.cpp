@@ -8,7 +8,6 @@
 #include "ui/FolderIcon.h"
 #include "ui/GlyphIcon.h"
 #include "ui/LocalizedText.h"
-#include "ui/PlainToolTip.h"
 
 #include <QAction>
 #include <QMenu>
@@ -38,7 +37,7 @@ DraggedItems selectedIn(const BrowserModel& pane) {
 }
 
 std::string nameOf(const FileURL& folder) {
-    return FileName::displayText(folder.isRoot() ? folder.path() : folder.name());
+    return FileName::displayText(folder.title());
 }
 
 /// The folder's name; where another of them has the same, with its parent's, and with the whole way there
@@ -95,7 +94,7 @@ void TransferMenus::add(QMenu& menu, Kind kind, BrowserModel& pane, const Dragge
             folderIcon(setting_.theme, knownAs(folder, setting_.services.settings().knownFolders())),
             tellingName(folder, folders).replace(QLatin1Char('&'), QLatin1String("&&")));
         const auto parent = folder.isRoot() ? std::string() : FileName::displayText(folder.parent().path());
-        entry->setToolTip(plainToolTip(QString::fromStdString(parent)));
+        entry->setToolTip(QString::fromStdString(parent));
         const auto plan = DropPlan::of(items, folder, {}, isCopy ? Wish::copy : Wish::move);
         entry->setEnabled(items.items().empty() || plan.which != DropPlan::Case::forbidden);
         connect(entry, &QAction::triggered, this, [this, kind, folder, selected = QPointer(&pane)] {
