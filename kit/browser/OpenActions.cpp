@@ -207,6 +207,11 @@ void OpenActions::openRow(BrowserModel& pane, std::size_t row) {
     openFiles(services_->launcher(), &pane, requestApplication, openTabBehind, {url});
 }
 
+void OpenActions::openRowBehind(const BrowserModel& pane, std::size_t row) const {
+    const FileItemView item = pane.items()[row];
+    if (PaneTargets::isFolder(item) && openTabBehind) openTabBehind(item.url());
+}
+
 void OpenActions::openWith(BrowserModel& pane, const DesktopApplication& application) {
     if (PaneTargets::areFolders(pane, mostTogether))
         services_->settings().rememberFolderApp(application.file);

@@ -45,6 +45,8 @@ public:
     void open(BrowserModel& pane);
     /// One item, whatever is selected.
     void openRow(BrowserModel& pane, std::size_t row);
+    /// A folder, in a tab behind the active one; nothing else.
+    void openRowBehind(const BrowserModel& pane, std::size_t row) const;
 
     /// The selected items. An application that opens folders is remembered for other folders.
     void openWith(BrowserModel& pane, const DesktopApplication& application);

@@ -295,6 +295,8 @@ void BrowserWindow::addPaneArea(std::size_t index) {
     area->setHomePage(places_->makeHomeView());
     connect(area, &PaneArea::openRequested, this,
             [this, &pane](std::size_t row) { opening_.openRow(pane, row); });
+    connect(area, &PaneArea::tabRequested, this,
+            [this, &pane](std::size_t row) { opening_.openRowBehind(pane, row); });
     pane.requestQuickLook = [this, area, &pane] {
         QuickLookWindow::toggle({.theme = *theme_,
                                  .area = *area,

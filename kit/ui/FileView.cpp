@@ -251,6 +251,8 @@ QString FileView::spokenText(std::size_t row) {
     QStringList parts;
     for (const QString* part : {&shown.name, &shown.type, &shown.date, &shown.size})
         if (!part->isEmpty()) parts << *part;
+    if (const auto failure = model_->items()[row].accessError())
+        parts << QString::fromStdString(failure->systemText());
     if (shown.isCut) parts << localized("ui.accessible.cut");
     return parts.join(QStringLiteral(", "));
 }
@@ -409,7 +411,7 @@ void FileView::askForThumbnails() {
 }
 
 QString FileView::toolTipAt(std::size_t row, QPoint) {
-    const auto failure = model_->items()[row].readError();
+    const auto failure = model_->items()[row].accessError();
     return failure ? QString::fromStdString(failure->systemText()) : QString();
 }
 

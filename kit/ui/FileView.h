@@ -161,6 +161,8 @@ Q_SIGNALS:
     void zoomRequested(int step, QPoint at);
     /// A double click on a row.
     void openRequested(std::size_t row);
+    /// A middle click on a row.
+    void tabRequested(std::size_t row);
     void scrolled();
     /// What a drop would do where the drag is now; empty when there is none.
     void dropEffectChanged(const QString& effect);

@@ -16,9 +16,7 @@ namespace {
 using How = SelectionGestures::How;
 using BandMode = SelectionGestures::BandMode;
 
-constexpr std::chrono::milliseconds edgeScrollInterval(16);
 constexpr std::chrono::seconds bandPatience(2); // that long arriving items wait for a band to end
-constexpr int edge = 24;                        // pixels at the top and bottom within which a band scrolls
 
 How howOf(Qt::KeyboardModifiers modifiers) {
     const bool isRange = modifiers & Qt::ShiftModifier, isAdding = modifiers & Qt::ControlModifier;
@@ -34,9 +32,9 @@ BandMode bandModeOf(Qt::KeyboardModifiers modifiers) {
 } // namespace
 
 FileViewPointer::FileViewPointer(FileView& view, SelectionGestures& gestures)
-    : view_(&view), gestures_(&gestures) {
-    edgeScroll_.setInterval(edgeScrollInterval);
-    connect(&edgeScroll_, &QTimer::timeout, this, &FileViewPointer::scrollAtEdge);
+    : view_(&view), gestures_(&gestures), edges_(view.theme()) {
+    connect(&edges_, &EdgeScroll::step, this,
+            [this](int pixels) { view_->scrollTo(view_->offset() + pixels); });
     patience_.setSingleShot(true);
     patience_.setInterval(bandPatience);
     slowClick_.setSingleShot(true);
@@ -130,7 +128,6 @@ void FileViewPointer::beginBand() {
     gestures_->beginBand(press_->mode);
     view_->model().setHeld(true);
     patience_.start();
-    edgeScroll_.start();
     moveBand();
 }
 
@@ -153,18 +150,12 @@ void FileViewPointer::release(QMouseEvent& event) {
     if (press.selects && pressed) gestures_->select(*pressed, press.howToSelect);
     const auto row = view_->rowAt(event.position().toPoint());
     const bool isClick = row && row == pressed;
-    if (press.button == Qt::MiddleButton && isClick) openInTab(*row);
+    if (press.button == Qt::MiddleButton && isClick) Q_EMIT view_->tabRequested(*row);
     if (press.mayRename && isClick) {
         slowRow_ = row;
         slowClick_.start(QGuiApplication::styleHints()->mouseDoubleClickInterval());
     }
     hover(event.position().toPoint());
-}
-
-void FileViewPointer::openInTab(std::size_t row) {
-    const FileItemView item = view_->model().items()[row];
-    const bool isFolder = item.isDirectoryLike() || item.isPackage();
-    if (isFolder && view_->model().requestNewTab) view_->model().requestNewTab(item.url());
 }
 
 void FileViewPointer::doubleClick(QMouseEvent& event) {
@@ -202,7 +193,7 @@ void FileViewPointer::cancel() {
     slowClick_.stop();
     press_.reset();
     gestures_->endBand();
-    edgeScroll_.stop();
+    edges_.stop();
     patience_.stop();
     if (!hadBand) return;
     view_->model().setHeld(false);
@@ -213,13 +204,15 @@ QRect FileViewPointer::band() const {
     if (!press_ || !gestures_->hasBand()) return {};
     const QRect screen = view_->viewport()->rect();
     // What lies beyond the screen only has to be beyond it.
+    constexpr int beyond = 8;
     const auto shift = view_->contentRect(QRect(0, 0, 1, 1));
-    const auto left = std::clamp<qint64>(press_->contentX - shift.x, -edge, screen.width() + edge);
-    const auto top = std::clamp<qint64>(press_->contentY - shift.y, -edge, screen.height() + edge);
+    const auto left = std::clamp<qint64>(press_->contentX - shift.x, -beyond, screen.width() + beyond);
+    const auto top = std::clamp<qint64>(press_->contentY - shift.y, -beyond, screen.height() + beyond);
     return QRect(QPoint(static_cast<int>(left), static_cast<int>(top)), pointer_).normalized();
 }
 
 void FileViewPointer::moveBand() {
+    edges_.over(pointer_.y(), view_->viewport()->height());
     const auto here = view_->contentRect(QRect(pointer_, QSize(1, 1)));
     const qint64 left = std::min<qint64>(press_->contentX, here.x),
                  right = std::max<qint64>(press_->contentX, here.x);
@@ -230,14 +223,6 @@ void FileViewPointer::moveBand() {
                                      .height = bottom - top + 1};
     gestures_->moveBand(view_->rowsTouching(area), view_->rowAt(pointer_));
     view_->viewport()->update();
-}
-
-void FileViewPointer::scrollAtEdge() {
-    const int height = view_->viewport()->height();
-    const int above = edge - pointer_.y(), below = pointer_.y() - (height - edge);
-    const int distance = above > 0 ? -above : below > 0 ? below : 0;
-    if (distance == 0) return;
-    view_->scrollTo(view_->offset() + distance);
 }
 
 } // namespace ombrel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "browser/SelectionGestures.h"
+#include "ui/EdgeScroll.h"
 
 #include <QObject>
 #include <QPoint>
@@ -66,10 +67,8 @@ private:
     [[nodiscard]] std::optional<std::size_t> pressedRow() const;
     void hover(QPoint at);
     void beginDrag();
-    void openInTab(std::size_t row);
     void beginBand();
     void moveBand();
-    void scrollAtEdge();
 
     FileView* view_;
     SelectionGestures* gestures_;
@@ -80,7 +79,7 @@ private:
     bool hasJustFocused_ = false;
     std::optional<std::size_t> slowRow_;
     QTimer slowClick_;
-    QTimer edgeScroll_;
+    EdgeScroll edges_;
     QTimer patience_;
 };
 

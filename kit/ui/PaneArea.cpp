@@ -32,6 +32,7 @@ void PaneArea::equip(FileView& view) {
     view.setSources(sources_);
     layout()->addWidget(&view);
     connect(&view, &FileView::openRequested, this, &PaneArea::openRequested);
+    connect(&view, &FileView::tabRequested, this, &PaneArea::tabRequested);
     connect(&view, &FileView::zoomRequested, this, &PaneArea::zoom);
     connect(&view, &FileView::dropEffectChanged, overlay_,
             [this, &view] { overlay_->inviteDrop(view.drop().isAllowed()); });

@@ -35,6 +35,8 @@ public:
 Q_SIGNALS:
     /// A double click on a row.
     void openRequested(std::size_t row);
+    /// A middle click on a row.
+    void tabRequested(std::size_t row);
     /// `view` is another one than before.
     void viewChanged();
 

@@ -7,19 +7,24 @@
 #include "ui/GlyphButton.h"
 #include "ui/Overlay.h"
 #include "ui/StatusBar.h"
+#include "ui/TextLabel.h"
 #include "ui/WindowActions.h"
 #include "ui/WindowWorld.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QDragEnterEvent>
+#include <QHelpEvent>
 #include <QInputMethodEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QToolTip>
 #include <QUrl>
 
+#include <algorithm>
 #include <cerrno>
 
 namespace ombrel {
@@ -282,6 +287,21 @@ TEST_F(Window, LeavesASearchThatFoundNothing) {
     EXPECT_TRUE(window.overlay().isHidden());
 }
 
+TEST_F(Window, OpensFoldersBehindByAMiddleClick) {
+    open(tree.url("Projects"));
+    const auto clickOn = [this](std::size_t row) {
+        QTest::mouseClick(window.view().viewport(), Qt::MiddleButton, Qt::NoModifier,
+                          window.view().rowRect(row).center());
+    };
+    ASSERT_EQ(window.model().items()[0].name(), "Reports");
+    clickOn(1);
+    EXPECT_EQ(window.tabs().count(), 1U) << "a file is no folder";
+    clickOn(0);
+    ASSERT_EQ(window.tabs().count(), 2U);
+    EXPECT_EQ(window.tabs().selectedIndex(), 0U);
+    EXPECT_EQ(window.tabs().tab(1).currentURL()->path(), tree.url("Projects/Reports").path());
+}
+
 TEST_F(Window, TellsOfEntriesThatCouldNotBeRead) {
     // Some look is at an entry; the watch over the folder takes a look too.
     for (int call = 1; call < 12; ++call) {
@@ -297,6 +317,27 @@ TEST_F(Window, TellsOfEntriesThatCouldNotBeRead) {
         ++row;
     EXPECT_TRUE(window.view().facts(row).date.isEmpty());
     EXPECT_EQ(window.view().facts(row).badge, IconBadge::lock);
+    EXPECT_THAT(window.view().spokenText(row).toStdString(), ::testing::HasSubstr(", Input/output error"));
+
+    const auto labels = window.statusBar().findChildren<ElidedLabel*>();
+    const auto label =
+        std::ranges::find(labels, QStringLiteral("1 item could not be read"), &ElidedLabel::text);
+    ASSERT_NE(label, labels.end());
+    QHelpEvent help(QEvent::ToolTip, {1, 1}, (*label)->mapToGlobal(QPoint(1, 1)));
+    QApplication::sendEvent(*label, &help);
+    EXPECT_EQ((*label)->toolTip().toStdString(),
+              "\u2068" + std::string(items[row].name()) + "\u2069 – Input/output error");
+}
+
+TEST_F(Window, ShowsNamesThatLookLikeMarkupAsTheyStandInTooltips) {
+    QToolTip::showText({100, 100}, QStringLiteral("<b>bold</b>"), &window);
+    const auto all = QApplication::allWidgets();
+    const auto tip = std::ranges::find_if(all, [](QWidget* widget) { return widget->inherits("QTipLabel"); });
+    ASSERT_NE(tip, all.end());
+    const auto* const label = static_cast<QLabel*>(*tip);
+    EXPECT_EQ(label->textFormat(), Qt::PlainText);
+    EXPECT_GE(label->width(), label->fontMetrics().horizontalAdvance(QStringLiteral("<b>bold</b>")));
+    QToolTip::hideText();
 }
 
 } // namespace
