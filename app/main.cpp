@@ -118,6 +118,27 @@ int makePictures(QApplication& application, const Arguments& arguments, const Pi
     return status;
 }
 
+std::unique_ptr<BrowserWindow> showPictured(Windows& windows, const Theme& theme,
+                                            const Arguments& arguments) {
+    std::unique_ptr<BrowserWindow> pictured(
+        windows.make(arguments.folders.empty() ? PathInput::userHomeDirectory() : arguments.folders.front()));
+    pictured->resize(theme.size(ThemeSize::windowWidth), theme.size(ThemeSize::windowHeight));
+    pictured->show();
+    new Picture(*pictured, QFile::decodeName(arguments.pictureFile.c_str()));
+    return pictured;
+}
+
+/// Opens the windows, at the first start after the way in.
+void showWindows(QApplication& application, Windows& windows, const Theme& theme, AppServices& services,
+                 const Arguments& arguments) {
+    const auto openWindows = [&windows, &arguments] { windows.open(arguments.folders); };
+    // Who asks for a folder is not kept from it.
+    if (!arguments.folders.empty() || services.settings().didCompleteOnboarding()) return openWindows();
+    auto* const onboarding = new OnboardingDialog(theme, services);
+    QObject::connect(onboarding, &QDialog::finished, &application, openWindows);
+    onboarding->show();
+}
+
 int runApplication(QApplication& application, const Arguments& arguments) {
     std::optional<Instance> instance;
     if (arguments.request == Arguments::Request::windows) {
@@ -152,11 +173,7 @@ int runApplication(QApplication& application, const Arguments& arguments) {
     SettingsFollower follower(services->settings());
     std::unique_ptr<BrowserWindow> pictured;
     if (isPicture) {
-        pictured.reset(windows->make(arguments.folders.empty() ? PathInput::userHomeDirectory()
-                                                               : arguments.folders.front()));
-        pictured->resize(theme.size(ThemeSize::windowWidth), theme.size(ThemeSize::windowHeight));
-        pictured->show();
-        new Picture(*pictured, QFile::decodeName(arguments.pictureFile.c_str()));
+        pictured = showPictured(*windows, theme, arguments);
     } else {
         desktop.follow();
         services->start();
@@ -165,15 +182,7 @@ int runApplication(QApplication& application, const Arguments& arguments) {
                          [&follower](Qt::ApplicationState state) {
                              if (state == Qt::ApplicationActive) follower.refresh();
                          });
-        const auto openWindows = [&windows, &arguments] { windows->open(arguments.folders); };
-        // Who asks for a folder is not kept from it.
-        if (arguments.folders.empty() && !services->settings().didCompleteOnboarding()) {
-            auto* const onboarding = new OnboardingDialog(theme, *services);
-            QObject::connect(onboarding, &QDialog::finished, &application, openWindows);
-            onboarding->show();
-        } else {
-            openWindows();
-        }
+        showWindows(application, *windows, theme, *services, arguments);
     }
     const int status = QApplication::exec();
     // Who starts the program from now on has one of his own.

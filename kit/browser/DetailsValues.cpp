@@ -104,11 +104,10 @@ void DetailsValues::load() {
     const bool isShown = !selected.empty() && std::ranges::equal(selected, shown_, areAlike);
     shown_ = std::move(selected); // or they would keep the listing before in memory
     if (isShown) return;
-    const std::uint64_t ticket = ++ticket_;
+    ++ticket_;
     contents_.stop();
     reader_ = Worker();
-    const auto& folder = pane_->currentURL();
-    const std::size_t count = selection.empty() ? (folder ? 1 : 0) : selection.count();
+    const std::size_t count = selection.empty() ? (pane_->currentURL() ? 1 : 0) : selection.count();
     const bool isOfFolder = selection.empty();
     // The pane is counting its folder already.
     const bool isCountedHere = isOfFolder && !pane_->showsSearch();
@@ -126,34 +125,41 @@ void DetailsValues::load() {
         Q_EMIT changed();
         return;
     }
+    read(isCountedHere, counted);
+}
+
+void DetailsValues::read(bool isCountedHere, std::optional<std::int64_t> counted) {
+    const FileSelection& selection = pane_->selection();
+    // Nothing selected is the folder itself.
+    const auto folder = selection.empty() ? pane_->currentURL() : std::nullopt;
+    auto body = [self = QPointer(this), ticket = ticket_, selection = FileSelection(selection), folder,
+                 isCountedHere, counted,
+                 showsHidden = pane_->filter().showsHidden](const std::stop_token& stop) mutable {
+        Found found;
+        const auto items = folder ? std::vector{itemAt(*folder)} : selection.items();
+        selection = {};
+        std::ranges::copy(items | std::views::take(mostPreviews), std::back_inserter(found.previews));
+        if (items.size() > 1) {
+            std::ranges::transform(items, std::back_inserter(found.counted), &FileItem::url);
+            found.common = Common::of(items, stop);
+        } else {
+            const FileItem& one = items.front();
+            found.facts = ItemValues::read(one);
+            // The root is an item of no folder.
+            if (folder) found.facts->url = *folder;
+            found.facts->dimensions = ItemValues::dimensionsOf(one);
+            if (isCountedHere)
+                found.items = counted;
+            else if (found.facts->isFolder)
+                found.items = itemsIn(one.url(), showsHidden, stop);
+        }
+        if (stop.stop_requested()) return;
+        MainThread::post([self, ticket, found = std::move(found)]() mutable {
+            if (self) self->take(ticket, std::move(found));
+        });
+    };
     try {
-        reader_ = Worker(
-            "ombrel-details", [self = QPointer(this), ticket, selection = FileSelection(selection), folder,
-                               isOfFolder, isCountedHere, counted, showsHidden = pane_->filter().showsHidden](
-                                  const std::stop_token& stop) mutable {
-                Found found;
-                const auto items = selection.empty() ? std::vector{itemAt(*folder)} : selection.items();
-                selection = {};
-                std::ranges::copy(items | std::views::take(mostPreviews), std::back_inserter(found.previews));
-                if (items.size() > 1) {
-                    std::ranges::transform(items, std::back_inserter(found.counted), &FileItem::url);
-                    found.common = Common::of(items, stop);
-                } else {
-                    const FileItem& one = items.front();
-                    found.facts = ItemValues::read(one);
-                    // The root is an item of no folder.
-                    if (isOfFolder) found.facts->url = *folder;
-                    found.facts->dimensions = ItemValues::dimensionsOf(one);
-                    if (isCountedHere)
-                        found.items = counted;
-                    else if (found.facts->isFolder)
-                        found.items = itemsIn(one.url(), showsHidden, stop);
-                }
-                if (stop.stop_requested()) return;
-                MainThread::post([self, ticket, found = std::move(found)]() mutable {
-                    if (self) self->take(ticket, std::move(found));
-                });
-            });
+        reader_ = Worker("ombrel-details", std::move(body));
     } catch (const std::system_error&) {
         // What the listing told has to do.
         isReading_ = false;

@@ -79,6 +79,7 @@ private:
 
     void wait();
     void load();
+    void read(bool isCountedHere, std::optional<std::int64_t> counted);
     void take(std::uint64_t ticket, Found found);
     void takeContents();
 

@@ -23,7 +23,7 @@ constexpr auto path = "/org/freedesktop/portal/desktop";
 constexpr auto interface = "org.freedesktop.portal.Settings";
 constexpr auto appearanceSpace = "org.freedesktop.appearance";
 /// Of desktops whose portals know nothing of reduced motion yet.
-constexpr auto animationSpace = "org.gnome.desktop.interface";
+constexpr auto gnomeSpace = "org.gnome.desktop.interface", plasmaSpace = "org.kde.kdeglobals.KDE";
 constexpr int portalPatience = 3000; // milliseconds
 
 QString string(const char* text) {
@@ -32,7 +32,7 @@ QString string(const char* text) {
 
 using Settings = QMap<QString, QVariantMap>;
 
-/// All settings of both spaces, none when no portal answers; nothing when there is no bus. Blocking.
+/// All settings of these spaces, none when no portal answers; nothing when there is no bus. Blocking.
 std::optional<Settings> askPortal() {
     // Without an address the bus library would try to launch a bus.
     if (qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS")) return std::nullopt;
@@ -40,7 +40,7 @@ std::optional<Settings> askPortal() {
     if (!bus.isConnected()) return std::nullopt;
     auto call = QDBusMessage::createMethodCall(string(service), string(path), string(interface),
                                                QStringLiteral("ReadAll"));
-    call << QStringList{string(appearanceSpace), string(animationSpace)};
+    call << QStringList{string(appearanceSpace), string(gnomeSpace), string(plasmaSpace)};
     const auto reply = bus.call(call, QDBus::Block, portalPatience);
     if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) return Settings();
     return qdbus_cast<Settings>(reply.arguments().constFirst());
@@ -86,8 +86,11 @@ void DesktopAppearance::settingChanged(const QString& space, const QString& key,
 Appearance DesktopAppearance::with(Appearance appearance, const QString& space, const QString& key,
                                    const QVariant& value) {
     constexpr unsigned noPreference = 0, preferDark = 1, moreContrast = 1, lessMotion = 1;
-    if (space == QLatin1String(animationSpace)) {
+    if (space == QLatin1String(gnomeSpace)) {
         if (key == QLatin1String("enable-animations")) isAnimated_ = value.toBool();
+    } else if (space == QLatin1String(plasmaSpace)) {
+        // How long animations take, in parts of their usual time, and in digits.
+        if (key == QLatin1String("AnimationDurationFactor")) isAnimated_ = value.toDouble() > 0;
     } else if (space != QLatin1String(appearanceSpace)) {
         return appearance;
     } else if (key == QLatin1String("color-scheme")) {

@@ -11,9 +11,9 @@ class QPalette;
 namespace ombrel {
 
 /// Keeps a theme as the desktop wants it: light or dark, high contrast and reduced motion as the settings
-/// portal says (org.freedesktop.portal.Settings; GNOME's switch for animations counts too), now and whenever
-/// they change. Without a portal the application's own palette decides, which is all that there is at first:
-/// the portal is asked on a worker and never waited for.
+/// portal says (org.freedesktop.portal.Settings; GNOME's and Plasma's settings for animations count too), now
+/// and whenever they change. Without a portal the application's own palette decides, which is all that there
+/// is at first: the portal is asked on a worker and never waited for.
 class DesktopAppearance final : public QObject {
     Q_OBJECT
 

@@ -319,7 +319,6 @@ void TabStrip::paintTab(QPainter& painter, std::size_t shown) const {
         if (is(hovered_)) return ThemeColor::hover;
         return std::nullopt;
     }();
-    painter.setPen(Qt::NoPen);
     if (ground) painter.fillPath(tabOutline(rect, radius, radius), theme_->color(*ground));
     if (isActive) {
         const QPainterPath below = tabOutline(QRectF(rect).adjusted(0, line, 0, 0), radius, radius - line);
@@ -350,20 +349,22 @@ void TabStrip::paintTab(QPainter& painter, std::size_t shown) const {
         painter.drawText(inTab(text), Qt::AlignLeading | Qt::AlignVCenter | Qt::TextSingleLine,
                          fontMetrics().elidedText(shown_[shown].title, Qt::ElideRight, text.width()));
     }
-    if (!close.isEmpty()) {
-        const Spot button{Spot::Part::close, *tab};
-        const bool isPressed = held_ && held_->spot == button;
-        if (hovered_ == button || isPressed) {
-            painter.setPen(Qt::NoPen);
-            painter.setBrush(theme_->color(isPressed || !isActive ? ThemeColor::pressed : ThemeColor::hover));
-            const int corner = theme_->size(ThemeSize::radiusButton);
-            painter.drawRoundedRect(close, corner, corner);
-        }
-        const int inset = (close.width() - side) / 2;
-        Glyphs::draw(painter, Glyph::close, QRectF(close).adjusted(inset, inset, -inset, -inset),
-                     theme_->color(ink));
-    }
+    if (!close.isEmpty())
+        paintCloseButton(painter, {Spot::Part::close, *tab}, close, isActive, theme_->color(ink));
     painter.restore();
+}
+
+void TabStrip::paintCloseButton(QPainter& painter, const Spot& spot, const QRect& rect, bool isActive,
+                                const QColor& ink) const {
+    const bool isPressed = held_ && held_->spot == spot;
+    if (hovered_ == spot || isPressed) {
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(theme_->color(isPressed || !isActive ? ThemeColor::pressed : ThemeColor::hover));
+        const int corner = theme_->size(ThemeSize::radiusButton);
+        painter.drawRoundedRect(rect, corner, corner);
+    }
+    const int inset = (rect.width() - theme_->size(ThemeSize::smallIcon)) / 2;
+    Glyphs::draw(painter, Glyph::close, QRectF(rect).adjusted(inset, inset, -inset, -inset), ink);
 }
 
 } // namespace ombrel

@@ -136,6 +136,8 @@ private:
     [[nodiscard]] bool opensDropped(QDropEvent& event) const;
     void selectUnderDrag(std::size_t tab);
     void paintTab(QPainter& painter, std::size_t shown) const;
+    void paintCloseButton(QPainter& painter, const Spot& spot, const QRect& rect, bool isActive,
+                          const QColor& ink) const;
 
     BrowserTabsModel* tabs_;
     const Theme* theme_;

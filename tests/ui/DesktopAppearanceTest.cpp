@@ -89,6 +89,15 @@ TEST(DesktopAppearanceWithAPortal, FollowsWhatItSaysNowAndLater) {
     EXPECT_TRUE(testing::runUntil([&] { return theme.appearance().isMotionReduced; }));
     animate(true);
     EXPECT_TRUE(testing::runUntil([&] { return !theme.appearance().isMotionReduced; }));
+    const auto scaleAnimations = [&](const char* factor) {
+        Q_EMIT portal.SettingChanged(QStringLiteral("org.kde.kdeglobals.KDE"),
+                                     QStringLiteral("AnimationDurationFactor"),
+                                     QDBusVariant(QString::fromLatin1(factor)));
+    };
+    scaleAnimations("0");
+    EXPECT_TRUE(testing::runUntil([&] { return theme.appearance().isMotionReduced; }));
+    scaleAnimations("0.5");
+    EXPECT_TRUE(testing::runUntil([&] { return !theme.appearance().isMotionReduced; }));
     tell("color-scheme", 1);
     EXPECT_TRUE(testing::runUntil([&] { return theme.appearance().isDark; }));
     // No preference: what the palette said in the first place.
