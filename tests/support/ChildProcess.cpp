@@ -97,11 +97,13 @@ ChildProcess::ChildProcess(const std::vector<std::string>& words, const Setting&
     const passwd* const nobody = setting.asNobody ? ::getpwnam("nobody") : nullptr;
     if (setting.asNobody && !nobody) fail("nobody");
 
+    // Shells let what runs in the background ignore it, which is inherited: afterwards would be too late for
+    // an interrupt that comes at once.
+    ::signal(SIGINT, SIG_DFL);
     process_ = ::fork();
     if (process_ < 0) fail("fork");
     if (process_ == 0) {
         // From here on only calls that are safe between fork and exec.
-        ::signal(SIGINT, SIG_DFL); // shells let what runs in the background ignore it, and that is inherited
         ::dup2(outputSource.get(), STDOUT_FILENO);
         ::dup2(errorsSource.get(), STDERR_FILENO);
         if (setting.onTerminal) {
