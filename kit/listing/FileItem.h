@@ -83,7 +83,8 @@ public:
         : FileItemView(*block, slot), owner_(std::move(block)) {}
 
     /// Looks at one entry of `folder` (one lstat, one call more for links and for what may be locked). Never
-    /// fails: what goes wrong is in the item. `isDirectoryHint` is what the folder's own entry said. Blocking.
+    /// fails: what goes wrong is in the item. `isDirectoryHint` is what the folder's own entry said.
+    /// Blocking.
     [[nodiscard]] static FileItem make(std::string_view name, const FileURL& folder, std::uint64_t generation,
                                        std::optional<bool> isDirectoryHint = std::nullopt);
 
