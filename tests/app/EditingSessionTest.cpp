@@ -98,10 +98,7 @@ TEST_F(EditingSession, LeavesThingsWhereTheyAreWhenADragIsCalledOff) {
     start();
     seeRows(all);
     const QPoint folder = grip(row("alpha"));
-    const auto hold = [&] {
-        desktop().beginDrag(grip(row("notes.txt")), folder);
-        see(Role::label, "Move to alpha");
-    };
+    const auto take = [&] { hold(grip(row("notes.txt")), folder, "Move to alpha"); };
     const auto letGo = [&] {
         seeGone(Role::label, "Move to alpha");
         desktop().moveTo(folder + QPoint(1, 1));
@@ -110,18 +107,18 @@ TEST_F(EditingSession, LeavesThingsWhereTheyAreWhenADragIsCalledOff) {
         seeRows(all);
         EXPECT_EQ(tree.names("home/desk"), all);
     };
-    hold();
+    take();
     key("Escape");
     letGo();
-    hold();
+    take();
     seeTitle("alpha"); // which has opened under the drag
     key("Escape");
     seeTitle("desk");
     letGo();
-    hold();
+    take();
     desktop().clickAt(folder, 3);
     letGo();
-    hold();
+    take();
     const QRect place = window().place;
     desktop().moveTo({place.right() + 60, place.center().y()});
     seeGone(Role::label, "Move to alpha");

@@ -155,8 +155,7 @@ TEST_F(Interoperation, WhatIsDraggedInFromOtherProgramsIsCopied) {
     start();
     const QPoint folder = grip(row("alpha"));
     startOther({"give", uriList, uriOf("others/item") + "\r\n"});
-    desktop().beginDrag(place(), folder);
-    seeAnywhere(Role::label, "Copy to alpha");
+    hold(place(), folder, "Copy to alpha");
     desktop().release();
     EXPECT_EQ(hear("ended"), "copied");
     waitForDisk("home/desk/alpha", {"item"});

@@ -268,13 +268,21 @@ void Session::goTo(const std::string& folder) {
     seeTitle(folder.substr(folder.rfind('/') + 1));
 }
 
+void Session::hold(QPoint from, QPoint over, const std::string& effect, const std::string& held) {
+    desktop().beginDrag(from, over);
+    if (!held.empty()) desktop().hand({"keydown", held});
+    // A step that is made before the one before was answered is not told to whom the drag is over.
+    int step = 0;
+    wait("“" + effect + "” under the drag", [&] {
+        desktop().moveTo(over + QPoint(++step % 2, 0));
+        return std::ranges::any_of(reader().windows(), [&](const Thing& each) {
+            return reader().find(each, Role::label, effect).has_value();
+        });
+    });
+}
+
 void Session::drag(const std::string& name, QPoint to, const std::string& effect, const std::string& held) {
-    desktop().beginDrag(grip(row(name)), to);
-    if (!held.empty()) {
-        desktop().hand({"keydown", held});
-        desktop().moveTo(to + QPoint(1, 1));
-    }
-    see(Role::label, effect);
+    hold(grip(row(name)), to, effect, held);
     desktop().release();
     if (!held.empty()) desktop().hand({"keyup", held});
 }

@@ -76,8 +76,10 @@ protected:
     static void typeInto(const std::string& field, const std::string& text, const std::string& whole = {});
     /// By the address, to a folder of the tree.
     void goTo(const std::string& folder);
-    /// From a row to a place, `held` being the name of a key that is held at the end if it is not empty.
-    /// Waits there for the words that tell what a drop would do.
+    /// Begins to drag from one place and moves over another until some window says what a drop would do
+    /// there. The button stays down, and so does the key of the name `held` if it is not empty.
+    static void hold(QPoint from, QPoint over, const std::string& effect, const std::string& held = {});
+    /// The same from a row, and drops there.
     static void drag(const std::string& row, QPoint to, const std::string& effect,
                      const std::string& held = {});
     /// Waits until a popup is there once `open` has been done, and runs `use`.
