@@ -302,9 +302,8 @@ TEST_F(WindowFrame, LetsWhatSaysLeastLeaveTheStatusBarFirst) {
 TEST_F(WindowFrame, GivesTheSidesTheirPlaces) {
     open(tree.url("Projects"));
     auto& splitter = window.splitter();
-    auto* const side = new QWidget;
     if (!splitter.isShown(Side::tree)) splitter.put(Side::tree, new QWidget);
-    if (!splitter.isShown(Side::details)) splitter.put(Side::details, side);
+    if (!splitter.isShown(Side::details)) splitter.put(Side::details, new QWidget);
     const auto shown = [&](int width) {
         window.resize(width, 600);
         QApplication::processEvents();
